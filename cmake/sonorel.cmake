@@ -1,0 +1,43 @@
+# One interface target carries the flags of every target, and two functions make the libraries and the tests:
+# every source of a folder belongs to its target, so that no file can be left out.
+
+add_library(sonorel_flags INTERFACE)
+target_compile_options(sonorel_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
+  -Woverloaded-virtual -Wcast-align -Wnull-dereference -Wimplicit-fallthrough)
+if(SONOREL_WERROR)
+  target_compile_options(sonorel_flags INTERFACE -Werror)
+endif()
+target_compile_definitions(sonorel_flags INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING
+  QT_NO_CAST_FROM_BYTEARRAY QT_NO_KEYWORDS QT_NO_FOREACH)
+target_include_directories(sonorel_flags INTERFACE ${CMAKE_SOURCE_DIR}/src)
+if(SONOREL_SANITIZE)
+  target_compile_options(sonorel_flags INTERFACE -fsanitize=${SONOREL_SANITIZE} -fno-omit-frame-pointer
+    -fno-sanitize-recover=all)
+  target_link_options(sonorel_flags INTERFACE -fsanitize=${SONOREL_SANITIZE})
+endif()
+
+# sonorel_library(NAME LINK...): a static library of all .cpp files of the current folder.
+function(sonorel_library name)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  if(NOT sources)
+    add_library(${name} INTERFACE)
+    target_link_libraries(${name} INTERFACE sonorel_flags ${ARGN})
+    return()
+  endif()
+  add_library(${name} STATIC ${sources})
+  target_link_libraries(${name} PUBLIC sonorel_flags ${ARGN})
+endfunction()
+
+# sonorel_tests(NAME LINK...): one executable of all *_test.cpp files of the current folder, registered with ctest.
+function(sonorel_tests name)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(${name} ${sources})
+  target_link_libraries(${name} PRIVATE sonorel_test_support ${ARGN} GTest::gtest GTest::gtest_main)
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_compile_definitions(${name} PRIVATE SONOREL_RESOURCES="${CMAKE_SOURCE_DIR}/resources")
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES LABELS unit TIMEOUT 600)
+endfunction()

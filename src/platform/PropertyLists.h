@@ -1,0 +1,29 @@
+// Property lists as values: QVariantMap, QVariantList, QString, QByteArray, bool, qlonglong, double, QDateTime.
+// Bytes in, values out; no files. Pure, any thread. Decoding throws Failure (Damaged) with a reason: size,
+// depth and object count are checked before anything is parsed.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QVariant>
+
+#include <optional>
+
+namespace sonorel {
+
+class PropertyLists {
+public:
+  virtual ~PropertyLists() = default;
+  // XML or binary. A truncated list, a wrong number or a bad base64 text is damaged, never silently empty.
+  [[nodiscard]] virtual QVariant decode(const QByteArray &bytes) = 0;
+  [[nodiscard]] virtual QByteArray encodeXml(const QVariant &value) = 0;
+  [[nodiscard]] virtual QByteArray encodeBinary(const QVariant &value) = 0;
+  // A keyed archive of one text, and back; nullopt for anything malformed.
+  [[nodiscard]] virtual QByteArray archive(const QString &text) = 0;
+  [[nodiscard]] virtual std::optional<QString> unarchive(const QByteArray &bytes) = 0;
+
+  static constexpr qsizetype kSizeLimit = 256LL * 1024 * 1024;
+  static constexpr int kDepthLimit = 64;
+};
+
+} // namespace sonorel

@@ -1,0 +1,25 @@
+// Our own programs and the drop agent, known by the names they own, never by a process name.
+#pragma once
+
+#include <QString>
+
+#include <vector>
+
+namespace sonorel {
+
+struct RunningApplication {
+  QString name;             // "Sonorel", "TrackChute", "iTunes"
+  QString path;             // bundle path in the system's own paths
+  QString bundleIdentifier; // "com.orv.TrackChute"
+  qint64 processId = 0;
+};
+
+class RunningApplications {
+public:
+  virtual ~RunningApplications() = default;
+  [[nodiscard]] virtual std::vector<RunningApplication> launched() = 0;
+  // Ends that very process; nothing happens when it has gone.
+  virtual void end(const RunningApplication &application) = 0;
+};
+
+} // namespace sonorel

@@ -1,0 +1,42 @@
+// DNS-SD browsing and resolution. Handlers run on the controller's thread.
+#pragma once
+
+#include <QByteArray>
+#include <QMap>
+#include <QString>
+
+#include <functional>
+
+namespace sonorel {
+
+struct Service {
+  QString name;
+  QString type;
+  QString domain;
+};
+
+struct ResolvedService {
+  Service service;
+  QString hostName;
+  QString address; // IPv4 text
+  quint16 port = 0;
+  QMap<QByteArray, QByteArray> textRecord;
+};
+
+class ServiceBrowser {
+public:
+  struct Handlers {
+    std::function<void(const Service &)> added;
+    std::function<void(const Service &)> removed;
+    std::function<void(const ResolvedService &)> resolved;
+    std::function<void(const Service &, const QString &reason)> notResolved;
+  };
+
+  virtual ~ServiceBrowser() = default;
+  // Returns at once; a browser that is not available now starts by itself when it is.
+  virtual void browse(const QString &type, const QString &domain, Handlers handlers) = 0;
+  virtual void resolve(const Service &service) = 0;
+  virtual void stop() = 0;
+};
+
+} // namespace sonorel
