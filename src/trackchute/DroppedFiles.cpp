@@ -1,0 +1,179 @@
+#include "trackchute/DroppedFiles.h"
+
+#include "platform/Failure.h"
+
+#include <QStringDecoder>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <set>
+#include <sys/stat.h>
+
+using namespace Qt::Literals::StringLiterals;
+namespace fs = std::filesystem;
+
+namespace sonorel::trackchute {
+
+namespace {
+
+constexpr std::array<QStringView, 14> kPictureExtensions{u"jpeg", u"jpg", u"gif", u"tiff", u"tif",  u"png", u"bmp",
+                                                         u"avi",  u"mpeg", u"mpg", u"m1v", u"mpe", u"asf", u"wmv"};
+
+std::optional<QString> decoded(const std::string &bytes) {
+  QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
+  const QString text = decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
+  if (decoder.hasError()) {
+    return std::nullopt;
+  }
+  return text;
+}
+
+QString shown(const std::string &bytes) {
+  return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
+}
+
+bool isPicture(const QString &path) {
+  const qsizetype dot = path.lastIndexOf(u'.');
+  const QStringView extension = dot < 0 ? QStringView() : QStringView(path).sliced(dot + 1);
+  return std::any_of(kPictureExtensions.begin(), kPictureExtensions.end(), [&](QStringView known) {
+    return extension.compare(known, Qt::CaseInsensitive) == 0;
+  });
+}
+
+class Expansion {
+public:
+  DroppedFiles result;
+
+  void addArgument(const std::string &argument) {
+    std::error_code error;
+    const fs::path path = fs::absolute(argument, error).lexically_normal();
+    struct stat status {};
+    if (argument.empty() || error || ::stat(path.c_str(), &status) != 0) {
+      throw Failure(u"there is no file \"%1\""_s.replace(u"%1"_s, shown(argument)), FailureKind::Absent);
+    }
+    if (!decoded(path.native())) {
+      throw Failure(u"the name of \"%1\" is not UTF-8 and cannot be sent"_s.replace(u"%1"_s, shown(argument)));
+    }
+    if (S_ISDIR(status.st_mode)) {
+      addFolder(path, status);
+    } else if (S_ISREG(status.st_mode)) {
+      addFile(*decoded(path.native()));
+    } else {
+      throw Failure(u"\"%1\" is neither a file nor a folder"_s.replace(u"%1"_s, shown(argument)));
+    }
+  }
+
+private:
+  std::set<std::pair<dev_t, ino_t>> m_folders; // read already
+
+  void addFile(const QString &path) {
+    result.holdsPictures = result.holdsPictures || isPicture(path);
+    result.paths.append(path);
+  }
+
+  void addFolder(const fs::path &folder, const struct stat &status) {
+    if (!m_folders.emplace(status.st_dev, status.st_ino).second) {
+      return;
+    }
+    std::error_code error;
+    std::vector<std::pair<QString, fs::path>> entries;
+    fs::directory_iterator listing(folder, error);
+    if (error) {
+      throw Failure(u"the folder \"%1\" cannot be read"_s.replace(u"%1"_s, shown(folder.native())));
+    }
+    for (; listing != fs::directory_iterator(); listing.increment(error)) {
+      const std::string name = listing->path().filename().native();
+      if (name.starts_with('.')) {
+        continue;
+      }
+      if (const auto text = decoded(name)) {
+        entries.emplace_back(*text, listing->path());
+      } else {
+        result.leftOut.append(shown(listing->path().native()));
+      }
+    }
+    if (error) {
+      throw Failure(u"the folder \"%1\" cannot be read to its end"_s.replace(u"%1"_s, shown(folder.native())));
+    }
+    std::sort(entries.begin(), entries.end(),
+              [](const auto &a, const auto &b) { return comesBefore(a.first, b.first); });
+    for (const auto &[name, path] : entries) {
+      addEntry(path);
+    }
+  }
+
+  void addEntry(const fs::path &path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
+      addFolder(path, status);
+    } else if (S_ISREG(status.st_mode)) {
+      addFile(shown(path.native()));
+    } else {
+      result.leftOut.append(shown(path.native()));
+    }
+  }
+};
+
+qsizetype digitsFrom(const QString &text, qsizetype position) {
+  qsizetype end = position;
+  while (end < text.size() && text[end] >= u'0' && text[end] <= u'9') {
+    ++end;
+  }
+  return end;
+}
+
+QStringView withoutLeadingZeros(QStringView digits) {
+  while (digits.size() > 1 && digits.front() == u'0') {
+    digits = digits.sliced(1);
+  }
+  return digits;
+}
+
+} // namespace
+
+bool comesBefore(const QString &a, const QString &b) {
+  qsizetype i = 0;
+  qsizetype j = 0;
+  while (i < a.size() && j < b.size()) {
+    const qsizetype endA = digitsFrom(a, i);
+    const qsizetype endB = digitsFrom(b, j);
+    if (endA > i && endB > j) {
+      const QStringView runA = withoutLeadingZeros(QStringView(a).sliced(i, endA - i));
+      const QStringView runB = withoutLeadingZeros(QStringView(b).sliced(j, endB - j));
+      if (runA.size() != runB.size()) {
+        return runA.size() < runB.size();
+      }
+      if (const int order = runA.compare(runB); order != 0) {
+        return order < 0;
+      }
+      i = endA;
+      j = endB;
+      continue;
+    }
+    const QChar foldedA = a[i].toCaseFolded();
+    const QChar foldedB = b[j].toCaseFolded();
+    if (foldedA != foldedB) {
+      return foldedA < foldedB;
+    }
+    ++i;
+    ++j;
+  }
+  if (a.size() - i != b.size() - j) {
+    return a.size() - i < b.size() - j;
+  }
+  return a < b;
+}
+
+DroppedFiles expandDroppedFiles(std::span<const std::string> arguments) {
+  Expansion expansion;
+  for (const std::string &argument : arguments) {
+    expansion.addArgument(argument);
+  }
+  if (expansion.result.paths.isEmpty()) {
+    throw Failure(u"there is no file to drop"_s);
+  }
+  return expansion.result;
+}
+
+} // namespace sonorel::trackchute

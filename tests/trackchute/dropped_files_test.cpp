@@ -1,0 +1,107 @@
+#include "trackchute/DroppedFiles.h"
+
+#include "platform/Failure.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sys/stat.h>
+
+using namespace Qt::Literals::StringLiterals;
+namespace fs = std::filesystem;
+
+namespace sonorel::trackchute {
+
+namespace {
+
+class DroppedFilesTest : public testing::Test {
+protected:
+  void SetUp() override {
+    std::string pattern = (fs::temp_directory_path() / "trackchute-XXXXXX").string();
+    m_folder = ::mkdtemp(pattern.data());
+  }
+  void TearDown() override { fs::remove_all(m_folder); }
+
+  std::string file(const std::string &name) const {
+    fs::create_directories((m_folder / name).parent_path());
+    std::ofstream(m_folder / name) << "x";
+    return (m_folder / name).string();
+  }
+  QString path(const QString &name) const { return QString::fromStdString(m_folder.string()) + u'/' + name; }
+  static QString refusal(const std::string &argument) {
+    try {
+      (void)expandDroppedFiles(std::vector{argument});
+    } catch (const Failure &failure) {
+      return failure.reason();
+    }
+    return u"accepted"_s;
+  }
+
+  fs::path m_folder;
+};
+
+} // namespace
+
+TEST_F(DroppedFilesTest, PathsAreAbsoluteAndClean) {
+  file("album/a.mp3");
+  const auto found = expandDroppedFiles(std::vector{m_folder.string() + "//album/./x/../a.mp3"});
+  EXPECT_EQ(found.paths, QStringList{path(u"album/a.mp3"_s)});
+}
+
+TEST_F(DroppedFilesTest, FoldersAreExpandedInNaturalOrder) {
+  for (const char *name : {"album/10 ten.mp3", "album/2 two.mp3", "album/CD 1/b.mp3", "album/1 one.mp3", "album/.hidden"}) {
+    file(name);
+  }
+  const auto found = expandDroppedFiles(std::vector{(m_folder / "album").string()});
+  EXPECT_EQ(found.paths, (QStringList{path(u"album/1 one.mp3"_s), path(u"album/2 two.mp3"_s),
+                                      path(u"album/10 ten.mp3"_s), path(u"album/CD 1/b.mp3"_s)}));
+  EXPECT_FALSE(found.holdsPictures);
+}
+
+TEST_F(DroppedFilesTest, ArgumentsKeepTheirOrderAndOddNames) {
+  const std::string dash = file("-rf.mp3");
+  const std::string line = file("two\nlines.mp3");
+  const auto found = expandDroppedFiles(std::vector{line, dash});
+  EXPECT_EQ(found.paths, (QStringList{path(u"two\nlines.mp3"_s), path(u"-rf.mp3"_s)}));
+}
+
+TEST_F(DroppedFilesTest, PicturesAreNoticed) {
+  const auto found = expandDroppedFiles(std::vector{file("a.mp3"), file("Cover.JPG")});
+  EXPECT_TRUE(found.holdsPictures);
+}
+
+TEST_F(DroppedFilesTest, WhatIsNoRegularFileIsRefused) {
+  EXPECT_EQ(refusal(m_folder.string()), u"there is no file to drop"_s);
+  const std::string fifo = (m_folder / "fifo.mp3").string();
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  EXPECT_EQ(refusal(fifo), u"\"%1\" is neither a file nor a folder"_s.arg(QString::fromStdString(fifo)));
+  EXPECT_EQ(refusal("/no/such.mp3"), u"there is no file \"/no/such.mp3\""_s);
+}
+
+TEST_F(DroppedFilesTest, NamesThatAreNotUtf8AreLeftOutOrRefused) {
+  file("album/good.mp3");
+  const std::string bad = file("album/caf\xe9.mp3");
+  const auto found = expandDroppedFiles(std::vector{(m_folder / "album").string()});
+  EXPECT_EQ(found.paths, QStringList{path(u"album/good.mp3"_s)});
+  EXPECT_EQ(found.leftOut.size(), 1);
+  EXPECT_TRUE(refusal(bad).contains(u"is not UTF-8"_s));
+}
+
+TEST_F(DroppedFilesTest, FolderLoopsEnd) {
+  file("album/a.mp3");
+  fs::create_directory_symlink(m_folder / "album", m_folder / "album" / "again");
+  const auto found = expandDroppedFiles(std::vector{(m_folder / "album").string()});
+  EXPECT_EQ(found.paths, QStringList{path(u"album/a.mp3"_s)});
+}
+
+TEST(NaturalOrder, DigitRunsCountByValue) {
+  EXPECT_TRUE(comesBefore(u"2 b"_s, u"10 a"_s));
+  EXPECT_TRUE(comesBefore(u"Track 09"_s, u"track 10"_s));
+  EXPECT_TRUE(comesBefore(u"a"_s, u"B"_s));
+  EXPECT_TRUE(comesBefore(u"a"_s, u"a1"_s));
+  EXPECT_FALSE(comesBefore(u"a"_s, u"a"_s));
+  EXPECT_NE(comesBefore(u"01"_s, u"1"_s), comesBefore(u"1"_s, u"01"_s));
+}
+
+} // namespace sonorel::trackchute
