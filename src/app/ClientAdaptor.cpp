@@ -1,0 +1,135 @@
+#include "app/ClientAdaptor.h"
+
+#include "app/DoorErrors.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel {
+
+namespace {
+
+constexpr int kLanguages = 13;
+constexpr qsizetype kLongestAddress = 15;
+
+// What the address field of the window would have let a person type.
+bool isTypableAddress(const QString &address) {
+  if (address.size() > kLongestAddress || address.count(u'.') > 3) {
+    return false;
+  }
+  for (const QChar character : address) {
+    if (character != u'.' && !(character >= u'0' && character <= u'9')) {
+      return false;
+    }
+  }
+  return true;
+}
+
+} // namespace
+
+ClientAdaptor::ClientAdaptor(Door &door) : QDBusAbstractAdaptor(&door), m_door(door) {}
+
+QString ClientAdaptor::version() const {
+  return u"1.24.04.0000"_s;
+}
+
+bool ClientAdaptor::refusedWhileBusy(const QDBusMessage &message) const {
+  if (m_door.state().busy) {
+    refuse(m_door.bus(), message, DoorError::Busy, u"the client is connecting"_s);
+  }
+  return m_door.state().busy;
+}
+
+void ClientAdaptor::onRow(const QStringList &rows, int row, const QString &text, const QDBusMessage &message,
+                          const std::function<void(int, QString)> &action) const {
+  if (refusedWhileBusy(message)) {
+    return;
+  }
+  if (row < 0) {
+    refuse(m_door.bus(), message, DoorError::Invalid, u"rows are counted from 0"_s);
+  } else if (row >= rows.size() || rows[row] != text) {
+    refuse(m_door.bus(), message, DoorError::Changed, u"this row is another one now"_s);
+  } else {
+    action(row, text);
+  }
+}
+
+void ClientAdaptor::AnswerAlert(uint serial, uint button, const QDBusMessage &message) {
+  if (!m_door.answer(serial, button)) {
+    refuse(m_door.bus(), message, DoorError::Invalid, u"there is no such alert, or it has no such button"_s);
+    return;
+  }
+  m_door.actions().answerAlert(serial, static_cast<int>(button));
+}
+
+void ClientAdaptor::EnterPassword(const QString &password, const QDBusMessage &message) {
+  if (refusedWhileBusy(message)) {
+    return;
+  }
+  if (m_door.state().transferring) {
+    refuse(m_door.bus(), message, DoorError::Busy, u"a transfer is running"_s);
+  } else if (!m_door.state().passwordWanted) {
+    refuse(m_door.bus(), message, DoorError::Invalid, u"no password is wanted"_s);
+  } else if (password.isEmpty()) {
+    refuse(m_door.bus(), message, DoorError::Invalid, u"the password is empty"_s);
+  } else {
+    m_door.actions().enterPassword(password);
+  }
+}
+
+void ClientAdaptor::CancelPassword() {
+  m_door.actions().cancelPassword();
+}
+
+void ClientAdaptor::AddManualProduct(const QString &address, const QString &hostName, const QDBusMessage &message) {
+  if (refusedWhileBusy(message)) {
+    return;
+  }
+  if (address.isEmpty() && hostName.isEmpty()) {
+    refuse(m_door.bus(), message, DoorError::Invalid, u"an address or a host name is needed"_s);
+  } else if (!isTypableAddress(address)) {
+    refuse(m_door.bus(), message, DoorError::Invalid, u"an address holds at most four numbers and three dots"_s);
+  } else {
+    m_door.actions().addManualProduct(address, hostName);
+  }
+}
+
+void ClientAdaptor::AddDetectedProduct(int row, const QString &text, const QDBusMessage &message) {
+  onRow(detectedProducts(), row, text, message, m_door.actions().addDetectedProduct);
+}
+
+void ClientAdaptor::AddAddedProduct(int row, const QString &text, const QDBusMessage &message) {
+  onRow(addedProducts(), row, text, message, m_door.actions().addAddedProduct);
+}
+
+void ClientAdaptor::SelectProduct(int row, const QString &text, const QDBusMessage &message) {
+  onRow(selectedProducts(), row, text, message, m_door.actions().selectProduct);
+}
+
+void ClientAdaptor::RemoveProduct(int row, const QString &text, const QDBusMessage &message) {
+  onRow(selectedProducts(), row, text, message, m_door.actions().removeProduct);
+}
+
+void ClientAdaptor::RemoveAddedProduct(int row, const QString &text, const QDBusMessage &message) {
+  onRow(addedProducts(), row, text, message, m_door.actions().removeAddedProduct);
+}
+
+void ClientAdaptor::RemoveAllProducts(const QDBusMessage &message) {
+  if (!refusedWhileBusy(message)) {
+    m_door.actions().removeAllProducts();
+  }
+}
+
+void ClientAdaptor::SelectLanguage(int index, const QDBusMessage &message) {
+  if (refusedWhileBusy(message)) {
+    return;
+  }
+  if (index < 0 || index >= kLanguages) {
+    refuse(m_door.bus(), message, DoorError::Invalid, u"the languages are counted from 0 to 12"_s);
+  } else if (!m_door.state().languageEnabled) {
+    refuse(m_door.bus(), message, DoorError::Busy, u"the language cannot be changed during a transfer"_s);
+  } else {
+    m_door.actions().selectLanguage(index);
+  }
+}
+
+} // namespace sonorel

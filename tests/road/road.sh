@@ -1,0 +1,86 @@
+# Sourced by the road tests: a client with folders and a bus of its own, driven over its door. Each test starts itself
+# again below dbus-run-session. Needs SONOREL_BIN, the folder of the programs.
+set -euo pipefail
+
+if [ -z "${SONOREL_ROAD_BUS:-}" ]; then
+  root=$(mktemp -d "${TMPDIR:-/tmp}/sonorel-road-XXXXXX")
+  status=0
+  SONOREL_ROAD_BUS=1 SONOREL_ROAD_ROOT=$root dbus-run-session -- "$0" "$@" || status=$?
+  rm -rf "$root"
+  exit $status
+fi
+
+root=$SONOREL_ROAD_ROOT bin=$SONOREL_BIN
+export XDG_DATA_HOME=$root/data XDG_CONFIG_HOME=$root/config XDG_RUNTIME_DIR=$root/runtime
+mkdir -p "$XDG_DATA_HOME" "$XDG_CONFIG_HOME" "$root/music"
+install -d -m 700 "$XDG_RUNTIME_DIR"
+share=$XDG_DATA_HOME/sonorel/Embedded/VB-SHARE\$
+client=
+door=(--session --dest com.orv.Sonorel --object-path /com/orv/Sonorel)
+
+fail() {
+  echo "FAILED: $*" >&2
+  echo "--- the client's log" >&2
+  tail -n 40 "$root/client.log" >&2 2>/dev/null || true
+  exit 1
+}
+cleanup() {
+  if [ -n "$client" ] && kill -0 "$client" 2>/dev/null; then
+    kill -KILL "$client" 2>/dev/null || true
+    wait "$client" 2>/dev/null || true
+  fi
+}
+trap cleanup EXIT
+
+property() { gdbus call "${door[@]}" --method org.freedesktop.DBus.Properties.Get com.orv.Sonorel.Client "$1" 2>/dev/null || true; }
+call() { gdbus call "${door[@]}" --method "com.orv.Sonorel.Client.$1" "${@:2}"; }
+waits() { # SECONDS PROPERTY PATTERN
+  local end=$((SECONDS + $1))
+  until [[ $(property "$2") == $3 ]]; do
+    kill -0 "$client" 2>/dev/null || fail "the client ended while $2 was waited for"
+    [ $SECONDS -lt $end ] || fail "$2 is $(property "$2") and not $3"
+    sleep 0.1
+  done
+}
+start_client() {
+  "$bin/sonoreld" >>"$root/client.log" 2>&1 &
+  client=$!
+  waits 30 Busy '(<false>,)'
+}
+end_client() {
+  gdbus call "${door[@]}" --method org.freedesktop.Application.ActivateAction quit '[]' '{}' >/dev/null
+  local status=0
+  wait "$client" || status=$?
+  client=
+  [ "$status" -eq 0 ] || fail "the client ended with status $status"
+}
+kill_client() {
+  kill -KILL "$client"
+  wait "$client" 2>/dev/null || true
+  client=
+}
+make_product() { # NAME: the embedded product names itself so
+  mkdir -p "$share/System"
+  printf '%s\n5.03.00.2387\n' "$1" >"$share/System/OrvProductName.orv"
+}
+connect_embedded() {
+  call AddManualProduct "" embedded >/dev/null
+  waits 10 AddedProducts '*embedded*'
+  call AddAddedProduct 0 embedded >/dev/null
+  waits 10 SelectedProducts '*embedded*'
+  local text
+  text=$(property SelectedProducts | grep -o "'[^']*'" | head -n1 | tr -d "'")
+  call SelectProduct 0 "$text" >/dev/null
+  waits 20 PasswordWanted '(<true>,)'
+  call EnterPassword secret >/dev/null
+  waits 40 Connected '(<true>,)'
+  waits 40 Busy '(<false>,)'
+}
+make_song() { # FILE TITLE ARTIST ALBUM
+  mkdir -p "$(dirname "$1")"
+  ffmpeg -v error -y -f lavfi -i "sine=frequency=440:duration=${5:-6}" -ac 2 \
+    -metadata title="$2" -metadata artist="$3" -metadata album="$4" -b:a 256k "$1"
+}
+idle() { waits "${1:-60}" Pending '(<uint32 0>,)'; waits 10 Transferring '(<false>,)'; }
+music_tree() { (cd "$share/Music" && find . -type f ! -name '.sonorel-*' -printf '%P %s\n' | sort); }
+favourites() { "$bin/sonorel-favourites" --json "$share/System/NetMusicFavorites.orv"; }
