@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 #include <mutex>
@@ -31,11 +32,16 @@ public:
   [[nodiscard]] QString viewText() const;
 
 private:
+  void setViewText(const QString &text);
+  void handOver();
+
   std::function<void(const QString &)> m_show;
   mutable std::mutex m_GUILock;    // guards m_fileInvalid
   QString m_fileInvalid;
-  mutable std::mutex m_threadLock; // guards m_viewText and the order of m_show
+  mutable std::mutex m_threadLock; // guards everything below
   QString m_viewText;
+  QStringList m_toShow; // set and not yet handed over
+  bool m_showing = false; // somebody hands over, in order; the others leave it to him
 };
 
 } // namespace sonorel

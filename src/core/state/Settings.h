@@ -43,6 +43,7 @@ private:
   QString m_path;
   mutable std::mutex m_mutex; // guards m_values and the order of writes
   QVariantMap m_values;
+  bool m_unread = false; // a file stands there that could not be read: it is set aside before it is replaced
 };
 
 } // namespace sonorel

@@ -1,0 +1,26 @@
+// Scripts that only remember that they ran. Any thread but one at a time.
+#pragma once
+
+#include "platform/Scripts.h"
+
+#include <QStringList>
+
+#include <functional>
+
+namespace sonorel::test {
+
+class FakeScripts : public Scripts {
+public:
+  QStringList ejected;
+  QStringList converted;
+  // The error text of a conversion, and the place where the ".url" file is made.
+  std::function<std::optional<QString>(const QString &path)> onConvert;
+
+  void ejectDisk(const QString &name) override { ejected.append(name); }
+  std::optional<QString> convertBookmark(const QString &path) override {
+    converted.append(path);
+    return onConvert ? onConvert(path) : std::nullopt;
+  }
+};
+
+} // namespace sonorel::test

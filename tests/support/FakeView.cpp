@@ -1,0 +1,127 @@
+#include "support/FakeView.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel::test {
+
+namespace {
+
+QString flag(bool value) {
+  return value ? u"YES"_s : u"NO"_s;
+}
+
+} // namespace
+
+void FakeView::answer(int button) {
+  Asked oldest;
+  {
+    const std::lock_guard guard(m_mutex);
+    oldest = asked.front();
+    asked.pop_front();
+  }
+  oldest.answered(button);
+}
+
+QStringList FakeView::callsStartingWith(const QString &start) const {
+  const std::lock_guard guard(m_mutex);
+  QStringList found;
+  for (const QString &call : calls) {
+    if (call.startsWith(start)) {
+      found.append(call);
+    }
+  }
+  return found;
+}
+
+void FakeView::fillMessageLog(const QString &text) {
+  const std::lock_guard guard(m_mutex);
+  calls.append(u"fillMessageLog "_s + text);
+  lastLog = text;
+}
+
+void FakeView::windowFrontCentre() {
+  const std::lock_guard guard(m_mutex);
+  calls.append(u"windowFrontCentre"_s);
+}
+
+void FakeView::setEnableDisableCancelBtn(bool enabled) {
+  const std::lock_guard guard(m_mutex);
+  calls.append(u"setEnableDisableCancelBtn "_s + flag(enabled));
+  cancelEnabled = enabled;
+}
+
+void FakeView::setHighlightCancelBtn(bool highlighted) {
+  const std::lock_guard guard(m_mutex);
+  calls.append(u"setHighlightCancelBtn "_s + flag(highlighted));
+  cancelHighlighted = highlighted;
+}
+
+void FakeView::setProgressBar(double percent) {
+  const std::lock_guard guard(m_mutex);
+  calls.append(u"setProgressBar "_s + QString::number(percent));
+  progress = percent;
+}
+
+void FakeView::setDockIcon(const QString &iconImageType) {
+  const std::lock_guard guard(m_mutex);
+  calls.append(u"setDockIcon "_s + iconImageType);
+  icon = iconImageType;
+  pulsing = iconImageType == u"Transfer"_s;
+}
+
+void FakeView::stopPulse() {
+  const std::lock_guard guard(m_mutex);
+  calls.append(u"stopPulse"_s);
+  pulsing = false;
+}
+
+void FakeView::selectTab(Tab wanted) {
+  const std::lock_guard guard(m_mutex);
+  calls.append(u"selectTab "_s + QString::number(static_cast<int>(wanted)));
+  tab = wanted;
+}
+
+void FakeView::setLanguageEnabled(bool enabled) {
+  const std::lock_guard guard(m_mutex);
+  calls.append(u"setLanguageEnabled "_s + flag(enabled));
+  languageEnabled = enabled;
+}
+
+void FakeView::attention() {
+  const std::lock_guard guard(m_mutex);
+  calls.append(u"attention"_s);
+}
+
+void FakeView::alert(const QString &message, const QString &informativeText) {
+  const std::lock_guard guard(m_mutex);
+  calls.append(u"alert "_s + message + u'|' + informativeText);
+}
+
+void FakeView::ask(const QString &message, const QString &informativeText, const QStringList &buttons,
+                   std::function<void(int)> answered) {
+  std::optional<int> answer;
+  {
+    const std::lock_guard guard(m_mutex);
+    calls.append(u"ask "_s + message + u'|' + informativeText);
+    answer = autoAnswer;
+    if (!answer) {
+      asked.push_back({message, informativeText, buttons, answered});
+    }
+  }
+  if (answer) {
+    answered(*answer);
+  }
+}
+
+void FakeView::transferStateChanged() {
+  const std::lock_guard guard(m_mutex);
+  calls.append(u"transferStateChanged"_s);
+}
+
+void FakeView::transferComplete() {
+  const std::lock_guard guard(m_mutex);
+  calls.append(u"transferComplete"_s);
+  ++transfersCompleted;
+}
+
+} // namespace sonorel::test

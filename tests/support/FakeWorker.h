@@ -1,0 +1,36 @@
+// A worker whose body runs when the test says so, on the test's own thread. Where a real worker would wait for an
+// earlier body, this one runs it.
+#pragma once
+
+#include "platform/Worker.h"
+
+#include <optional>
+
+namespace sonorel::test {
+
+class FakeWorker : public Worker {
+public:
+  [[nodiscard]] bool hasBody() const { return static_cast<bool>(m_body); }
+  [[nodiscard]] int starts() const { return m_starts; }
+  void run() {
+    if (const auto body = std::exchange(m_body, nullptr)) {
+      body(m_stop.get_token());
+    }
+  }
+
+  void start(std::function<void(std::stop_token)> body) override {
+    run();
+    ++m_starts;
+    m_stop = std::stop_source();
+    m_body = std::move(body);
+  }
+  void requestStop() override { m_stop.request_stop(); }
+  void join() override { run(); }
+
+private:
+  std::function<void(std::stop_token)> m_body;
+  std::stop_source m_stop;
+  int m_starts = 0;
+};
+
+} // namespace sonorel::test
