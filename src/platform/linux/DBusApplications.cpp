@@ -1,0 +1,66 @@
+#include "platform/linux/DBusApplications.h"
+
+#include "platform/linux/FileDescriptor.h"
+
+#include <QDBusMessage>
+
+#include <array>
+#include <csignal>
+#include <sys/syscall.h>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel {
+
+namespace {
+
+constexpr int kBusAnswer = 5000; // milliseconds
+
+struct KnownApplication {
+  QStringView busName; // and bundle identifier
+  QStringView name;
+  QStringView path;
+};
+
+constexpr std::array<KnownApplication, 2> kKnown{
+    {{u"com.orv.Sonorel", u"Sonorel", u"/Applications/Sonorel/Sonorel.app"},
+     {u"com.orv.TrackChute", u"TrackChute",
+      u"/Applications/Sonorel/Sonorel.app/Contents/Resources/TrackChute.app"}}};
+
+} // namespace
+
+std::vector<RunningApplication> DBusApplications::launched() {
+  std::vector<RunningApplication> running;
+  for (const KnownApplication &known : kKnown) {
+    if (const auto process = ownerOf(known.busName.toString())) {
+      running.push_back({known.name.toString(), known.path.toString(), known.busName.toString(), *process});
+    }
+  }
+  return running;
+}
+
+void DBusApplications::end(const RunningApplication &application) {
+  if (application.processId <= 1) {
+    return;
+  }
+  // The descriptor keeps the process apart from a later one of the same number: opened first, asked afterwards.
+  const FileDescriptor process(
+      static_cast<int>(::syscall(SYS_pidfd_open, static_cast<pid_t>(application.processId), 0U)));
+  if (process.isOpen() && ownerOf(application.bundleIdentifier) == application.processId) {
+    ::syscall(SYS_pidfd_send_signal, process.get(), SIGTERM, nullptr, 0U);
+  }
+}
+
+std::optional<qint64> DBusApplications::ownerOf(const QString &busName) const {
+  QDBusMessage question =
+      QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+                                     u"org.freedesktop.DBus"_s, u"GetConnectionUnixProcessID"_s);
+  question << busName;
+  const QDBusMessage answer = m_bus.call(question, QDBus::Block, kBusAnswer);
+  if (answer.type() != QDBusMessage::ReplyMessage || answer.arguments().isEmpty()) {
+    return std::nullopt; // nobody owns the name
+  }
+  return answer.arguments().constFirst().toUInt();
+}
+
+} // namespace sonorel

@@ -1,0 +1,119 @@
+#include "platform/linux/LinuxDesktop.h"
+
+#include "platform/linux/AutostartEntry.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLocale>
+#include <QProcess>
+#include <QSaveFile>
+
+#include <unistd.h>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel {
+
+namespace {
+
+constexpr qint64 kEntryLimit = 64 * 1024;
+
+std::optional<LoginItem> entryIn(const QString &path) {
+  QFile file(path);
+  if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
+    return std::nullopt;
+  }
+  return decodeAutostartEntry(file.read(kEntryLimit));
+}
+
+// One call, so that lines of several threads do not mix.
+void writeToStandardError(const QByteArray &bytes) {
+  qsizetype written = 0;
+  while (written < bytes.size()) {
+    const auto more =
+        ::write(STDERR_FILENO, bytes.constData() + written, static_cast<std::size_t>(bytes.size() - written));
+    if (more < 0 && errno == EINTR) {
+      continue;
+    }
+    if (more <= 0) {
+      return; // nobody reads it
+    }
+    written += more;
+  }
+}
+
+} // namespace
+
+LinuxDesktop::LinuxDesktop(Places places) : m_places(std::move(places)) {}
+
+QString LinuxDesktop::autostartFolder() const { return m_places.configHome + u"/autostart"_s; }
+
+std::vector<LoginItem> LinuxDesktop::loginItems() {
+  std::vector<LoginItem> items;
+  const QDir folder(autostartFolder());
+  const QStringList names = folder.entryList({u"sonorel*.desktop"_s}, QDir::Files, QDir::Name);
+  for (const QString &name : names) {
+    if (const auto item = entryIn(folder.filePath(name))) {
+      items.push_back(*item);
+    }
+  }
+  return items;
+}
+
+bool LinuxDesktop::setLoginItems(const std::vector<LoginItem> &items) {
+  QDir folder(autostartFolder());
+  if (!folder.mkpath(u"."_s)) {
+    return false;
+  }
+  bool written = true;
+  QStringList wanted;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    wanted.append(i == 0 ? u"sonorel.desktop"_s : u"sonorel-%1.desktop"_s.arg(i + 1));
+    written = writeEntry(folder.filePath(wanted.constLast()), items[i]) && written;
+  }
+  const QStringList names = folder.entryList({u"sonorel*.desktop"_s}, QDir::Files, QDir::Name);
+  for (const QString &name : names) {
+    if (!wanted.contains(name) && entryIn(folder.filePath(name))) {
+      written = folder.remove(name) && written;
+    }
+  }
+  return written;
+}
+
+bool LinuxDesktop::writeEntry(const QString &file, const LoginItem &item) const {
+  QSaveFile entry(file);
+  const QByteArray bytes = encodeAutostartEntry(item, commandOf(item));
+  return entry.open(QIODevice::WriteOnly) && entry.write(bytes) == bytes.size() && entry.commit();
+}
+
+QString LinuxDesktop::commandOf(const LoginItem &item) const {
+  if (item.path.endsWith(u"/Sonorel.app")) {
+    return m_places.client;
+  }
+  return m_places.hostPath(item.path).value_or(item.path);
+}
+
+void LinuxDesktop::removeAgentLoginItems() {
+  QDir folder(autostartFolder());
+  for (const QString &name : {u"trackchute.desktop"_s, u"com.orv.TrackChute.desktop"_s}) {
+    if (folder.exists(name) && !folder.remove(name)) {
+      log(u"the autostart entry %1 could not be removed"_s.arg(folder.filePath(name)));
+    }
+  }
+}
+
+qint64 LinuxDesktop::spaceNumber() { return -1; }
+
+QString LinuxDesktop::systemLanguage() { return QLocale::system().uiLanguages().value(0); }
+
+bool LinuxDesktop::openDocument(const QString &path) {
+  const auto hostPath = m_places.hostPath(path);
+  return hostPath && QFileInfo::exists(*hostPath) && QProcess::startDetached(u"xdg-open"_s, {*hostPath});
+}
+
+void LinuxDesktop::log(const QString &line) { writeToStandardError(line.toUtf8() + '\n'); }
+
+void LinuxDesktop::printError(const QString &text) { writeToStandardError(text.toUtf8()); }
+
+} // namespace sonorel

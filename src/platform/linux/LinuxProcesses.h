@@ -1,0 +1,48 @@
+// The system's tools on Linux: which host program stands behind each and which of its arguments are paths. The
+// embedded product is mounted without any program. Arguments never stand in a log line. Blocks; any thread.
+// See MountTool, CopyTool and ChildProcess.
+#pragma once
+
+#include "platform/Processes.h"
+#include "platform/linux/CopyTool.h"
+#include "platform/linux/MountTool.h"
+
+#include <QList>
+
+#include <functional>
+#include <mutex>
+
+namespace sonorel {
+
+struct ProcessOptions {
+  QString musicFolder = QStringLiteral("/Volumes/VB-SHARE$/Music/Mac/"); // for the scripts, a path of the system
+  QString embeddedProduct = QStringLiteral("Auracore 5");               // the name of a new embedded product
+};
+
+class LinuxProcesses final : public Processes {
+public:
+  // log may be called from any thread.
+  explicit LinuxProcesses(Roots roots, ProcessOptions options = {}, std::function<void(const QString &)> log = {});
+  ~LinuxProcesses() override;
+
+  ToolResult run(const ToolRequest &request, std::stop_token stop) override;
+  bool startDetached(const QString &program, const QStringList &arguments) override;
+
+private:
+  [[nodiscard]] ToolResult runTool(const ToolRequest &request, std::stop_token stop);
+  [[nodiscard]] ToolResult runRemoval(const ToolRequest &request, const QByteArray &program, std::stop_token stop);
+  [[nodiscard]] ToolResult runScript(const ToolRequest &request, std::stop_token stop);
+  [[nodiscard]] ToolResult runInstalled(const ToolRequest &request, std::stop_token stop);
+  void collectDetached();
+  void note(const QString &line) const;
+
+  Volumes m_volumes;
+  MountTool m_mountTool;
+  CopyTool m_copyTool;
+  const QString m_musicFolder;
+  const std::function<void(const QString &)> m_log;
+  std::mutex m_mutex; // guards m_detached
+  QList<qint64> m_detached;
+};
+
+} // namespace sonorel

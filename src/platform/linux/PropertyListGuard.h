@@ -1,0 +1,23 @@
+// Looks through the bytes of a property list before the parser sees them: the parser accepts cut lists, wrong
+// numbers and bad base64 in silence, crashes on deep nesting and expands shared objects without bound. What passes
+// here is complete, at most 64 levels deep and bounded in what it will need. Pure; any thread.
+#pragma once
+
+#include "platform/PropertyLists.h"
+
+#include <QByteArrayView>
+
+namespace sonorel {
+
+inline constexpr qsizetype kPropertyListObjects = 4'000'000; // values and keys, shared ones counted each time
+
+// "bplist" at the front.
+[[nodiscard]] bool isBinaryPropertyList(QByteArrayView bytes);
+// Each throws Failure (Damaged) with the reason and the byte at which it was found.
+void checkXmlPropertyList(QByteArrayView bytes);
+void checkBinaryPropertyList(QByteArrayView bytes);
+
+[[noreturn]] void refusePropertyList(const QString &reason);
+[[noreturn]] void refusePropertyList(const QString &reason, qsizetype position);
+
+} // namespace sonorel

@@ -1,0 +1,102 @@
+#include "platform/linux/AutostartEntry.h"
+#include "platform/linux/LinuxDesktop.h"
+#include "support/Printers.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace sonorel;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+class LinuxDesktopTest : public testing::Test {
+protected:
+  QTemporaryDir folder;
+  LinuxDesktop desktop{
+      {folder.path(), u"/opt/new place/sonoreld"_s, [](const QString &path) { return std::optional<QString>(path); }}};
+
+  [[nodiscard]] QString autostart(const QString &name) const { return folder.filePath(u"autostart/"_s + name); }
+  [[nodiscard]] QByteArray content(const QString &name) const {
+    QFile file(autostart(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(cannot be read)");
+  }
+  void put(const QString &name, const QByteArray &bytes) const {
+    ASSERT_TRUE(QDir(folder.path()).mkpath(u"autostart"_s));
+    QFile file(autostart(name));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+  }
+};
+
+const QString kApp = u"/Applications/Sonorel/Sonorel.app"_s;
+
+} // namespace
+
+TEST_F(LinuxDesktopTest, HasNoLoginItemsAtFirst) {
+  EXPECT_TRUE(desktop.loginItems().empty());
+}
+
+TEST_F(LinuxDesktopTest, LoginItemStartsThisInstallation) {
+  EXPECT_TRUE(desktop.setLoginItems({{kApp, true}}));
+  EXPECT_EQ(content(u"sonorel.desktop"_s), QByteArray("[Desktop Entry]\n"
+                                                      "Type=Application\n"
+                                                      "Name=Sonorel\n"
+                                                      "Exec=\"/opt/new place/sonoreld\"\n"
+                                                      "X-Sonorel-Path=/Applications/Sonorel/Sonorel.app\n"
+                                                      "X-Sonorel-Hide=true\n"));
+  const auto items = desktop.loginItems();
+  ASSERT_EQ(items.size(), 1U);
+  EXPECT_EQ(items[0].path, kApp);
+  EXPECT_TRUE(items[0].hide);
+}
+
+TEST_F(LinuxDesktopTest, RemovedItemsLeaveNoFile) {
+  EXPECT_TRUE(desktop.setLoginItems({{kApp, false}, {u"/other.app"_s, false}}));
+  EXPECT_EQ(desktop.loginItems().size(), 2U);
+  EXPECT_TRUE(desktop.setLoginItems({{kApp, false}}));
+  EXPECT_EQ(QDir(folder.filePath(u"autostart"_s)).entryList(QDir::Files), QStringList{u"sonorel.desktop"_s});
+  EXPECT_TRUE(desktop.setLoginItems({}));
+  EXPECT_TRUE(QDir(folder.filePath(u"autostart"_s)).isEmpty());
+}
+
+TEST_F(LinuxDesktopTest, EntriesOfOthersStay) {
+  put(u"sonorel-notes.desktop"_s, "[Desktop Entry]\nExec=notes\n");
+  EXPECT_TRUE(desktop.setLoginItems({{kApp, false}}));
+  EXPECT_TRUE(desktop.setLoginItems({}));
+  EXPECT_EQ(content(u"sonorel-notes.desktop"_s), QByteArray("[Desktop Entry]\nExec=notes\n"));
+  EXPECT_TRUE(desktop.loginItems().empty());
+}
+
+TEST_F(LinuxDesktopTest, AgentsOwnEntryIsRemoved) {
+  put(u"trackchute.desktop"_s, "[Desktop Entry]\n");
+  put(u"clock.desktop"_s, "[Desktop Entry]\n");
+  desktop.removeAgentLoginItems();
+  EXPECT_EQ(QDir(folder.filePath(u"autostart"_s)).entryList(QDir::Files), QStringList{u"clock.desktop"_s});
+}
+
+TEST_F(LinuxDesktopTest, FailsWhereTheFolderCannotBeMade) {
+  QFile file(folder.filePath(u"autostart"_s));
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  EXPECT_FALSE(desktop.setLoginItems({{kApp, false}}));
+}
+
+TEST_F(LinuxDesktopTest, DocumentThatIsMissingIsNotOpened) {
+  EXPECT_FALSE(desktop.openDocument(folder.filePath(u"absent.html"_s)));
+}
+
+TEST_F(LinuxDesktopTest, DesktopNumberCannotBeTold) {
+  EXPECT_EQ(desktop.spaceNumber(), -1);
+}
+
+TEST(AutostartEntry, EscapesWhatTheFormatWouldMisread) {
+  const LoginItem item{u"/a\\b\nc"_s, false};
+  const QByteArray bytes = encodeAutostartEntry(item, u"/odd \"$`%\\x"_s);
+  EXPECT_TRUE(bytes.contains("\nExec=\"/odd \\\\\"\\\\$\\\\`%%\\\\\\\\x\"\n")) << bytes.constData();
+  const auto decoded = decodeAutostartEntry(bytes);
+  ASSERT_TRUE(decoded);
+  EXPECT_EQ(decoded->path, item.path);
+}

@@ -1,0 +1,95 @@
+// Which host program stands behind a tool, and which of its arguments are paths.
+#include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/LinuxProcesses.h"
+
+#include <gtest/gtest.h>
+
+#include "support/Printers.h"
+#include "support/TemporaryRoots.h"
+
+#include <chrono>
+#include <thread>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel::test {
+
+namespace {
+
+const QString kScript = u"/Applications/Sonorel/App Data/SaveToFolder_jpegonly.scpt"_s;
+
+class LinuxTools : public testing::Test {
+protected:
+  TemporaryRoots temporary;
+  QStringList lines;
+  LinuxProcesses processes{temporary.roots, {}, [this](const QString &line) { lines.append(line); }};
+  LinuxFileSystem files{temporary.roots};
+
+  [[nodiscard]] ToolResult run(const QString &program, const QStringList &arguments) {
+    return processes.run({program, arguments, {}, std::chrono::seconds(20)}, {});
+  }
+  void mountShare() {
+    files.createFolder(u"/Volumes/VB-SHARE$"_s, 0777);
+    ASSERT_TRUE(succeeded(run(u"/sbin/mount"_s, {u"-t"_s, u"smbfs"_s, u"//v:p@embedded/VB-SHARE$"_s,
+                                                 u"/Volumes/VB-SHARE$/"_s})));
+  }
+};
+
+} // namespace
+
+TEST_F(LinuxTools, RunAScriptWithPathsWherePathsBelong) {
+  mountShare();
+  temporary.putScript("scripts/SaveToFolder_jpegonly.scpt", "printf '%s|' \"$@\" \"$SONOREL_MUSIC_FOLDER\"; exit 4");
+  const ToolResult result = run(u"/usr/bin/osascript"_s, {kScript, u"/Library/track.mp3"_s, u"/Library/a title"_s,
+                                                          u"A name"_s, u"Artist:Album:"_s});
+  EXPECT_EQ(result.status, 4);
+  EXPECT_EQ(QString::fromUtf8(result.output),
+            temporary.below("data/Library/track.mp3") + u"|/Library/a title|A name|Artist:Album:|"_s +
+                temporary.below("runtime/Volumes/VB-SHARE$/Music/Mac/") + u'|');
+}
+
+TEST_F(LinuxTools, RunNoScriptWithoutAShare) {
+  temporary.putScript("scripts/SaveToFolder_jpegonly.scpt", "touch '" + temporary.below("trace").toStdString() + "'");
+  EXPECT_EQ(run(u"/usr/bin/osascript"_s, {kScript, u"/a.mp3"_s, u"t"_s}).status, 1);
+  EXPECT_FALSE(temporary.exists("trace"));
+}
+
+TEST_F(LinuxTools, SayThatAScriptIsMissing) {
+  mountShare();
+  EXPECT_EQ(run(u"/usr/bin/osascript"_s, {kScript, u"/a.mp3"_s}).ending, ToolEnding::NotStarted);
+}
+
+TEST_F(LinuxTools, RunInstalledPrograms) {
+  temporary.putScript("scripts/ConvertWeblocToURL.sh", "printf '%s|' \"$@\"");
+  const ToolResult result = run(u"/Applications/Sonorel/App Data/ConvertWeblocToURL.sh"_s,
+                                {u"/private/tmp/a \"b\".webloc"_s, u"plain"_s});
+  EXPECT_EQ(QString::fromUtf8(result.output), temporary.below("data/Temporary/a \"b\".webloc") + u"|plain|"_s);
+}
+
+TEST_F(LinuxTools, KnowNoOtherTool) {
+  const ToolResult result = run(u"/usr/bin/id"_s, {u"a secret"_s});
+  EXPECT_EQ(result.ending, ToolEnding::NotStarted);
+  EXPECT_EQ(lines, QStringList{u"No such tool: /usr/bin/id"_s});
+}
+
+TEST_F(LinuxTools, StartTheAgentAndLeaveItAlone) {
+  temporary.putScript("bin/trackchute", "ps -o pid= -o sid= -p $$ > '" + temporary.below("new").toStdString() +
+                                            "'; mv '" + temporary.below("new").toStdString() + "' '" +
+                                            temporary.below("trace").toStdString() + "'");
+  const QString agent =
+      u"/Applications/Sonorel/Sonorel.app/Contents/Resources/TrackChute.app/Contents/MacOS/TrackChute"_s;
+  ASSERT_TRUE(processes.startDetached(agent, {}));
+  for (int i = 0; i < 1000 && !temporary.exists("trace"); ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  const QByteArray line = QByteArray::fromStdString(temporary.bytes("trace")).simplified();
+  EXPECT_EQ(line.left(line.indexOf(' ')), line.mid(line.indexOf(' ') + 1)) << "a session of its own";
+}
+
+TEST_F(LinuxTools, SayThatTheAgentIsMissing) {
+  EXPECT_FALSE(processes.startDetached(
+      u"/Applications/Sonorel/Sonorel.app/Contents/Resources/TrackChute.app/Contents/MacOS/TrackChute"_s, {}));
+  EXPECT_FALSE(processes.startDetached(u"trackchute"_s, {}));
+}
+
+} // namespace sonorel::test
