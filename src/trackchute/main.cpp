@@ -1,0 +1,82 @@
+// The drop agent's command line. It needs no display: see CommandLine for the options.
+#include "core/state/ShareLayout.h"
+#include "platform/Failure.h"
+#include "platform/linux/Installation.h"
+#include "platform/linux/LibplistPropertyLists.h"
+#include "platform/linux/LinuxFileSystem.h"
+#include "trackchute/CommandLine.h"
+#include "trackchute/ConnectedProduct.h"
+#include "trackchute/DroppedFiles.h"
+#include "trackchute/PlaylistName.h"
+#include "trackchute/Poster.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <vector>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace sonorel;
+using namespace sonorel::trackchute;
+
+namespace {
+
+constexpr int kRefused = 1;
+
+void say(std::FILE *stream, const QString &text) {
+  std::fputs((text + u'\n').toUtf8().constData(), stream);
+}
+
+QString playlistObject(const QString &name, const DroppedFiles &dropped, const Poster &poster) {
+  LinuxFileSystem files(rootsFromEnvironment(programFolder()));
+  LibplistPropertyLists lists;
+  const QString product = connectedProduct(files, lists, u"/Applications/Sonorel/App Data/DropperPropertyListFile"_s,
+                                           [&poster] { return poster.deviceName(); });
+  if (product.isEmpty()) {
+    throw Failure(u"it is not known which product the client is connected to; connect it first"_s);
+  }
+  if (appearsTwiceWhenDroppedAgain(product, dropped.holdsPictures)) {
+    say(stdout, u"Dropped again, \"%1\" appears as a second list on %2."_s.arg(name, product));
+  }
+  return postedPlaylistName(name, product, dropped.holdsPictures);
+}
+
+void drop(const CommandLine &line) {
+  const DroppedFiles dropped = expandDroppedFiles(line.files);
+  for (const QString &path : dropped.leftOut) {
+    say(stderr, u"trackchute: left out: "_s + path);
+  }
+  Poster poster;
+  switch (line.kind) {
+  case DropKind::Playlist:
+    poster.postDrag(playlistObject(line.name, dropped, poster), dropped.paths);
+    break;
+  case DropKind::Colour:
+    poster.postDrag(u"@!!!%1!!!@"_s.arg(line.name), dropped.paths);
+    break;
+  default:
+    poster.postDrag(kNoPlaylist.toString(), dropped.paths);
+    break;
+  }
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+  const QCoreApplication application(argc, argv);
+  const std::vector<const char *> arguments(argv + 1, argv + argc);
+  try {
+    const CommandLine line = parseCommandLine(arguments);
+    if (line.kind == DropKind::Nothing) {
+      say(stdout, u"trackchute hands files to the Sonorel client; see trackchute --help."_s);
+    } else if (line.kind == DropKind::Help) {
+      std::fputs(usage().toUtf8().constData(), stdout);
+    } else {
+      drop(line);
+    }
+  } catch (const std::exception &e) {
+    say(stderr, u"trackchute: "_s + reasonOf(e));
+    return kRefused;
+  }
+  return 0;
+}
