@@ -26,7 +26,9 @@ quint32 ByteReader::u32() {
   return value;
 }
 
-QByteArray ByteReader::bytes(quint32 count) { return view(count).toByteArray(); }
+QByteArray ByteReader::bytes(quint32 count) {
+  return view(count).toByteArray();
+}
 
 QByteArrayView ByteReader::view(quint32 count) {
   require(count);

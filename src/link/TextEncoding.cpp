@@ -12,10 +12,10 @@ namespace {
 constexpr char16_t kFirstOfTable = 0x80;
 
 // The characters of the bytes 80 to 9F.
-constexpr std::array<char16_t, 32> kTable{
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+constexpr std::array<char16_t, 32> kTable{0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                          0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
+                                          0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                          0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
 char byteOf(char16_t unit) {
   if (unit < kFirstOfTable || (unit >= 0xA0 && unit <= 0xFF)) {
@@ -70,7 +70,9 @@ QString decodeText(QByteArrayView bytes, bool utf8) {
   return fromWindows1252(bytes);
 }
 
-QByteArray encodeText(const QString &text, bool utf8) { return utf8 ? text.toUtf8() : toWindows1252(text); }
+QByteArray encodeText(const QString &text, bool utf8) {
+  return utf8 ? text.toUtf8() : toWindows1252(text);
+}
 
 bool isLatin1(QStringView text) {
   return std::all_of(text.begin(), text.end(), [](QChar unit) { return unit.unicode() <= 0xFF; });

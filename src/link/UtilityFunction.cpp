@@ -11,7 +11,9 @@ constexpr int kLittleEndian = 2;
 
 } // namespace
 
-int UtilityFunction::getArch() { return std::endian::native == std::endian::big ? kBigEndian : kLittleEndian; }
+int UtilityFunction::getArch() {
+  return std::endian::native == std::endian::big ? kBigEndian : kLittleEndian;
+}
 
 quint32 UtilityFunction::convertToWindowInt(quint32 value) {
   if (getArch() == kLittleEndian) {

@@ -22,7 +22,7 @@ public:
   [[nodiscard]] virtual QByteArray archive(const QString &text) = 0;
   [[nodiscard]] virtual std::optional<QString> unarchive(const QByteArray &bytes) = 0;
 
-  static constexpr qsizetype kSizeLimit = 256LL * 1024 * 1024;
+  static constexpr qsizetype kSizeLimit = 128LL * 1024 * 1024;
   static constexpr int kDepthLimit = 64;
 };
 

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 using sonorel::ByteReader;
 using sonorel::Failure;
 using sonorel::FailureKind;
@@ -24,7 +26,9 @@ FailureKind kindOf(const std::function<void()> &operation) {
 } // namespace
 
 TEST(ByteReader, ReadsLittleEndianFieldsInTurn) {
-  const QByteArray bytes("\x01\x26\x00\x00\x00\xFF\xFF\xFF\xFF" "abc", 12);
+  const QByteArray bytes("\x01\x26\x00\x00\x00\xFF\xFF\xFF\xFF"
+                         "abc",
+                         12);
   ByteReader reader(bytes);
   EXPECT_EQ(reader.u8(), 1);
   EXPECT_EQ(reader.u32(), 38U);
@@ -37,18 +41,20 @@ TEST(ByteReader, ReadsLittleEndianFieldsInTurn) {
 
 TEST(ByteReader, RefusesEveryFieldThatPassesTheEnd) {
   const QByteArray bytes("abc");
-  EXPECT_EQ(kindOf([&] { ByteReader(bytes).u32(); }), FailureKind::Damaged);
-  EXPECT_EQ(kindOf([&] { ByteReader(bytes).bytes(4); }), FailureKind::Damaged);
-  EXPECT_EQ(kindOf([&] { ByteReader(bytes).view(4); }), FailureKind::Damaged);
+  EXPECT_EQ(kindOf([&] { static_cast<void>(ByteReader(bytes).u32()); }), FailureKind::Damaged);
+  EXPECT_EQ(kindOf([&] { static_cast<void>(ByteReader(bytes).bytes(4)); }), FailureKind::Damaged);
+  EXPECT_EQ(kindOf([&] { static_cast<void>(ByteReader(bytes).view(4)); }), FailureKind::Damaged);
   EXPECT_EQ(kindOf([&] { ByteReader(bytes).skip(4); }), FailureKind::Damaged);
-  EXPECT_EQ(kindOf([&] { ByteReader(QByteArrayView()).u8(); }), FailureKind::Damaged);
+  EXPECT_EQ(kindOf([&] { static_cast<void>(ByteReader(QByteArrayView()).u8()); }), FailureKind::Damaged);
 }
 
 TEST(ByteReader, RefusesALengthOfFourGigabytesWithoutAllocatingIt) {
-  const QByteArray bytes("\xFF\xFF\xFF\xFF" "x", 5);
+  const QByteArray bytes("\xFF\xFF\xFF\xFF"
+                         "x",
+                         5);
   ByteReader reader(bytes);
   const quint32 length = reader.u32();
-  EXPECT_EQ(kindOf([&] { reader.bytes(length); }), FailureKind::Damaged);
+  EXPECT_EQ(kindOf([&] { static_cast<void>(reader.bytes(length)); }), FailureKind::Damaged);
   EXPECT_EQ(reader.position(), 4) << "a refused field is not consumed";
   EXPECT_EQ(reader.bytes(1), QByteArray("x"));
 }
@@ -57,7 +63,7 @@ TEST(ByteReader, SaysWhatWasWantedAndWhatIsLeft) {
   ByteReader reader(QByteArrayView("abcde"));
   reader.skip(3);
   try {
-    reader.u32();
+    static_cast<void>(reader.u32());
     FAIL() << "nothing was thrown";
   } catch (const Failure &e) {
     EXPECT_EQ(e.reason(), QStringLiteral("4 bytes wanted at offset 3, 2 left"));

@@ -47,8 +47,9 @@ protected:
 
 TEST_F(ClientMessagesTest, WritesTheAliveMessageIntoTheSystemFolder) {
   messages.sendClientAliveMessage();
-  EXPECT_EQ(files.bytes(kSystem + u"ClientAlive.orv"_s),
-            kRecordStart + QByteArray("\x0B\0\0\0ClientAlive\x01\0\0\0" "1", 20));
+  EXPECT_EQ(files.bytes(kSystem + u"ClientAlive.orv"_s), kRecordStart + QByteArray("\x0B\0\0\0ClientAlive\x01\0\0\0"
+                                                                                   "1",
+                                                                                   20));
   EXPECT_EQ(view.calls, QStringList());
 }
 
@@ -57,7 +58,9 @@ TEST_F(ClientMessagesTest, ReplacesAnOlderMessageByRenaming) {
   files.clearLog();
   messages.send(kClientConnected);
   EXPECT_EQ(files.bytes(kSystem + u"ClientConnected.orv"_s),
-            kRecordStart + QByteArray("\x0F\0\0\0ClientConnected\x01\0\0\0" "1", 24));
+            kRecordStart + QByteArray("\x0F\0\0\0ClientConnected\x01\0\0\0"
+                                      "1",
+                                      24));
   EXPECT_EQ(files.log(), QStringList({u"writeAtomically /Volumes/VB-SHARE$/System/ClientConnected.orv"_s,
                                       u"replace /Volumes/VB-SHARE$/System/ClientConnected.orv"_s}));
 }
@@ -107,6 +110,7 @@ TEST_F(ClientMessagesTest, NamesTheCollectionsThatGotFiles) {
 
 TEST_F(ClientMessagesTest, WritesAnyRecordUnderAnyName) {
   messages.generateMetaDataFile(u"Other.orv"_s, u"{0F8FAD5B-D9CB-469F-A165-70867728950E}"_s, u"Command"_s, u"1"_s);
-  EXPECT_EQ(files.bytes(kSystem + u"Other.orv"_s),
-            kRecordStart + QByteArray("\x07\0\0\0Command\x01\0\0\0" "1", 16));
+  EXPECT_EQ(files.bytes(kSystem + u"Other.orv"_s), kRecordStart + QByteArray("\x07\0\0\0Command\x01\0\0\0"
+                                                                             "1",
+                                                                             16));
 }

@@ -110,8 +110,8 @@ TEST_F(ConnectionTest, IsTrueForASuccessfulMountWithoutASystemFolder) {
 }
 
 TEST_F(ConnectionTest, ReadsAnAuthenticationFailureFromTheOutput) {
-  for (const char *output : {"mount: Authentication error\n", "mount_smbfs: Permission denied\n",
-                             "\xFF\xFE Authentication \xC3"}) {
+  for (const char *output :
+       {"mount: Authentication error\n", "mount_smbfs: Permission denied\n", "\xFF\xFE Authentication \xC3"}) {
     flag = true;
     processes.mountAnswers = {{2, output, false}};
     EXPECT_FALSE(connect());
@@ -232,8 +232,8 @@ TEST_F(ConnectionTest, RemovesALeftoverPointThatHoldsOnlyTheMarker) {
   files.put(kPoint + u"/.autodiskmounted"_s, "");
   connection().volumeClean();
   EXPECT_FALSE(files.exists(kPoint));
-  EXPECT_EQ(runs(), QStringList({u"/bin/rm /Volumes/VB-SHARE$/.autodiskmounted"_s,
-                                 u"/bin/rmdir /Volumes/VB-SHARE$"_s, u"/bin/rmdir /Volumes/VB-SHARE$"_s}));
+  EXPECT_EQ(runs(), QStringList({u"/bin/rm /Volumes/VB-SHARE$/.autodiskmounted"_s, u"/bin/rmdir /Volumes/VB-SHARE$"_s,
+                                 u"/bin/rmdir /Volumes/VB-SHARE$"_s}));
 }
 
 TEST_F(ConnectionTest, LeavesAPointThatHoldsMore) {

@@ -107,8 +107,9 @@ void listsByCodeUnit(FileSystemSubject &subject) {
 
 void keepsOddNamesApart(FileSystemSubject &subject) {
   FileSystem &files = subject.files();
-  const QStringList names{u"-rf"_s,       u"a\nb"_s,       u"$(x) `y` \"z\" 'q'"_s, u"\u00FC"_s,
-                          u"u\u0308"_s, u"\U0001F3B5"_s, u" blank "_s,            u"*?[a]"_s};
+  const QStringList names{u"-rf"_s,     u"a\nb"_s,    u"$(x) `y` \"z\" 'q'"_s,
+                          u"\u00FC"_s,  u"u\u0308"_s, u"\U0001F3B5"_s,
+                          u" blank "_s, u"*?[a]"_s};
   for (const QString &name : names) {
     files.createExclusively(subject.folder() + u'/' + name, name.toUtf8());
   }

@@ -74,8 +74,8 @@ TEST(ChildProcess, SpeaksEnglish) {
 }
 
 TEST(ChildProcess, AddsToTheEnvironment) {
-  const ToolResult result = runChild({"/bin/sh", {"-c", "echo $SONOREL_MUSIC_FOLDER"}, {}, {"SONOREL_MUSIC_FOLDER=/a b"}, -1},
-                                     20s, {});
+  const ToolResult result =
+      runChild({"/bin/sh", {"-c", "echo $SONOREL_MUSIC_FOLDER"}, {}, {"SONOREL_MUSIC_FOLDER=/a b"}, -1}, 20s, {});
   EXPECT_EQ(result.output, QByteArray("/a b\n"));
 }
 
@@ -107,7 +107,8 @@ TEST(ChildProcess, EndsAtItsDeadlineWithAllThatItStarted) {
   const TemporaryRoots temporary;
   const QByteArray late = temporary.below("late").toUtf8();
   ToolResult result;
-  const auto time = timeOf([&] { result = shell("(sleep 0.6; touch '" + late + "') & echo begun; sleep 60", 100ms); });
+  const auto time =
+      timeOf([&] { result = shell("(sleep 0.6; touch '" + late + "') & echo begun; sleep 60", 100ms); });
   EXPECT_EQ(result.ending, ToolEnding::DeadlinePassed);
   EXPECT_EQ(result.output, QByteArray("begun\n"));
   EXPECT_EQ(result.status, 128 + SIGTERM);
@@ -117,10 +118,13 @@ TEST(ChildProcess, EndsAtItsDeadlineWithAllThatItStarted) {
 
 TEST(ChildProcess, IsKilledWhenItDoesNotListen) {
   ToolResult result;
-  const auto time = timeOf([&] { result = shell("trap '' TERM; while :; do sleep 0.05; done", 100ms); });
+  const auto time = timeOf([&] { result = shell("echo $$; trap '' TERM; while :; do sleep 0.05; done", 100ms); });
   EXPECT_EQ(result.ending, ToolEnding::DeadlinePassed);
   EXPECT_EQ(result.status, 128 + SIGKILL);
   EXPECT_LT(time, 5s);
+  const pid_t process = result.output.trimmed().toInt();
+  ASSERT_GT(process, 1);
+  EXPECT_NE(::kill(process, 0), 0) << "it has gone";
 }
 
 TEST(ChildProcess, EndsWhenTheStopTokenIsSet) {
@@ -149,13 +153,16 @@ TEST(ChildProcess, DoesNotKeepTheClientsSignalHandling) {
   sigset_t blocked;
   sigset_t old;
   sigemptyset(&blocked);
-  sigaddset(&blocked, SIGTERM);
+  sigaddset(&blocked, SIGINT);
   pthread_sigmask(SIG_BLOCK, &blocked, &old);
-  const ToolResult result = shell("kill -TERM $$; sleep 1; echo survived");
+  const ToolResult result =
+      runChild({"/bin/grep", {"-E", "SigBlk|SigIgn", "/proc/self/status"}, {}, {}, -1}, 20s, {});
   pthread_sigmask(SIG_SETMASK, &old, nullptr);
   ::signal(SIGTERM, SIG_DFL);
-  EXPECT_EQ(result.status, 128 + SIGTERM);
-  EXPECT_EQ(result.output, QByteArray());
+  const QList<QByteArray> words = result.output.simplified().split(' ');
+  ASSERT_EQ(words.size(), 4);
+  EXPECT_EQ(words.at(1), QByteArray("0000000000000000"));
+  EXPECT_EQ(words.at(3).toULongLong(nullptr, 16) & (1ULL << (SIGTERM - 1)), 0U);
 }
 
 } // namespace sonorel::test

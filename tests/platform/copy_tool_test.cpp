@@ -56,10 +56,11 @@ TEST_F(CopyTools, NeverLeaveAReadOnlyCopy) {
 }
 
 TEST_F(CopyTools, MendWhatAMountCouldNotKeep) {
-  const ToolResult result = copyWith("cat \"$3\" > \"$4\"\n"
-                                     "echo \"cp: preserving times for 'x': Operation not supported\"\n"
-                                     "echo \"cp: failed to preserve ownership for 'x': Operation not permitted\" >&2\n"
-                                     "exit 1");
+  const ToolResult result =
+      copyWith("cat \"$3\" > \"$4\"\n"
+               "echo \"cp: preserving times for 'x': Operation not supported\"\n"
+               "echo \"cp: failed to preserve ownership for 'x': Operation not permitted\" >&2\n"
+               "exit 1");
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(temporary.bytes("data/Embedded/VB-SHARE$/Music/track.mp3"), "a track");
   EXPECT_EQ(target().st_mtim.tv_sec, 1'200'000'000);

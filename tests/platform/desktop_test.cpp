@@ -16,8 +16,8 @@ namespace {
 class LinuxDesktopTest : public testing::Test {
 protected:
   QTemporaryDir folder;
-  LinuxDesktop desktop{
-      {folder.path(), u"/opt/new place/sonoreld"_s, [](const QString &path) { return std::optional<QString>(path); }}};
+  LinuxDesktop desktop{{folder.path(), u"/opt/new place/sonoreld"_s,
+                        [](const QString &path) { return std::optional<QString>(path); }}};
 
   [[nodiscard]] QString autostart(const QString &name) const { return folder.filePath(u"autostart/"_s + name); }
   [[nodiscard]] QByteArray content(const QString &name) const {

@@ -45,7 +45,8 @@ TEST_F(LinuxFiles, MapsTheSystemsPaths) {
   EXPECT_EQ(temporary.bytes("data/Library/Application Support/x"), "machine");
   EXPECT_EQ(temporary.bytes("data/Home/Library/y"), "user");
   EXPECT_EQ(temporary.bytes("data/App Data/MacClientProperty"), "settings");
-  EXPECT_EQ(files.read(u"/Applications/Sonorel/Sonorel.app/Contents/Resources/StringsEnglish"_s), QByteArray("texts"));
+  EXPECT_EQ(files.read(u"/Applications/Sonorel/Sonorel.app/Contents/Resources/StringsEnglish"_s),
+            QByteArray("texts"));
 }
 
 TEST_F(LinuxFiles, ClosesTheDataFolderToOthers) {
@@ -144,6 +145,19 @@ TEST_F(LinuxFiles, ReadsTheTimeToTheNanosecond) {
   const auto found = files.attributes(folder + u"/a"_s, Links::Follow);
   EXPECT_EQ(found->modifiedSeconds, 1'600'000'000);
   EXPECT_EQ(found->modifiedNanoseconds, 123'456'789);
+}
+
+TEST_F(LinuxFiles, FindsNoRoomOnAVolumeThatDoesNotAnswer) {
+  files.createFolder(u"/Volumes/VB-SHARE$"_s, 0777);
+  const EmbeddedProduct product(temporary.roots.embedded, u"Auracore 5"_s);
+  product.mount(temporary.below("runtime/Volumes/VB-SHARE$").toUtf8());
+  const auto volume = files.volume(u"/Volumes/VB-SHARE$/System"_s);
+  ASSERT_TRUE(volume);
+  EXPECT_EQ(volume->typeName, u"smbfs"_s);
+  EXPECT_EQ(volume->freeBytes, 0U);
+  EXPECT_EQ(files.presence(u"/Volumes/VB-SHARE$/System"_s), Presence::Unknown);
+  EXPECT_EQ(failureOf([&] { static_cast<void>(files.read(u"/Volumes/VB-SHARE$/System/a"_s)); }),
+            FailureKind::Unknown);
 }
 
 TEST_F(LinuxFiles, TellsTheHostsVolumeOfAnyOtherPath) {

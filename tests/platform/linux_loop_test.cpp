@@ -1,5 +1,5 @@
-#include "platform/linux/LinuxLoop.h"
 #include "platform/Failure.h"
+#include "platform/linux/LinuxLoop.h"
 
 #include <gtest/gtest.h>
 

@@ -103,6 +103,8 @@ TEST_F(LinuxMounts, StopTheRemovalOfATree) {
   EXPECT_NE(failureOf([&] { files.removeTree(tree); }), std::nullopt);
   EXPECT_TRUE(temporary.exists("outside/shown/precious"));
   EXPECT_TRUE(temporary.exists("outside/tree/a/file")) << "nothing is begun that cannot be finished";
+  EXPECT_NE(failureOf([&] { files.removeTree(tree + u"/b"_s); }), std::nullopt);
+  EXPECT_TRUE(temporary.exists("outside/shown/precious")) << "nor is the mount itself emptied";
 }
 
 TEST_F(LinuxMounts, StopTheRemovalOfATreeOnAVolume) {

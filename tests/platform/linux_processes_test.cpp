@@ -30,8 +30,8 @@ protected:
   }
   void mountShare() {
     files.createFolder(u"/Volumes/VB-SHARE$"_s, 0777);
-    ASSERT_TRUE(succeeded(run(u"/sbin/mount"_s, {u"-t"_s, u"smbfs"_s, u"//v:p@embedded/VB-SHARE$"_s,
-                                                 u"/Volumes/VB-SHARE$/"_s})));
+    ASSERT_TRUE(succeeded(
+        run(u"/sbin/mount"_s, {u"-t"_s, u"smbfs"_s, u"//v:p@embedded/VB-SHARE$"_s, u"/Volumes/VB-SHARE$/"_s})));
   }
 };
 
@@ -43,9 +43,9 @@ TEST_F(LinuxTools, RunAScriptWithPathsWherePathsBelong) {
   const ToolResult result = run(u"/usr/bin/osascript"_s, {kScript, u"/Library/track.mp3"_s, u"/Library/a title"_s,
                                                           u"A name"_s, u"Artist:Album:"_s});
   EXPECT_EQ(result.status, 4);
-  EXPECT_EQ(QString::fromUtf8(result.output),
-            temporary.below("data/Library/track.mp3") + u"|/Library/a title|A name|Artist:Album:|"_s +
-                temporary.below("runtime/Volumes/VB-SHARE$/Music/Mac/") + u'|');
+  EXPECT_EQ(QString::fromUtf8(result.output), temporary.below("data/Library/track.mp3") +
+                                                  u"|/Library/a title|A name|Artist:Album:|"_s +
+                                                  temporary.below("runtime/Volumes/VB-SHARE$/Music/Mac/") + u'|');
 }
 
 TEST_F(LinuxTools, RunNoScriptWithoutAShare) {
@@ -61,8 +61,8 @@ TEST_F(LinuxTools, SayThatAScriptIsMissing) {
 
 TEST_F(LinuxTools, RunInstalledPrograms) {
   temporary.putScript("scripts/ConvertWeblocToURL.sh", "printf '%s|' \"$@\"");
-  const ToolResult result = run(u"/Applications/Sonorel/App Data/ConvertWeblocToURL.sh"_s,
-                                {u"/private/tmp/a \"b\".webloc"_s, u"plain"_s});
+  const ToolResult result =
+      run(u"/Applications/Sonorel/App Data/ConvertWeblocToURL.sh"_s, {u"/private/tmp/a \"b\".webloc"_s, u"plain"_s});
   EXPECT_EQ(QString::fromUtf8(result.output), temporary.below("data/Temporary/a \"b\".webloc") + u"|plain|"_s);
 }
 

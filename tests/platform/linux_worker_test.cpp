@@ -1,5 +1,5 @@
-#include "platform/linux/LinuxWorker.h"
 #include "platform/Failure.h"
+#include "platform/linux/LinuxWorker.h"
 
 #include <gtest/gtest.h>
 

@@ -18,7 +18,9 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-TagLib::String tagText(const QString &text) { return TagLib::String(text.toStdString(), TagLib::String::UTF8); }
+TagLib::String tagText(const QString &text) {
+  return TagLib::String(text.toStdString(), TagLib::String::UTF8);
+}
 
 class MetadataTest : public testing::Test {
 protected:
@@ -90,13 +92,21 @@ protected:
 
 } // namespace
 
-TEST_F(EncodedMetadataTest, ReadsFlac) { expectTags(make(u"a.flac"_s, {}, two), {}); }
+TEST_F(EncodedMetadataTest, ReadsFlac) {
+  expectTags(make(u"a.flac"_s, {}, two), {});
+}
 
-TEST_F(EncodedMetadataTest, ReadsMp3) { expectTags(make(u"a.mp3"_s, {}, two), {}); }
+TEST_F(EncodedMetadataTest, ReadsMp3) {
+  expectTags(make(u"a.mp3"_s, {}, two), {});
+}
 
-TEST_F(EncodedMetadataTest, ReadsWav) { expectTags(make(u"a.WAV"_s, {}, two), {}); }
+TEST_F(EncodedMetadataTest, ReadsWav) {
+  expectTags(make(u"a.WAV"_s, {}, two), {});
+}
 
-TEST_F(EncodedMetadataTest, ReadsOggVorbis) { expectTags(make(u"a.ogg"_s, {u"-c:a"_s, u"libvorbis"_s}, two), {}); }
+TEST_F(EncodedMetadataTest, ReadsOggVorbis) {
+  expectTags(make(u"a.ogg"_s, {u"-c:a"_s, u"libvorbis"_s}, two), {});
+}
 
 TEST_F(EncodedMetadataTest, TellsAppleLosslessFromAac) {
   expectTags(make(u"aac.m4a"_s, {u"-c:a"_s, u"aac"_s}, two), {u"AAC"_s});

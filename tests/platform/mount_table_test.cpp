@@ -60,8 +60,8 @@ TEST(MountTable, FindsTheMountOfAPath) {
 }
 
 TEST(MountTable, TakesTheLastOfSeveralOnOnePoint) {
-  const MountEntries entries =
-      parseMountTable("27 1 254:0 / / rw - ext4 a rw\n30 27 0:9 / /m rw - tmpfs t rw\n31 30 0:10 / /m rw - cifs //s/x rw\n");
+  const MountEntries entries = parseMountTable(
+      "27 1 254:0 / / rw - ext4 a rw\n30 27 0:9 / /m rw - tmpfs t rw\n31 30 0:10 / /m rw - cifs //s/x rw\n");
   EXPECT_EQ(mountAt(entries, "/m")->id, 31U);
   EXPECT_EQ(mountHolding(entries, "/m/file")->type, QByteArray("cifs"));
 }
@@ -99,7 +99,8 @@ TEST(SystemError, SaysWhatMayBeConcluded) {
   for (const int error : {ENOSPC, EDQUOT}) {
     EXPECT_EQ(failureKind(error), FailureKind::DiskFull) << error;
   }
-  for (const int error : {EIO, ENOTCONN, ESTALE, EHOSTDOWN, EHOSTUNREACH, ETIMEDOUT, ECONNRESET, ECONNABORTED, ENODEV}) {
+  for (const int error :
+       {EIO, ENOTCONN, ESTALE, EHOSTDOWN, EHOSTUNREACH, ETIMEDOUT, ECONNRESET, ECONNABORTED, ENODEV}) {
     EXPECT_EQ(failureKind(error), FailureKind::Unknown) << error;
   }
   for (const int error : {EACCES, EPERM, EROFS, EXDEV, EISDIR, ENAMETOOLONG}) {

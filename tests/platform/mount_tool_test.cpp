@@ -85,7 +85,8 @@ TEST_F(MountTools, SetALeftoverAsideWithALine) {
 
 TEST_F(MountTools, GiveTheMountProgramThePointAndTheUrlOnItsInput) {
   makePoint();
-  temporary.putScript("bin/sonorel-mount", "cat > '" + temporary.below("url").toStdString() + "'\nprintf '%s\\n' \"$@\" > '" +
+  temporary.putScript("bin/sonorel-mount", "cat > '" + temporary.below("url").toStdString() +
+                                               "'\nprintf '%s\\n' \"$@\" > '" +
                                                temporary.below("arguments").toStdString() +
                                                "'\necho 'Authentication error: refused'; exit 2");
   const ToolResult result = mount(u"//vb:p%40ss@nas/VB-SHARE$"_s);

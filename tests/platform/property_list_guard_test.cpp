@@ -15,7 +15,8 @@ namespace {
 
 QByteArray listOf(const QByteArray &content) {
   return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-         "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+         "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+         "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
          "<plist version=\"1.0\">" +
          content + "</plist>\n";
 }
@@ -35,7 +36,7 @@ QString refusalOf(const QByteArray &bytes) {
   }
 }
 
-#define EXPECT_REFUSED(bytes, words)                                                                                  \
+#define EXPECT_REFUSED(bytes, words)                                                                                 \
   EXPECT_TRUE(refusalOf(bytes).contains(QStringLiteral(words))) << refusalOf(bytes).toStdString()
 
 // A binary list of objects that stand one after the other, the first one the root.
@@ -58,23 +59,26 @@ QByteArray binaryListOf(const QList<QByteArray> &objects) {
 } // namespace
 
 TEST(XmlPropertyListGuard, PassesEveryKindOfValue) {
-  EXPECT_EQ(refusalOf(listOf("<dict><key>a</key><string>x &amp; &#x20AC; y</string><key>b</key><array><true/><false/>"
-                             "<true></true></array><key>c</key><integer>-12</integer><key>d</key><real>1.5e3</real>"
-                             "<key>e</key><date>2026-02-28T23:59:59Z</date><key>f</key><data>\n\tAAE=\n\t</data>"
-                             "<key>g</key><dict/><key/><string/><key>h</key><data/><key>i</key><integer>0x1F</integer>"
-                             "</dict>")),
-            QString());
+  EXPECT_EQ(
+      refusalOf(listOf("<dict><key>a</key><string>x &amp; &#x20AC; y</string><key>b</key><array><true/><false/>"
+                       "<true></true></array><key>c</key><integer>-12</integer><key>d</key><real>1.5e3</real>"
+                       "<key>e</key><date>2026-02-28T23:59:59Z</date><key>f</key><data>\n\tAAE=\n\t</data>"
+                       "<key>g</key><dict/><key/><string/><key>h</key><data/><key>i</key><integer>0x1F</integer>"
+                       "</dict>")),
+      QString());
 }
 
 TEST(XmlPropertyListGuard, PassesCommentsAndCharacterData) {
-  EXPECT_EQ(refusalOf("\xEF\xBB\xBF<!-- a > b --><plist version=\"1.0\"><!-- <dict> -->\n<string><![CDATA[<&>]]></string>"
-                      "</plist><!-- end -->\n"),
-            QString());
+  EXPECT_EQ(
+      refusalOf("\xEF\xBB\xBF<!-- a > b --><plist version=\"1.0\"><!-- <dict> -->\n<string><![CDATA[<&>]]></string>"
+                "</plist><!-- end -->\n"),
+      QString());
 }
 
 TEST(XmlPropertyListGuard, RefusesWhatIsCutAtAnyLength) {
-  const QByteArray whole = "<plist version=\"1.0\"><dict><key>k</key><array><string>v</string><data>AAE=</data></array>"
-                           "</dict></plist>";
+  const QByteArray whole =
+      "<plist version=\"1.0\"><dict><key>k</key><array><string>v</string><data>AAE=</data></array>"
+      "</dict></plist>";
   ASSERT_EQ(refusalOf(whole), QString());
   for (qsizetype length = 0; length < whole.size(); ++length) {
     EXPECT_NE(refusalOf(whole.left(length)), QString()) << length;
@@ -115,7 +119,8 @@ TEST(XmlPropertyListGuard, RefusesWrongValues) {
 TEST(XmlPropertyListGuard, RefusesOtherEncodingsAndOwnEntities) {
   EXPECT_REFUSED(listOf("<string>caf\xE9</string>"), "not UTF-8");
   EXPECT_REFUSED(listOf(QByteArray("<string>a\0b</string>", 20)), "NUL");
-  EXPECT_REFUSED(QByteArray("<!DOCTYPE plist [<!ENTITY a \"aaaa\">]><plist><string>&a;</string></plist>"), "entities");
+  EXPECT_REFUSED(QByteArray("<!DOCTYPE plist [<!ENTITY a \"aaaa\">]><plist><string>&a;</string></plist>"),
+                 "entities");
 }
 
 TEST(XmlPropertyListGuard, Allows64LevelsAndNoMore) {
@@ -139,13 +144,23 @@ TEST(XmlPropertyListGuard, RefusesMoreValuesThanMemoryShouldHold) {
 }
 
 TEST(BinaryPropertyListGuard, PassesSmallLists) {
-  EXPECT_EQ(refusalOf(binaryListOf({"\x53" "abc"})), QString());
-  EXPECT_EQ(refusalOf(binaryListOf({QByteArray("\xD1\x01\x02", 3), "\x51" "k", "\x11\x01\x02"})), QString());
+  EXPECT_EQ(refusalOf(binaryListOf({"\x53"
+                                    "abc"})),
+            QString());
+  EXPECT_EQ(refusalOf(binaryListOf({QByteArray("\xD1\x01\x02", 3),
+                                    "\x51"
+                                    "k",
+                                    "\x11\x01\x02"})),
+            QString());
   EXPECT_EQ(refusalOf(binaryListOf({QByteArray("\xA2\x01\x01", 3), "\x09"})), QString());
 }
 
 TEST(BinaryPropertyListGuard, RefusesWhatIsCutAtAnyLength) {
-  const QByteArray whole = binaryListOf({QByteArray("\xD1\x01\x02", 3), "\x51" "k", "\x53" "abc"});
+  const QByteArray whole = binaryListOf({QByteArray("\xD1\x01\x02", 3),
+                                         "\x51"
+                                         "k",
+                                         "\x53"
+                                         "abc"});
   ASSERT_EQ(refusalOf(whole), QString());
   for (qsizetype length = 6; length < whole.size(); ++length) {
     EXPECT_NE(refusalOf(whole.left(length)), QString()) << length;
@@ -154,7 +169,9 @@ TEST(BinaryPropertyListGuard, RefusesWhatIsCutAtAnyLength) {
 
 TEST(BinaryPropertyListGuard, RefusesObjectsThatLieOutside) {
   EXPECT_REFUSED(binaryListOf({"\x5F\x12\x7F\xFF\xFF\xFF"}), "cut short");
-  EXPECT_REFUSED(binaryListOf({"\x53" "ab"}), "cut short");
+  EXPECT_REFUSED(binaryListOf({"\x53"
+                               "ab"}),
+                 "cut short");
   EXPECT_REFUSED(binaryListOf({QByteArray("\xA1\x07", 2)}), "does not hold");
   EXPECT_REFUSED(binaryListOf({QByteArray("\xD1\x01\x01", 3), "\x09"}), "no text");
   EXPECT_REFUSED(binaryListOf({"\xC1"}), "unknown object");

@@ -32,17 +32,16 @@ protected:
 
 TEST_F(PropertyListsTest, WritesXmlWithSortedKeys) {
   const QVariantMap map{{u"b"_s, 7}, {u"a"_s, u"x < y & z"_s}, {u"C"_s, true}};
-  EXPECT_EQ(lists.encodeXml(map),
-            QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                       "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-                       "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
-                       "<plist version=\"1.0\">\n"
-                       "<dict>\n"
-                       "\t<key>C</key>\n\t<true/>\n"
-                       "\t<key>a</key>\n\t<string>x &lt; y &amp; z</string>\n"
-                       "\t<key>b</key>\n\t<integer>7</integer>\n"
-                       "</dict>\n"
-                       "</plist>\n"));
+  EXPECT_EQ(lists.encodeXml(map), QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                             "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                                             "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+                                             "<plist version=\"1.0\">\n"
+                                             "<dict>\n"
+                                             "\t<key>C</key>\n\t<true/>\n"
+                                             "\t<key>a</key>\n\t<string>x &lt; y &amp; z</string>\n"
+                                             "\t<key>b</key>\n\t<integer>7</integer>\n"
+                                             "</dict>\n"
+                                             "</plist>\n"));
 }
 
 TEST_F(PropertyListsTest, ReadsEveryKindOfValue) {
@@ -61,8 +60,7 @@ TEST_F(PropertyListsTest, ReadsEveryKindOfValue) {
   EXPECT_EQ(map.value(u"number"_s), QVariant(qlonglong(-5)));
   EXPECT_EQ(map.value(u"real"_s), QVariant(1.5));
   EXPECT_EQ(map.value(u"data"_s), QVariant(QByteArray("\x00\x01\x02\xFF", 4)));
-  EXPECT_EQ(map.value(u"date"_s).toDateTime(),
-            QDateTime(QDate(2026, 1, 31), QTime(12, 34, 56), Qt::UTC));
+  EXPECT_EQ(map.value(u"date"_s).toDateTime(), QDateTime(QDate(2026, 1, 31), QTime(12, 34, 56), Qt::UTC));
   EXPECT_EQ(map.value(u"list"_s), QVariant(QVariantList{u"a"_s, QVariantList{}}));
   EXPECT_EQ(map.value(u"map"_s), QVariant(QVariantMap{{u"k"_s, u"v"_s}}));
 }

@@ -199,6 +199,16 @@ void FakeFileSystem::removeFile(const QString &path) {
   drop(path);
 }
 
+void FakeFileSystem::removeLeftover(const QString &path) {
+  const std::lock_guard guard(m_mutex);
+  step("removeFile", path);
+  requireAnswer(path);
+  if (existing(path).kind == FileKind::Folder) {
+    throw Failure(QStringLiteral("a folder: ") + path);
+  }
+  drop(path);
+}
+
 void FakeFileSystem::removeFolder(const QString &path) {
   const std::lock_guard guard(m_mutex);
   step("removeFolder", path);

@@ -39,6 +39,8 @@ public:
   void putOther(const QString &path); // a FIFO, a device
   [[nodiscard]] QByteArray bytes(const QString &path) const; // throws std::runtime_error when there is no such file
   [[nodiscard]] bool exists(const QString &path) const;
+  // What stands on the disk itself, also while its volume is not mounted or does not answer.
+  [[nodiscard]] std::optional<QByteArray> stored(const QString &path) const;
   [[nodiscard]] qint64 modified(const QString &path) const;
   [[nodiscard]] quint32 mode(const QString &path) const;
   void erase(const QString &path); // with all below
@@ -84,7 +86,8 @@ public:
 
   // --- for the tools ---
   // One operation each.
-  void removeFolder(const QString &path); // only an empty one
+  void removeFolder(const QString &path);   // only an empty one
+  void removeLeftover(const QString &path); // a file; also below a point that is not mounted
   void setModified(const QString &path, qint64 seconds);
   // The first half of the bytes, as a tool leaves it that was killed.
   void writeHalf(const QString &path, const QByteArray &bytes);

@@ -102,6 +102,18 @@ bool FakeFileSystem::exists(const QString &path) const {
   return find(resolved(path)) != nullptr;
 }
 
+std::optional<QByteArray> FakeFileSystem::stored(const QString &path) const {
+  const std::lock_guard guard(m_mutex);
+  for (const Disk &disk : m_disks) {
+    if (path.startsWith(disk.root + u'/')) {
+      const auto node = disk.nodes.constFind(path);
+      return node == disk.nodes.constEnd() ? std::nullopt : std::optional(node->bytes);
+    }
+  }
+  const auto node = m_base.nodes.constFind(path);
+  return node == m_base.nodes.constEnd() ? std::nullopt : std::optional(node->bytes);
+}
+
 qint64 FakeFileSystem::modified(const QString &path) const {
   const std::lock_guard guard(m_mutex);
   const Node *node = find(resolved(path));

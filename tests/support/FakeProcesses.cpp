@@ -4,6 +4,14 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel::test {
 
+namespace {
+
+QString withoutSlash(const QString &path) {
+  return path.size() > 1 && path.endsWith(u'/') ? path.chopped(1) : path;
+}
+
+} // namespace
+
 ToolResult exited(int status, const QByteArray &output) {
   return {ToolEnding::Exited, status, output};
 }
@@ -115,7 +123,7 @@ ToolResult FakeProcesses::remove(const QStringList &arguments) {
     if (whole) {
       m_files.removeTree(argument);
     } else {
-      m_files.removeFile(argument);
+      m_files.removeLeftover(argument);
     }
   }
   return exited(0);
@@ -123,7 +131,7 @@ ToolResult FakeProcesses::remove(const QStringList &arguments) {
 
 ToolResult FakeProcesses::removeFolder(const QStringList &arguments) {
   for (const QString &argument : arguments) {
-    m_files.removeFolder(argument);
+    m_files.removeFolder(withoutSlash(argument));
   }
   return exited(0);
 }
@@ -143,7 +151,7 @@ ToolResult FakeProcesses::mount(const ToolRequest &request, const std::stop_toke
     }
     return {stop.stop_requested() ? ToolEnding::Stopped : ToolEnding::DeadlinePassed, 128 + 15, answer.output};
   }
-  const QString point = request.arguments.at(3);
+  const QString point = withoutSlash(request.arguments.at(3));
   if (answer.status != 0) {
     return exited(answer.status, answer.output);
   }
@@ -158,7 +166,7 @@ ToolResult FakeProcesses::mount(const ToolRequest &request, const std::stop_toke
 }
 
 ToolResult FakeProcesses::unmount(const QStringList &arguments) {
-  const QString point = arguments.value(arguments.size() - 1);
+  const QString point = withoutSlash(arguments.value(arguments.size() - 1));
   if (!m_files.isMounted(point)) {
     return exited(1, "umount: not currently mounted\n");
   }

@@ -45,7 +45,9 @@ public:
   Roots roots;
 
   // A host path below the temporary folder.
-  [[nodiscard]] QString below(const std::string &path) const { return QString::fromStdString((m_base / path).string()); }
+  [[nodiscard]] QString below(const std::string &path) const {
+    return QString::fromStdString((m_base / path).string());
+  }
   void put(const std::string &path, const std::string &bytes) const {
     std::filesystem::create_directories((m_base / path).parent_path());
     std::ofstream(m_base / path, std::ios::binary) << bytes;

@@ -80,7 +80,7 @@ private:
   }
 
   void visit(const Place &place) {
-    require(++m_objects <= kPropertyListObjects, u"the list expands to too many values"_s);
+    require(++m_objects <= kBinaryPropertyListObjects, u"the list expands to too many values"_s);
     require(place.object < m_count, u"the list refers to an object that it does not hold"_s);
     require(place.depth <= PropertyLists::kDepthLimit, u"the list is nested too deeply, or holds itself"_s);
     const quint64 position = number(m_table + place.object * static_cast<quint64>(m_offsetSize), m_offsetSize);
@@ -148,7 +148,7 @@ private:
     const quint64 rows = count(low, position);
     const auto step = static_cast<quint64>(m_referenceSize);
     require(holds(position, rows * columns * step), u"an object is cut short"_s);
-    require(rows * columns + m_waiting.size() <= static_cast<quint64>(kPropertyListObjects),
+    require(rows * columns + m_waiting.size() <= static_cast<quint64>(kBinaryPropertyListObjects),
             u"the list expands to too many values"_s);
     for (quint64 i = 0; i < rows * columns; ++i) {
       const bool isKey = columns == 2 && i < rows;
@@ -166,7 +166,9 @@ void checkBinaryPropertyList(QByteArrayView bytes) {
   BinaryScan(bytes).run();
 }
 
-bool isBinaryPropertyList(QByteArrayView bytes) { return bytes.startsWith("bplist"); }
+bool isBinaryPropertyList(QByteArrayView bytes) {
+  return bytes.startsWith("bplist");
+}
 
 void refusePropertyList(const QString &reason) {
   throw Failure(u"damaged property list: "_s + reason, FailureKind::Damaged);

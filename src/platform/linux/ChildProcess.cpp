@@ -6,8 +6,8 @@
 #include <poll.h>
 #include <spawn.h>
 #include <sys/eventfd.h>
-#include <sys/syscall.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 
 #include <algorithm>
@@ -165,8 +165,8 @@ int openHandle(pid_t process) {
 class Child {
 public:
   Child(pid_t process, FileDescriptor input, FileDescriptor output, const QByteArray &text)
-      : m_process(process), m_handle(openHandle(process)), m_input(std::move(input)),
-        m_output(std::move(output)), m_text(text) {}
+      : m_process(process), m_handle(openHandle(process)), m_input(std::move(input)), m_output(std::move(output)),
+        m_text(text) {}
 
   // Serves the child's streams until it has ended or the time has come or wake can be read; true when it has ended.
   bool serveUntil(SteadyClock::time_point end, int wake) {
@@ -208,10 +208,8 @@ private:
   }
 
   void waitForEvents(SteadyClock::time_point end, int wake) {
-    std::array<pollfd, 4> files{{{m_handle.get(), POLLIN, 0},
-                                 {wake, POLLIN, 0},
-                                 {m_output.get(), POLLIN, 0},
-                                 {m_input.get(), POLLOUT, 0}}};
+    std::array<pollfd, 4> files{
+        {{m_handle.get(), POLLIN, 0}, {wake, POLLIN, 0}, {m_output.get(), POLLIN, 0}, {m_input.get(), POLLOUT, 0}}};
     auto wait = std::chrono::ceil<milliseconds>(std::min(end - SteadyClock::now(), SteadyClock::duration(kLongest)));
     if (!m_handle.isOpen()) {
       wait = std::min(wait, kTick);
@@ -246,8 +244,8 @@ private:
 
   void writeInput() {
     const QByteArray rest = m_text.mid(m_written);
-    const ssize_t sent = ::send(m_input.get(), rest.constData(), static_cast<size_t>(rest.size()),
-                                MSG_NOSIGNAL | MSG_DONTWAIT);
+    const ssize_t sent =
+        ::send(m_input.get(), rest.constData(), static_cast<size_t>(rest.size()), MSG_NOSIGNAL | MSG_DONTWAIT);
     if (sent < 0 && (errno == EAGAIN || errno == EINTR)) {
       return;
     }
@@ -282,8 +280,8 @@ ToolResult runChild(const HostCommand &command, milliseconds deadline, std::stop
     return {};
   }
   const auto end = deadline.count() > 0 ? SteadyClock::now() + deadline : SteadyClock::time_point::max();
-  const pid_t process =
-      spawn(command, {input.theirs.get(), output.theirs.get()}, false, command.environment + QList<QByteArray>{"LC_ALL=C"});
+  const pid_t process = spawn(command, {input.theirs.get(), output.theirs.get()}, false,
+                              command.environment + QList<QByteArray>{"LC_ALL=C"});
   if (process == 0) {
     return {};
   }

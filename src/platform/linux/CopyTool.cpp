@@ -29,10 +29,7 @@ bool repair(const Place &source, const Place &target) {
   const timespec times[2] = {from->st_atim, from->st_mtim};
   ::utimensat(target.at(), target.path.constData(), times, 0);
   to = statOf(target, Links::Follow, QString());
-  if (!to || to->st_size != from->st_size) {
-    return false;
-  }
-  const auto older = from->st_mtim.tv_sec - to->st_mtim.tv_sec;
+  const auto older = to ? from->st_mtim.tv_sec - to->st_mtim.tv_sec : -1;
   return older == 0 || older == 1;
 }
 
@@ -52,9 +49,12 @@ QByteArray targetFor(const Place &place) {
 
 bool complainsOfAttributesOnly(const QByteArray &output) {
   static constexpr const char *kStarts[] = {
-      "cp: preserving times for ",           "cp: failed to preserve times for ",
-      "cp: preserving permissions for ",     "cp: failed to preserve permissions for ",
-      "cp: failed to preserve ownership for ", "cp: setting permissions for ",
+      "cp: preserving times for ",
+      "cp: failed to preserve times for ",
+      "cp: preserving permissions for ",
+      "cp: failed to preserve permissions for ",
+      "cp: failed to preserve ownership for ",
+      "cp: setting permissions for ",
       "cp: clearing permissions for ",
   };
   bool hasComplaint = false;

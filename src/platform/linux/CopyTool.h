@@ -1,5 +1,5 @@
-// "/bin/cp -p" on Linux. A copy onto a volume counts only when that very mount was there from beginning to end; what a
-// network file system cannot keep (owner, mode, times) is set as far as the system compares it; and a copy is never
+// "/bin/cp -p" on Linux. A copy onto a volume counts only when that very mount was there from beginning to end; what
+// a network file system cannot keep (owner, mode, times) is set as far as the system compares it; and a copy is never
 // read-only, or it could not be replaced later. Blocks; any thread.
 #pragma once
 

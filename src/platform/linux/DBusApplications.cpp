@@ -24,8 +24,7 @@ struct KnownApplication {
 
 constexpr std::array<KnownApplication, 2> kKnown{
     {{u"com.orv.Sonorel", u"Sonorel", u"/Applications/Sonorel/Sonorel.app"},
-     {u"com.orv.TrackChute", u"TrackChute",
-      u"/Applications/Sonorel/Sonorel.app/Contents/Resources/TrackChute.app"}}};
+     {u"com.orv.TrackChute", u"TrackChute", u"/Applications/Sonorel/Sonorel.app/Contents/Resources/TrackChute.app"}}};
 
 } // namespace
 
@@ -52,9 +51,8 @@ void DBusApplications::end(const RunningApplication &application) {
 }
 
 std::optional<qint64> DBusApplications::ownerOf(const QString &busName) const {
-  QDBusMessage question =
-      QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
-                                     u"org.freedesktop.DBus"_s, u"GetConnectionUnixProcessID"_s);
+  QDBusMessage question = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+                                                         u"org.freedesktop.DBus"_s, u"GetConnectionUnixProcessID"_s);
   question << busName;
   const QDBusMessage answer = m_bus.call(question, QDBus::Block, kBusAnswer);
   if (answer.type() != QDBusMessage::ReplyMessage || answer.arguments().isEmpty()) {

@@ -29,8 +29,9 @@ void makeFolders(const QString &path) {
 } // namespace
 
 void prepareDataFolders(const Roots &roots) {
-  for (const QString &folder : {roots.data + u"/Library"_s, roots.data + u"/Home/Library"_s,
-                                roots.data + u"/App Data"_s, roots.data + u"/Temporary"_s, roots.runtime + u"/Volumes"_s}) {
+  for (const QString &folder :
+       {roots.data + u"/Library"_s, roots.data + u"/Home/Library"_s, roots.data + u"/App Data"_s,
+        roots.data + u"/Temporary"_s, roots.runtime + u"/Volumes"_s}) {
     makeFolders(folder);
   }
   for (const QString &folder : {roots.data, roots.runtime}) {

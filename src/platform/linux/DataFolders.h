@@ -1,5 +1,5 @@
-// The folders that the path map leads to and that the first system always has: made at every start. Called once, before
-// anything else touches the paths.
+// The folders that the path map leads to and that the first system always has: made at every start. Called once,
+// before anything else touches the paths.
 #pragma once
 
 #include "platform/linux/PathMap.h"

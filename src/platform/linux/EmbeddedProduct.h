@@ -13,7 +13,8 @@ namespace sonorel {
 class EmbeddedProduct {
 public:
   // tree is the host path of the share's content; productName is what a new tree calls itself.
-  EmbeddedProduct(QString tree, QString productName) : m_tree(std::move(tree)), m_productName(std::move(productName)) {}
+  EmbeddedProduct(QString tree, QString productName)
+      : m_tree(std::move(tree)), m_productName(std::move(productName)) {}
 
   // The folders of the share, the name file, the address file and the limits file, each only when missing.
   // Throws Failure.

@@ -65,7 +65,9 @@ plist_t archivedRoot(plist_t archive) {
 
 } // namespace
 
-QVariant LibplistPropertyLists::decode(const QByteArray &bytes) { return valueOfNode(parsed(bytes).get()); }
+QVariant LibplistPropertyLists::decode(const QByteArray &bytes) {
+  return valueOfNode(parsed(bytes).get());
+}
 
 QByteArray LibplistPropertyLists::encodeXml(const QVariant &value) {
   const CLocale locale;
@@ -81,7 +83,9 @@ QByteArray LibplistPropertyLists::encodeXml(const QVariant &value) {
   return result;
 }
 
-QByteArray LibplistPropertyLists::encodeBinary(const QVariant &value) { return binaryOf(nodeOfValue(value).get()); }
+QByteArray LibplistPropertyLists::encodeBinary(const QVariant &value) {
+  return binaryOf(nodeOfValue(value).get());
+}
 
 QByteArray LibplistPropertyLists::archive(const QString &text) {
   const PlistNode archive(plist_new_dict());

@@ -47,7 +47,9 @@ void writeToStandardError(const QByteArray &bytes) {
 
 LinuxDesktop::LinuxDesktop(Places places) : m_places(std::move(places)) {}
 
-QString LinuxDesktop::autostartFolder() const { return m_places.configHome + u"/autostart"_s; }
+QString LinuxDesktop::autostartFolder() const {
+  return m_places.configHome + u"/autostart"_s;
+}
 
 std::vector<LoginItem> LinuxDesktop::loginItems() {
   std::vector<LoginItem> items;
@@ -103,17 +105,25 @@ void LinuxDesktop::removeAgentLoginItems() {
   }
 }
 
-qint64 LinuxDesktop::spaceNumber() { return -1; }
+qint64 LinuxDesktop::spaceNumber() {
+  return -1;
+}
 
-QString LinuxDesktop::systemLanguage() { return QLocale::system().uiLanguages().value(0); }
+QString LinuxDesktop::systemLanguage() {
+  return QLocale::system().uiLanguages().value(0);
+}
 
 bool LinuxDesktop::openDocument(const QString &path) {
   const auto hostPath = m_places.hostPath(path);
   return hostPath && QFileInfo::exists(*hostPath) && QProcess::startDetached(u"xdg-open"_s, {*hostPath});
 }
 
-void LinuxDesktop::log(const QString &line) { writeToStandardError(line.toUtf8() + '\n'); }
+void LinuxDesktop::log(const QString &line) {
+  writeToStandardError(line.toUtf8() + '\n');
+}
 
-void LinuxDesktop::printError(const QString &text) { writeToStandardError(text.toUtf8()); }
+void LinuxDesktop::printError(const QString &text) {
+  writeToStandardError(text.toUtf8());
+}
 
 } // namespace sonorel

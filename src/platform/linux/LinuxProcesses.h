@@ -16,7 +16,7 @@ namespace sonorel {
 
 struct ProcessOptions {
   QString musicFolder = QStringLiteral("/Volumes/VB-SHARE$/Music/Mac/"); // for the scripts, a path of the system
-  QString embeddedProduct = QStringLiteral("Auracore 5");               // the name of a new embedded product
+  QString embeddedProduct = QStringLiteral("Auracore 5");                // the name of a new embedded product
 };
 
 class LinuxProcesses final : public Processes {

@@ -4,8 +4,7 @@
 
 namespace sonorel {
 
-LinuxWorker::LinuxWorker(std::function<void(const std::exception &)> onFailure)
-    : m_onFailure(std::move(onFailure)) {}
+LinuxWorker::LinuxWorker(std::function<void(const std::exception &)> onFailure) : m_onFailure(std::move(onFailure)) {}
 
 LinuxWorker::~LinuxWorker() {
   requestStop();

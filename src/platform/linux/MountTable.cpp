@@ -33,7 +33,8 @@ QByteArray unescaped(const QByteArray &field) {
       plain.append(field.at(i));
       continue;
     }
-    plain.append(static_cast<char>((field.at(i + 1) - '0') * 64 + (field.at(i + 2) - '0') * 8 + field.at(i + 3) - '0'));
+    plain.append(
+        static_cast<char>((field.at(i + 1) - '0') * 64 + (field.at(i + 2) - '0') * 8 + field.at(i + 3) - '0'));
     i += 3;
   }
   return plain;
@@ -78,8 +79,8 @@ MountEntries parseMountTable(const QByteArray &text) {
     if (!isNumber || dash < 0 || fields.size() < dash + 3) {
       continue;
     }
-    entries.push_back({id, fields.at(2), unescaped(fields.at(4)), unescaped(fields.at(dash + 1)),
-                       unescaped(fields.at(dash + 2))});
+    entries.push_back(
+        {id, fields.at(2), unescaped(fields.at(4)), unescaped(fields.at(dash + 1)), unescaped(fields.at(dash + 2))});
   }
   return entries;
 }

@@ -11,7 +11,9 @@ namespace sonorel {
 
 namespace {
 
-[[noreturn]] void refuse(const QString &reason) { throw Failure(reason, FailureKind::Damaged); }
+[[noreturn]] void refuse(const QString &reason) {
+  throw Failure(reason, FailureKind::Damaged);
+}
 
 // Const all the way: the reading overloads of QDBusArgument are the const ones.
 QVariantMap mapOf(const QVariant &value, const QString &what) {
@@ -112,8 +114,8 @@ QDBusMessage messageOfNotification(const QString &name, const Notification &noti
   for (auto entry = notification.userInfo.constBegin(); entry != notification.userInfo.constEnd(); ++entry) {
     info.insert(entry.key(), sendable(entry.value()));
   }
-  QDBusMessage message = QDBusMessage::createSignal(QString::fromLatin1(kAgentPath),
-                                                    QString::fromLatin1(kAgentInterface), name);
+  QDBusMessage message =
+      QDBusMessage::createSignal(QString::fromLatin1(kAgentPath), QString::fromLatin1(kAgentInterface), name);
   message << notification.object << info;
   return message;
 }

@@ -9,7 +9,8 @@
 
 namespace sonorel {
 
-inline constexpr qsizetype kPropertyListObjects = 4'000'000; // values and keys, shared ones counted each time
+inline constexpr qsizetype kPropertyListObjects = 4'000'000;       // values and keys of an XML list
+inline constexpr qsizetype kBinaryPropertyListObjects = 1'000'000; // of a binary one, shared ones counted each time
 
 // "bplist" at the front.
 [[nodiscard]] bool isBinaryPropertyList(QByteArrayView bytes);

@@ -4,8 +4,12 @@
 
 namespace sonorel {
 
-QString QtIdentifiers::generateUUID() { return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper(); }
+QString QtIdentifiers::generateUUID() {
+  return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+}
 
-QByteArray QtIdentifiers::generateUUIDBytes() { return QUuid::createUuid().toRfc4122(); }
+QByteArray QtIdentifiers::generateUUIDBytes() {
+  return QUuid::createUuid().toRfc4122();
+}
 
 } // namespace sonorel

@@ -31,12 +31,12 @@ struct Extension {
   Format format;
 };
 
-constexpr Extension kExtensions[] = {
-    {u"mp3", Format::Mpeg}, {u"aac", Format::Mpeg}, {u"mp2", Format::Mpeg},   {u"m4a", Format::Mp4},
-    {u"m4p", Format::Mp4},  {u"m4b", Format::Mp4},  {u"mp4", Format::Mp4},    {u"m4v", Format::Mp4},
-    {u"flac", Format::Flac}, {u"wav", Format::Wav}, {u"aif", Format::Aiff},   {u"aiff", Format::Aiff},
-    {u"ogg", Format::Vorbis}, {u"oga", Format::Vorbis}, {u"opus", Format::Opus}, {u"wma", Format::Asf},
-    {u"asf", Format::Asf},  {u"wmv", Format::Asf}};
+constexpr Extension kExtensions[] = {{u"mp3", Format::Mpeg},   {u"aac", Format::Mpeg},   {u"mp2", Format::Mpeg},
+                                     {u"m4a", Format::Mp4},    {u"m4p", Format::Mp4},    {u"m4b", Format::Mp4},
+                                     {u"mp4", Format::Mp4},    {u"m4v", Format::Mp4},    {u"flac", Format::Flac},
+                                     {u"wav", Format::Wav},    {u"aif", Format::Aiff},   {u"aiff", Format::Aiff},
+                                     {u"ogg", Format::Vorbis}, {u"oga", Format::Vorbis}, {u"opus", Format::Opus},
+                                     {u"wma", Format::Asf},    {u"asf", Format::Asf},    {u"wmv", Format::Asf}};
 
 Format formatOf(const QString &path) {
   const QStringView name = QStringView(path).sliced(path.lastIndexOf(u'/') + 1);
@@ -78,7 +78,9 @@ std::unique_ptr<TagLib::File> openTags(Format format, TagLib::IOStream &stream) 
 }
 
 // Up to the first NUL: what follows one is padding of old tag writers.
-QString textOf(const TagLib::String &text) { return QString::fromUtf8(text.to8Bit(true).c_str()); }
+QString textOf(const TagLib::String &text) {
+  return QString::fromUtf8(text.to8Bit(true).c_str());
+}
 
 QStringList codecsOf(TagLib::File &file) {
   const auto *properties = dynamic_cast<TagLib::MP4::Properties *>(file.audioProperties());

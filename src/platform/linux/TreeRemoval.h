@@ -6,8 +6,9 @@
 
 namespace sonorel {
 
-// path is relative to the open folder at (or absolute with AT_FDCWD); shown is for the failure's text. Throws Failure:
-// Absent when there is nothing of that name, Other when a mount is in the way; nothing of that mount is touched.
+// path is relative to the open folder at (or absolute with AT_FDCWD); shown is for the failure's text. Throws
+// Failure: Absent when there is nothing of that name, Other when a mount is in the way; nothing of that mount is
+// touched.
 void removeTreeAt(int at, const QByteArray &path, const QString &shown);
 
 } // namespace sonorel

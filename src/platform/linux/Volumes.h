@@ -11,8 +11,8 @@
 namespace sonorel {
 
 struct MountedVolume {
-  QString root;       // "/Volumes/X"
-  QString typeName;   // "smbfs" for every kind of share mount
+  QString root;        // "/Volumes/X"
+  QString typeName;    // "smbfs" for every kind of share mount
   quint64 mountId = 0; // changes with every mount
   QByteArray hostRoot; // the folder that holds what is on the volume
   quint64 tableId = 0; // in the mount table; 0 for the embedded product

@@ -31,7 +31,9 @@ constexpr std::array<ElementName, 11> kElements{{{"plist", Element::Plist},
                                                  {"date", Element::Date},
                                                  {"data", Element::Data}}};
 
-bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+bool isSpace(char c) {
+  return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
 
 bool isContainer(Element element) {
   return element == Element::Plist || element == Element::Dict || element == Element::Array;

@@ -48,8 +48,8 @@ protected:
   }
 
   static QDBusMessage roundTrip(const QDBusConnection &bus) {
-    return bus.call(QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/"_s, u"org.freedesktop.DBus"_s,
-                                                   u"GetId"_s));
+    return bus.call(
+        QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/"_s, u"org.freedesktop.DBus"_s, u"GetId"_s));
   }
   void send(const QString &name, const QVariantList &arguments) {
     QDBusMessage signal = QDBusMessage::createSignal(u"/com/orv/TrackChute"_s, u"com.orv.TrackChute"_s, name);
@@ -94,8 +94,7 @@ TEST_F(DBusNotificationsTest, DeliversADragOnTheControllersThread) {
   loop.runPosted();
   ASSERT_EQ(delivered.size(), 1);
   EXPECT_EQ(delivered[0].object, u"@~Jazz@~"_s);
-  EXPECT_EQ(delivered[0].userInfo,
-            (QVariantMap{{u"draggedFiles"_s, QStringList{u"/m/a.mp3"_s, u"/m/b ü.mp3"_s}}}));
+  EXPECT_EQ(delivered[0].userInfo, (QVariantMap{{u"draggedFiles"_s, QStringList{u"/m/a.mp3"_s, u"/m/b ü.mp3"_s}}}));
   EXPECT_EQ(refused, 0);
 }
 

@@ -1,0 +1,41 @@
+// The limits of the four colour keys: how many items a key may hold and whether that counts. The client reads and
+// edits the product's limits file and never creates it. Worker thread; blocks on the share. See LimitsFile.h.
+#pragma once
+
+#include "core/state/ShareLayout.h"
+#include "favourites/FavouritesModel.h"
+#include "favourites/LimitsFile.h"
+#include "platform/Desktop.h"
+#include "platform/FileSystem.h"
+
+#include <QStringList>
+
+#include <functional>
+
+namespace sonorel {
+
+class ColourLimits {
+public:
+  // quit asks for an orderly end of the program that waits for the worker: a limits file that cannot be edited is not
+  // to be worked on any further. The references must outlive the object.
+  ColourLimits(FileSystem &files, Desktop &desktop, const ShareFolders &folders, std::function<void()> quit);
+
+  // False when there is no limits file; the values keep what they were, also when the file is damaged (logged).
+  bool presentLimitSettings();
+  void setLimitInOrvFile(const QString &enables, const QString &limits);
+  // Adapts the limits of the changed colour keys to what stands on them now, and writes all of them.
+  void executeLimitOperatingLogic(const QStringList &changedNames, const FavouriteLists &lists);
+  // Enables all four, keeping their numbers.
+  void enableCFLLimits();
+
+  [[nodiscard]] const KeyLimits &values() const { return m_values; }
+
+private:
+  FileSystem &m_files;
+  Desktop &m_desktop;
+  QString m_path;
+  std::function<void()> m_quit;
+  KeyLimits m_values;
+};
+
+} // namespace sonorel

@@ -1,0 +1,136 @@
+#include "favourites/FavouritesReport.h"
+
+#include "core/state/ShareLayout.h"
+#include "favourites/ColourKeys.h"
+#include "favourites/ListContent.h"
+#include "favourites/StoredFile.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel {
+
+namespace {
+
+QString counted(std::size_t count, const QString &one) {
+  return QString::number(count) + u' ' + one + (count == 1 ? QString() : u"s"_s);
+}
+
+bool isAlbum(const FavouriteTitle &title) { return title.itemType == kItemTypeAlbum; }
+
+// The first four lists of a music file, when they are what they should be.
+bool isColourKey(const FavouritesReport &report, std::size_t index) {
+  return report.kind == FavouritesKind::Music && report.hasItemTypes && index < kColourKeys &&
+         report.file.lists.at(index).playlistId == QString::number(index + 1);
+}
+
+QString contentOf(const FavouriteList &list) {
+  const auto albums = static_cast<std::size_t>(std::count_if(list.songs.begin(), list.songs.end(), isAlbum));
+  const std::size_t titles = list.songs.size() - albums;
+  if (list.songs.empty()) {
+    return u"empty"_s;
+  }
+  if (albums == 0) {
+    return counted(titles, u"title"_s);
+  }
+  return counted(albums, u"album"_s) + (titles == 0 ? QString() : u", "_s + counted(titles, u"title"_s));
+}
+
+void appendList(const FavouritesReport &report, std::size_t index, QString &text) {
+  const FavouriteList &list = report.file.lists.at(index);
+  text += u"\n%1%2 (%3%4)\n"_s.arg(list.playlistId.leftJustified(7), list.nameAsRead.value_or(QString()),
+                                    isColourKey(report, index) ? u"colour key, "_s : QString(), contentOf(list));
+  if (list.locationId != kOwnLocationId) {
+    text += u"       location \"%1\"\n"_s.arg(list.locationId);
+  }
+  for (const FavouriteTitle &title : list.songs) {
+    const bool usual = !title.itemType || title.itemType == kItemTypeTitle || isAlbum(title);
+    text += u"       "_s + (isAlbum(title) ? u"[album] "_s : QString()) + title.songPath +
+            (usual ? QString() : u"  (item type \"%1\")"_s.arg(*title.itemType)) + u'\n';
+  }
+}
+
+QJsonObject jsonOf(const FavouriteTitle &title) {
+  QJsonObject object{{u"path"_s, title.songPath},
+                     {u"checkSum"_s, QString::fromLatin1(title.checkSum.toHex())},
+                     {u"guid"_s, QString::fromLatin1(title.guid.toHex())}};
+  if (title.itemType) {
+    object.insert(u"itemType"_s, *title.itemType);
+  }
+  return object;
+}
+
+} // namespace
+
+FavouritesReport favouritesReport(QByteArrayView bytes) {
+  FavouritesReport report;
+  report.kind = kindOfFile(bytes);
+  StoredFile stored = storedFile(bytes, report.kind);
+  report.guid = stored.guid;
+  bool first = true;
+  for (const StoredChunk &chunk : stored.chunks) {
+    const StoredList list = storedList(chunk.content.value_or(QByteArray()));
+    if (std::exchange(first, false)) {
+      report.albumsTag = QString::fromLatin1(list.tag.value_or(QByteArrayView()));
+    } else if (!list.records.empty()) {
+      report.hasItemTypes = list.records.front().fieldCount != kTitleFieldsOfVaultbox1;
+      break;
+    }
+  }
+  const PlayerTraits player{report.hasItemTypes ? kAuralis5.toString() : kVaultbox1.toString(),
+                            report.albumsTag == kAlbumsTagUtf8};
+  report.file = decodeFavourites(bytes, report.kind, player);
+  return report;
+}
+
+QString textOf(const FavouritesReport &report) {
+  std::size_t titles = 0;
+  for (const FavouriteList &list : report.file.lists) {
+    titles += list.songs.size();
+  }
+  QString text = u"%1 favourites: %2, %3\n"_s.arg(
+      report.kind == FavouritesKind::Photos ? u"Photo"_s : u"Music"_s,
+      counted(report.file.lists.size(), u"list"_s), counted(titles, u"title"_s));
+  text += u"Version \"%1\", texts in %2%3, written as %4\n"_s.arg(
+      report.albumsTag, report.albumsTag == kAlbumsTagUtf8 ? u"UTF-8"_s : u"Windows-1252"_s,
+      report.hasItemTypes ? QString() : u", titles without item type"_s, report.guid);
+  for (std::size_t i = 0; i < report.file.lists.size(); ++i) {
+    appendList(report, i, text);
+  }
+  if (!report.file.oddities.isEmpty()) {
+    text += u"\nWhat departs from the format:\n"_s;
+    for (const QString &oddity : report.file.oddities) {
+      text += u"  - "_s + oddity + u'\n';
+    }
+  }
+  return text;
+}
+
+QByteArray jsonOf(const FavouritesReport &report) {
+  QJsonArray lists;
+  for (std::size_t i = 0; i < report.file.lists.size(); ++i) {
+    const FavouriteList &list = report.file.lists.at(i);
+    QJsonArray titles;
+    for (const FavouriteTitle &title : list.songs) {
+      titles.append(jsonOf(title));
+    }
+    lists.append(QJsonObject{{u"name"_s, list.nameAsRead.value_or(QString())},
+                             {u"playlistId"_s, list.playlistId},
+                             {u"locationId"_s, list.locationId},
+                             {u"guid"_s, QString::fromLatin1(list.guid.toHex())},
+                             {u"colourKey"_s, isColourKey(report, i)},
+                             {u"titles"_s, titles}});
+  }
+  return QJsonDocument(QJsonObject{{u"kind"_s, favouritesCommand(report.kind).toString()},
+                                   {u"guid"_s, report.guid},
+                                   {u"version"_s, report.albumsTag},
+                                   {u"readable"_s, report.file.list1Readable},
+                                   {u"lists"_s, lists},
+                                   {u"departures"_s, QJsonArray::fromStringList(report.file.oddities)}})
+      .toJson(QJsonDocument::Indented);
+}
+
+} // namespace sonorel

@@ -1,0 +1,46 @@
+// The product list file: read whole, changed in memory, written back whole beside and by renaming, for this user only.
+// A file that cannot be parsed is set aside before anything is written. Controller's thread; blocks on the disk.
+// Format: docs/formats/products.md.
+#pragma once
+
+#include "platform/Desktop.h"
+#include "platform/FileSystem.h"
+#include "platform/PropertyLists.h"
+#include "products/ProductRecord.h"
+
+#include <optional>
+
+namespace sonorel {
+
+class ProductListFile {
+public:
+  // No list of products comes near this; a larger file is none.
+  static constexpr quint64 kSizeLimit = 16ULL * 1024 * 1024;
+  static constexpr quint32 kMode = 0600;
+
+  // All references must outlive the object.
+  ProductListFile(FileSystem &files, PropertyLists &lists, Desktop &desktop, QString path);
+
+  // nullopt when there is no file, or none that could be parsed. Throws Failure when it cannot be read.
+  [[nodiscard]] std::optional<QVariantMap> read();
+  // Throws Failure.
+  void write(const QVariantMap &content);
+
+private:
+  void setAside(const QString &reason);
+  void reportOddities(const QVariantMap &content);
+
+  FileSystem &m_files;
+  PropertyLists &m_lists;
+  Desktop &m_desktop;
+  QString m_path;
+  QString m_reported; // the last line about odd entries, so that it is written once
+};
+
+// The records of one array; empty when there is none. Entries that are no records are passed over.
+[[nodiscard]] ProductRecords productRecords(const QVariantMap &content, QStringView array);
+void setProductRecords(QVariantMap &content, QStringView array, const ProductRecords &records);
+// The array is there, even when it is empty.
+[[nodiscard]] bool hasProductRecords(const QVariantMap &content, QStringView array);
+
+} // namespace sonorel

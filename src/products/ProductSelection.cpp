@@ -1,0 +1,95 @@
+#include "products/ProductSelection.h"
+
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel {
+
+namespace {
+
+constexpr int kYesButton = 1; // behind "NoText"
+
+} // namespace
+
+ProductSelection::ProductSelection(ProductList &products, Session &session, Strings &strings, View &view,
+                                   Hooks hooks)
+    : m_products(products), m_session(session), m_strings(strings), m_view(view), m_hooks(std::move(hooks)) {}
+
+void ProductSelection::onProductSelection(const ProductRow &row) {
+  const auto marked = m_products.markActive(row);
+  if (!marked) {
+    return;
+  }
+  if (m_hooks.isConnected()) {
+    // The mark alone does not tell: it stays on a product whose connection was refused.
+    if (marked->wasActive && connectionAddress(marked->record) == m_session.IPAddressString()) {
+      return;
+    }
+    m_hooks.onDisconnect();
+    if (m_hooks.isConnected()) {
+      return;
+    }
+  }
+  connectTo(marked->record);
+}
+
+void ProductSelection::connectTo(const ProductRecord &record) {
+  const QString address = connectionAddress(record);
+  const QString password = m_products.passwordFor(record, address);
+  m_session.setIPAddressString(address);
+  m_session.setPasswordString(password);
+  if (password.isEmpty()) {
+    m_hooks.showPasswordPanel(true);
+  } else {
+    m_hooks.onConnect();
+  }
+}
+
+void ProductSelection::OkEnterPasswordPanel(const QString &password) {
+  if (password.isEmpty() || !m_hooks.isPasswordPanelOpen()) {
+    return;
+  }
+  m_hooks.showPasswordPanel(false);
+  m_session.setPasswordString(password);
+  m_hooks.onConnect();
+}
+
+void ProductSelection::CancelEnterPasswordPanel() { m_hooks.showPasswordPanel(false); }
+
+void ProductSelection::RemoveAProductProductsList(const ProductRow &row) {
+  const auto record = m_products.selectedProduct(row);
+  if (!record) {
+    return;
+  }
+  if (isActive(*record) && m_hooks.isConnected()) {
+    askToDisconnect([this, record = *record] { m_products.removeSelectedProduct(record); });
+  } else {
+    m_products.removeSelectedProduct(*record);
+  }
+}
+
+void ProductSelection::RemoveWholeProductsFromProductList() {
+  if (m_products.hasActiveProduct() && m_hooks.isConnected()) {
+    askToDisconnect([this] { m_products.removeAllSelectedProducts(); });
+  } else {
+    m_products.removeAllSelectedProducts();
+  }
+}
+
+void ProductSelection::askToDisconnect(std::function<void()> afterwards) {
+  m_strings.reload();
+  m_view.ask(m_strings.text(u"AlertText"_s), m_strings.text(u"disconnectProductMessageText"_s),
+             {m_strings.text(u"NoText"_s), m_strings.text(u"YesText"_s)},
+             [this, afterwards = std::move(afterwards)](int button) {
+               if (button != kYesButton) {
+                 return;
+               }
+               m_hooks.onDisconnect();
+               if (!m_hooks.isConnected()) {
+                 afterwards();
+               }
+             });
+}
+
+} // namespace sonorel

@@ -1,0 +1,178 @@
+#include "transfer/DropIntake.h"
+
+#include "core/state/Report.h"
+#include "core/state/ShareLayout.h"
+#include "transfer/FileTypes.h"
+#include "transfer/PathNames.h"
+
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel {
+
+namespace {
+
+constexpr QStringView kFinder = u"Finder";
+
+bool isNotTransferable(const QString &name, const QStringList &paths) {
+  return name == u"TV Shows" || name == u"iPod Games" || (paths.isEmpty() && name == kNoPlaylist);
+}
+
+} // namespace
+
+DropIntake::DropIntake(FileSystem &files, TransferBoard &board, MessageLog &log, Strings &strings,
+                       const Session &session, View &view, Desktop &desktop, Hooks hooks)
+    : m_files(files), m_board(board), m_log(log), m_strings(strings), m_session(session), m_view(view),
+      m_desktop(desktop), m_hooks(std::move(hooks)) {}
+
+void DropIntake::setReady() {
+  m_ready = true;
+  for (const auto &handling : std::exchange(m_waiting, {})) {
+    handling();
+  }
+}
+
+void DropIntake::whenReady(std::function<void()> handling) {
+  if (m_ready) {
+    handling();
+  } else {
+    m_waiting.push_back(std::move(handling));
+  }
+}
+
+void DropIntake::handleiTunesDragAndDrop(const Notification &notification) {
+  whenReady([this, notification] {
+    guarded(u"handleiTunesDragAndDrop"_s, [&] { handleMusic(notification); });
+  });
+}
+
+void DropIntake::handleiPhotoDragAndDrop(const Notification & /*notification*/) {
+  whenReady([this] { guarded(u"handleiPhotoDragAndDrop"_s, [this] { refuseKind(); }); });
+}
+
+void DropIntake::handleSafariDragAndDrop(const Notification & /*notification*/) {
+  whenReady([this] { guarded(u"handleSafariDragAndDrop"_s, [this] { refuseKind(); }); });
+}
+
+void DropIntake::openFiles() {
+  open();
+  m_view.windowFrontCentre();
+  m_hooks.killTrackChuteAndLaunch();
+}
+
+void DropIntake::guarded(const QString &operation, const std::function<void()> &handling) {
+  try {
+    open();
+    handling();
+  } catch (const std::exception &exception) {
+    logException(m_desktop, operation, exception);
+    m_view.alert(m_strings.text(u"ExceptionText"_s), m_strings.text(u"ErrorDrag"_s));
+    m_hooks.dropsFinished(1);
+  }
+}
+
+void DropIntake::open() {
+  m_view.attention();
+  m_strings.reload();
+  if (m_board.transferComplete()) {
+    m_log.clear();
+  }
+}
+
+void DropIntake::showNotConnected() {
+  m_view.selectTab(Tab::Connection);
+  m_view.setDockIcon(u"Disconnect"_s);
+  m_view.setProgressBar(0);
+  m_view.windowFrontCentre();
+}
+
+void DropIntake::refuseKind() {
+  m_log.showOnly(m_strings.text(u"Message12"_s));
+  m_view.windowFrontCentre();
+  m_hooks.dropsFinished(1);
+}
+
+void DropIntake::handleMusic(const Notification &notification) {
+  const QStringList paths = notification.userInfo.value(u"draggedFiles"_s).toStringList();
+  QString name = notification.object;
+  if (!m_hooks.isConnected()) {
+    showNotConnected();
+    m_hooks.dropsFinished(1);
+    return;
+  }
+  if (isNotTransferable(name, paths)) {
+    m_log.showOnly(m_strings.text(u"Message12"_s));
+    m_view.windowFrontCentre();
+    handOver({});
+    return;
+  }
+  if (name.startsWith(kFrame) && m_session.deviceName() == kAuralis5) {
+    name = kNoPlaylist.toString();
+  }
+  handOver(dropOf(name, paths));
+}
+
+Drop DropIntake::dropOf(const QString &name, const QStringList &paths) {
+  Drop drop;
+  if (!isColourMarker(name) && name != kNoPlaylist) {
+    drop.purgedPlaylist = name;
+  }
+  for (const QString &path : paths) {
+    if (name == kFinder || m_files.presence(path) != Presence::Absent) {
+      addFile(drop, name, path);
+    } else if (path.startsWith(kRadioPrefix)) {
+      drop.items.append({QueueEntry::Kind::Radio, path, {}});
+    }
+  }
+  if (!drop.pictureRecords.isEmpty()) {
+    drop.pictureRecords.append(PlaylistInfo()); // the end of the album
+    drop.hasVideoOrPicture = true;
+  }
+  return drop;
+}
+
+void DropIntake::addFile(Drop &drop, const QString &name, const QString &path) {
+  const bool isRadio = path.startsWith(kRadioPrefix);
+  drop.items.append({isRadio ? QueueEntry::Kind::Radio : QueueEntry::Kind::Path, path, {}});
+  if (name == kFinder || isRadio) {
+    return;
+  }
+  const FileType type = fileTypeOf(pathExtension(path));
+  if (type == FileType::Sound) {
+    drop.tracks.append(path);
+    drop.musicRecords.append({name, path, {}, {}, u"N"_s}); // the worker names it
+  } else if (type == FileType::PhotoOrVideo && name == kNoPlaylist) {
+    drop.hasVideoOrPicture = true;
+  } else if (type == FileType::PhotoOrVideo) {
+    drop.pictureRecords.append({pictureAlbumName(name), path, {}, path, u"N"_s});
+  }
+}
+
+QString DropIntake::pictureAlbumName(const QString &name) const {
+  const QStringList pieces = name.split(kFrame.toString());
+  if (m_session.deviceName() == kVaultbox1 && pieces.size() >= 2) {
+    return pieces[1];
+  }
+  return colourNameOfMarker(name);
+}
+
+void DropIntake::handOver(const Drop &drop) {
+  switch (m_board.offer(drop)) {
+  case DropAnswer::Started:
+    m_view.setProgressBar(0);
+    m_view.transferStateChanged();
+    m_hooks.startTransfer();
+    break;
+  case DropAnswer::Refused:
+    m_log.showOnly(m_strings.text(u"Message11"_s));
+    m_view.windowFrontCentre();
+    m_hooks.dropsFinished(1);
+    break;
+  case DropAnswer::Appended:
+  case DropAnswer::Waiting:
+    break;
+  }
+}
+
+} // namespace sonorel

@@ -1,0 +1,68 @@
+// Turns the drop agent's notifications into queued work: one drag becomes one Drop, which the board takes whole or
+// refuses whole. Reads no tags, so that a drop of many thousand paths is queued at once; the worker names them.
+// Controller's thread; looks at the dropped files, never at the share beyond asking whether it is there.
+#pragma once
+
+#include "core/state/MessageLog.h"
+#include "core/state/Session.h"
+#include "core/state/Strings.h"
+#include "core/state/TransferBoard.h"
+#include "core/state/View.h"
+#include "platform/Desktop.h"
+#include "platform/FileSystem.h"
+#include "platform/Notifications.h"
+
+#include <functional>
+#include <vector>
+
+namespace sonorel {
+
+class DropIntake {
+public:
+  // What the intake asks of other roles.
+  struct Hooks {
+    std::function<bool()> isConnected;
+    std::function<void()> startTransfer;
+    std::function<void()> killTrackChuteAndLaunch;
+    std::function<void(quint32)> dropsFinished; // for a drop that reached no transfer
+  };
+
+  // All references must outlive the object.
+  DropIntake(FileSystem &files, TransferBoard &board, MessageLog &log, Strings &strings, const Session &session,
+             View &view, Desktop &desktop, Hooks hooks);
+
+  // Drops that come before wait, and are handled now in their order.
+  void setReady();
+
+  void handleiTunesDragAndDrop(const Notification &notification);
+  // Albums of pictures and bookmarks are not carried yet: the user is told so, nothing is queued.
+  void handleiPhotoDragAndDrop(const Notification &notification);
+  void handleSafariDragAndDrop(const Notification &notification);
+  // Files opened with the application: the agent is restarted, the paths are not queued here.
+  void openFiles();
+
+private:
+  void whenReady(std::function<void()> handling);
+  void guarded(const QString &operation, const std::function<void()> &handling);
+  void open(); // what every drag begins with
+  void showNotConnected();
+  void handleMusic(const Notification &notification);
+  void refuseKind();
+  [[nodiscard]] Drop dropOf(const QString &name, const QStringList &paths);
+  void addFile(Drop &drop, const QString &name, const QString &path);
+  [[nodiscard]] QString pictureAlbumName(const QString &name) const;
+  void handOver(const Drop &drop);
+
+  FileSystem &m_files;
+  TransferBoard &m_board;
+  MessageLog &m_log;
+  Strings &m_strings;
+  const Session &m_session;
+  View &m_view;
+  Desktop &m_desktop;
+  Hooks m_hooks;
+  bool m_ready = false;
+  std::vector<std::function<void()>> m_waiting;
+};
+
+} // namespace sonorel

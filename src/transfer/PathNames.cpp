@@ -1,0 +1,39 @@
+#include "transfer/PathNames.h"
+
+namespace sonorel {
+
+namespace {
+
+qsizetype dotBeforeExtension(const QString &name) {
+  const qsizetype dot = name.lastIndexOf(u'.');
+  return dot > 0 ? dot : -1;
+}
+
+} // namespace
+
+QString lastPathComponent(const QString &path) {
+  qsizetype end = path.size();
+  while (end > 0 && path[end - 1] == u'/') {
+    --end;
+  }
+  const qsizetype slash = end > 0 ? path.lastIndexOf(u'/', end - 1) : -1;
+  return path.mid(slash + 1, end - slash - 1);
+}
+
+QString pathExtension(const QString &path) {
+  const QString name = lastPathComponent(path);
+  const qsizetype dot = dotBeforeExtension(name);
+  return dot < 0 ? QString() : name.mid(dot + 1);
+}
+
+QString nameWithoutExtension(const QString &path) {
+  const QString name = lastPathComponent(path);
+  const qsizetype dot = dotBeforeExtension(name);
+  return dot < 0 ? name : name.left(dot);
+}
+
+QString withExtension(const QString &name, const QString &extension) {
+  return extension.isEmpty() ? name : name + u'.' + extension;
+}
+
+} // namespace sonorel

@@ -1,0 +1,265 @@
+#include "transfer/TransferDriver.h"
+
+#include "core/state/Report.h"
+#include "transfer/PathNames.h"
+#include "transfer/TrackNames.h"
+
+#include <QScopeGuard>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel {
+
+namespace {
+
+constexpr quint64 kSmallestSound = 0x1FFFF; // a sound file must be larger
+constexpr quint64 kSmallestWav = 0x4FFFFF;
+constexpr int kArtworkBeside = 2;
+
+} // namespace
+
+struct TransferDriver::Item {
+  QString path;
+  QString extension;
+  QString name; // last path component
+  bool isAppleLossless = false;
+  int hierarchyFlag = 0;
+};
+
+TransferDriver::TransferDriver(const TransferTools &tools, Transfer &transfer, MessageLog &log, Strings &strings,
+                               const Session &session, View &view, Worker &worker, ShareFolders folders,
+                               QString mainDictPath, Hooks hooks)
+    : m_tools(tools), m_transfer(transfer), m_log(log), m_strings(strings), m_session(session), m_view(view),
+      m_worker(worker), m_folders(std::move(folders)), m_mainDictPath(std::move(mainDictPath)),
+      m_hooks(std::move(hooks)) {}
+
+void TransferDriver::startTransfer() {
+  m_worker.start([this](std::stop_token stop) { transferToVaultbox(std::move(stop)); });
+}
+
+void TransferDriver::transferToVaultbox(std::stop_token stop) {
+  m_stop = stop;
+  m_transfer.setStopToken(stop);
+  for (bool again = true; again;) {
+    try {
+      again = runTransfer();
+    } catch (const std::exception &exception) {
+      cleanUpAfterException(exception);
+      again = m_tools.board.state() == TransferState::Running && !stop.stop_requested();
+    }
+  }
+}
+
+// True when a drop waited and is to be carried now.
+bool TransferDriver::runTransfer() {
+  m_view.selectTab(Tab::Transfer);
+  m_tools.board.fileIndex = 0;
+  m_trackCounter = 0;
+  m_place = 0;
+  m_transferred = {};
+  m_showTransferCompleteMessage = false;
+  m_tools.metadata.clear();
+  m_log.startNew();
+  m_view.transferStateChanged();
+  m_view.setDockIcon(u"Transfer"_s);
+  if (!carryQueue()) {
+    endForSleep();
+    return false;
+  }
+  endTransfer();
+  finishTransferHandler();
+  return m_tools.board.state() == TransferState::Running && !m_stop.stop_requested();
+}
+
+bool TransferDriver::carryQueue() {
+  TransferBoard &board = m_tools.board;
+  for (;;) {
+    const qsizetype index = board.fileIndex;
+    const auto entry = board.at(index);
+    if (!entry) {
+      if (board.endWhenNothingAt(index)) {
+        return true;
+      }
+      continue;
+    }
+    const After after = carryItem(*entry);
+    if (after == After::Slept) {
+      return false;
+    }
+    if (after == After::Ending) {
+      board.beginEnding();
+      return true;
+    }
+    m_place += entry->places();
+    board.fileIndex = index + 1;
+  }
+}
+
+TransferDriver::After TransferDriver::carryItem(const QueueEntry &entry) {
+  Item item{entry.item, pathExtension(entry.item), lastPathComponent(entry.item)};
+  m_transfer.isValidFile(item.extension);
+  if (entry.kind == QueueEntry::Kind::Radio) {
+    reportRadio(entry.item);
+    return After::NextItem;
+  }
+  if (!m_transfer.isBookmarkFileType() && m_tools.files.presence(item.path) != Presence::Present) {
+    if (!m_hooks.isConnected()) {
+      return shareLost(u"Disconnect"_s);
+    }
+    reportMissing(item.path);
+    return After::NextItem;
+  }
+  if (m_tools.board.manualSleepWasConnected) {
+    return After::Slept;
+  }
+  if (m_tools.board.isCancel || m_stop.stop_requested()) {
+    return After::Ending;
+  }
+  m_view.setEnableDisableCancelBtn(true);
+  m_view.setHighlightCancelBtn(true);
+  m_view.setLanguageEnabled(false);
+  m_transfer.isValidFile(item.extension);
+  item.isAppleLossless =
+      item.extension.compare(u"m4a", Qt::CaseInsensitive) == 0 && checkAppleLossless(item.path);
+  if (m_tools.board.track(m_trackCounter) == item.path) {
+    ++m_trackCounter;
+    item.hierarchyFlag = 1;
+  }
+  if (m_trackCounter == 1) {
+    m_hooks.enableCFLLimits();
+  }
+  After after = After::NextItem;
+  if (m_transfer.isSoundFileType() && !item.isAppleLossless) {
+    after = carrySound(item);
+  } else {
+    rejectItem(item);
+  }
+  if (after == After::NextItem) {
+    setProgress(static_cast<double>(m_place + entry.places()) * 100.0 / static_cast<double>(m_tools.board.places()));
+  }
+  return after;
+}
+
+TransferDriver::After TransferDriver::carrySound(const Item &item) {
+  const auto clearFlag = qScopeGuard([this] { m_transfer.setSoundFileType(false); });
+  try {
+    if (isVaultboxDiskFree(item.path)) {
+      return copySound(item);
+    }
+    return m_isNetworkAlive ? diskFull() : shareLost(u"Disconnect"_s);
+  } catch (const std::exception &exception) {
+    return exceptionInSound(exception);
+  }
+}
+
+TransferDriver::After TransferDriver::copySound(const Item &item) {
+  const auto facts = m_tools.files.attributes(item.path, Links::Follow);
+  const quint64 size = facts ? facts->size : 0;
+  const bool isWav = item.extension == u"wav";
+  if (size <= kSmallestSound && !isWav) {
+    showMessage(withFileName(message(u"Message15"_s), item.name));
+    m_view.windowFrontCentre();
+    return After::NextItem;
+  }
+  if (isWav && size <= kSmallestWav) {
+    showMessage(withFileName(message(u"Message7"_s), item.name));
+    m_view.windowFrontCentre();
+    return After::NextItem;
+  }
+  const QString changedSongName = changeSongFileName(item.path, m_tools.metadata.tags(item.path));
+  // What is seen of the record until the track stands on the share.
+  m_tools.board.updateRecords(false, item.path, [&changedSongName](PlaylistInfo &record) {
+    if (record.songTransferFlag != u"Y") {
+      record.destinationSongName = changedSongName;
+    }
+  });
+  const int artworkMode = m_session.deviceName() == kVaultbox1 ? 0 : kArtworkBeside;
+  if (m_transfer.transferSoundFile(item.path, changedSongName, artworkMode, item.hierarchyFlag)) {
+    m_transferred.soundFileTransferred = true;
+    m_showTransferCompleteMessage = true;
+    return After::NextItem;
+  }
+  const bool shareIsThere = m_tools.files.presence(m_folders.system()) == Presence::Present;
+  if (!shareIsThere && !m_tools.board.isCancel) {
+    return shareLost(u"Connect"_s);
+  }
+  if (m_transfer.settledOnIdenticalFile() || isAlreadyOnTheServer(item)) {
+    m_showTransferCompleteMessage = true;
+    return After::NextItem;
+  }
+  m_log.appendSeparator();
+  showMessage(withFileName(message(u"Message10"_s), item.name));
+  return After::NextItem;
+}
+
+bool TransferDriver::isVaultboxDiskFree(const QString &sourcePath) {
+  const QString vaultboxDiskPath = m_folders.share();
+  const auto facts = m_tools.files.attributes(sourcePath, Links::NoFollow);
+  const auto volume = m_tools.files.volume(vaultboxDiskPath);
+  m_isNetworkAlive = m_hooks.isConnected();
+  return facts && volume && volume->mountRoot == vaultboxDiskPath && facts->size < volume->freeBytes;
+}
+
+bool TransferDriver::checkAppleLossless(const QString &path) {
+  const auto tags = m_tools.metadata.tags(path);
+  if (!tags) {
+    m_tools.desktop.log(path + u"... File has no metadata inside AppleLossless!"_s);
+    return false;
+  }
+  return !tags->codecs.isEmpty() && tags->codecs.constFirst() == u"Apple Lossless";
+}
+
+bool TransferDriver::isAlreadyOnTheServer(const Item &item) {
+  for (const QString &candidate : serverCandidates(item)) {
+    if (m_transfer.isFileAlreadyExistsOnVaultbox1(item.path, candidate)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+QStringList TransferDriver::serverCandidates(const Item &item) {
+  const auto tags = m_tools.metadata.tags(item.path);
+  const QString base = m_folders.music();
+  const QString hierarchy = hierarchyFolder(item.path, item.hierarchyFlag == 1);
+  const QString newName = cleanedName(changeSongFileName(item.path, tags));
+  const QString olderName = cleanedName(changeSongFileNameOlderWay(item.path, tags));
+  const QString parenthesised = withExtension(u'(' + nameWithoutExtension(item.path) + u')', item.extension);
+  const QString shortened = shortenedRelativeName(hierarchy + newName);
+  const QString folder = shortened.left(shortened.lastIndexOf(u'/') + 1);
+  return {base + shortened,
+          base + folder + item.name,
+          base + withinNameLimit(folder + parenthesised),
+          base + newName,
+          base + item.name,
+          base + withinNameLimit(parenthesised),
+          base + olderName,
+          base + shortenedRelativeName(hierarchy + olderName)};
+}
+
+void TransferDriver::rejectItem(const Item &item) {
+  const QString quoted = u'"' + item.name + u'"';
+  if (item.isAppleLossless) {
+    showMessage(quoted + withProductName(message(u"Message9"_s), m_session.deviceName()));
+    m_view.windowFrontCentre();
+    return;
+  }
+  if (item.extension == u"m4p") {
+    showMessage(quoted + message(u"Message8"_s));
+    m_view.windowFrontCentre();
+    return;
+  }
+  showMessage(withFileName(message(u"Message5"_s), item.name));
+}
+
+void TransferDriver::reportMissing(const QString &path) {
+  showMessage(withFileName(message(u"Message13"_s), lastPathComponent(path)));
+}
+
+void TransferDriver::reportRadio(const QString &item) {
+  showMessage(withFileName(message(u"Message14"_s), item.mid(kRadioPrefix.size())));
+  m_view.selectTab(Tab::Transfer);
+  m_view.windowFrontCentre();
+}
+
+} // namespace sonorel

@@ -1,0 +1,93 @@
+// Carries the queue onto the share, item by item, and tells the server at the end. transferToVaultbox is the worker's
+// body, a plain blocking function over interfaces: it ends at the end of the queue, on cancel, when the share is lost
+// or full, when the machine goes to sleep, and when the program quits (its stop token). Everything that a person sees
+// goes through View, without waiting. Read next: Transfer.h, TransferBoard.h.
+#pragma once
+
+#include "core/state/MessageLog.h"
+#include "core/state/Session.h"
+#include "core/state/Strings.h"
+#include "core/state/View.h"
+#include "link/ClientMessages.h"
+#include "platform/Worker.h"
+#include "transfer/Transfer.h"
+
+#include <functional>
+
+namespace sonorel {
+
+class TransferDriver {
+public:
+  // What the driver asks of other roles.
+  struct Hooks {
+    std::function<bool()> isConnected; // of a fresh connection
+    std::function<void()> enableCFLLimits;
+    std::function<bool(bool photos)> sendMetaDataForPlaylist; // false: something was not written
+    std::function<void(const TransferredKinds &)> sendMetaDataForTransferredFiles;
+    std::function<void(quint32)> dropsFinished;
+  };
+
+  // All references must outlive the object. mainDictPath is removed at the end of every transfer.
+  TransferDriver(const TransferTools &tools, Transfer &transfer, MessageLog &log, Strings &strings,
+                 const Session &session, View &view, Worker &worker, ShareFolders folders, QString mainDictPath,
+                 Hooks hooks);
+
+  // After the board has taken a drop that started a transfer. Returns at once.
+  void startTransfer();
+  void transferToVaultbox(std::stop_token stop);
+
+  // The source fits into the share's free space. Looks whether the share is there at all.
+  [[nodiscard]] bool isVaultboxDiskFree(const QString &sourcePath);
+  [[nodiscard]] bool checkAppleLossless(const QString &path);
+
+private:
+  enum class After { NextItem, Ending, Slept };
+  struct Item;
+
+  [[nodiscard]] bool runTransfer();
+  [[nodiscard]] bool carryQueue(); // false: the machine went to sleep
+  [[nodiscard]] After carryItem(const QueueEntry &entry);
+  [[nodiscard]] After carrySound(const Item &item);
+  [[nodiscard]] After copySound(const Item &item);
+  void rejectItem(const Item &item);
+  void reportMissing(const QString &path);
+  void reportRadio(const QString &item);
+  [[nodiscard]] bool isAlreadyOnTheServer(const Item &item);
+  [[nodiscard]] QStringList serverCandidates(const Item &item);
+
+  // --- ways out ---
+  After shareLost(const QString &iconImageType);
+  After diskFull();
+  After exceptionInSound(const std::exception &exception);
+  void endForSleep();
+  void endTransfer();
+  void finishTransferHandler();
+  void cleanUpAfterException(const std::exception &exception);
+
+  // --- messages ---
+  [[nodiscard]] QString message(const QString &key);
+  void showMessage(const QString &text); // appended, shown, then the line end
+  [[nodiscard]] bool appendRemainingList();
+  void setProgress(double percent);
+
+  TransferTools m_tools;
+  Transfer &m_transfer;
+  MessageLog &m_log;
+  Strings &m_strings;
+  const Session &m_session;
+  View &m_view;
+  Worker &m_worker;
+  const ShareFolders m_folders;
+  const QString m_mainDictPath;
+  Hooks m_hooks;
+
+  // One transfer; worker thread.
+  std::stop_token m_stop;
+  TransferredKinds m_transferred;
+  bool m_showTransferCompleteMessage = false;
+  bool m_isNetworkAlive = false;
+  qsizetype m_trackCounter = 0;
+  qsizetype m_place = 0; // of the current item in `sharedFileQ`, where a bookmark pair takes two
+};
+
+} // namespace sonorel

@@ -1,0 +1,164 @@
+// The driver's ways out, and the messages that go with them.
+#include "core/state/Report.h"
+#include "transfer/PathNames.h"
+#include "transfer/TransferDriver.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel {
+
+namespace {
+
+constexpr std::chrono::milliseconds kPauseBeforeEnding{1000};
+
+} // namespace
+
+TransferDriver::After TransferDriver::shareLost(const QString &iconImageType) {
+  m_log.appendSeparator();
+  m_log.append(message(u"Message1"_s) + u'\n');
+  if (appendRemainingList()) {
+    m_log.show();
+  }
+  m_view.windowFrontCentre();
+  setProgress(100);
+  m_view.setDockIcon(iconImageType);
+  return After::Ending;
+}
+
+TransferDriver::After TransferDriver::diskFull() {
+  m_log.appendSeparator();
+  m_log.append(withProductName(message(u"Message2"_s), m_session.deviceName()) + u'\n');
+  if (appendRemainingList()) {
+    m_log.show();
+  }
+  m_view.windowFrontCentre();
+  setProgress(100);
+  return After::Ending;
+}
+
+TransferDriver::After TransferDriver::exceptionInSound(const std::exception &exception) {
+  logException(m_tools.desktop, u"transferToVaultbox"_s, exception);
+  m_isNetworkAlive = m_hooks.isConnected();
+  if (m_isNetworkAlive) {
+    return After::NextItem;
+  }
+  m_log.appendSeparator();
+  m_log.append(message(u"Message1"_s) + u'\n');
+  if (appendRemainingList()) {
+    m_log.show();
+  }
+  m_view.stopPulse();
+  setProgress(0);
+  return After::Ending;
+}
+
+void TransferDriver::endForSleep() {
+  m_view.stopPulse();
+  m_view.setDockIcon(m_hooks.isConnected() ? u"Connect"_s : u"Disconnect"_s);
+  m_view.setEnableDisableCancelBtn(false);
+  m_view.setLanguageEnabled(true);
+  m_view.setProgressBar(0);
+  m_hooks.dropsFinished(m_tools.board.acceptedDrops());
+}
+
+void TransferDriver::endTransfer() {
+  TransferBoard &board = m_tools.board;
+  m_view.setLanguageEnabled(true);
+  if (!board.isCancel) {
+    m_tools.clock.sleep(kPauseBeforeEnding, m_stop);
+    m_view.setProgressBar(0);
+    m_view.setEnableDisableCancelBtn(false);
+    m_view.setHighlightCancelBtn(false);
+    const bool connected = m_hooks.isConnected();
+    if (!connected) {
+      m_view.selectTab(Tab::Transfer);
+    }
+    m_view.setDockIcon(connected ? u"Connect"_s : u"Disconnect"_s);
+    board.clearQueue();
+  }
+  for (const bool photos : {true, false}) {
+    if (board.hasRecords(photos)) {
+      if (!m_hooks.sendMetaDataForPlaylist(photos)) {
+        m_tools.desktop.log(u"The favourites of this transfer could not be written."_s);
+      }
+      board.clearRecords(photos);
+    }
+  }
+  m_hooks.sendMetaDataForTransferredFiles(m_transferred);
+}
+
+void TransferDriver::finishTransferHandler() {
+  TransferBoard &board = m_tools.board;
+  m_strings.reload();
+  if (board.isCancel) {
+    m_log.showOnly(m_log.viewText() + m_strings.text(u"Message3"_s));
+    (void)board.takeVideoPresent();
+  } else if (m_showTransferCompleteMessage) {
+    QString text = m_log.viewText();
+    if (!text.isEmpty()) {
+      text += u'\n';
+    }
+    if (board.takeVideoPresent()) {
+      text += m_strings.text(u"Message16"_s) + u'\n';
+    }
+    m_log.showOnly(text + m_strings.text(u"Message6"_s));
+  }
+  m_view.setEnableDisableCancelBtn(false);
+  try {
+    if (m_tools.files.presence(m_mainDictPath) == Presence::Present) {
+      m_tools.files.removeFile(m_mainDictPath);
+    }
+  } catch (const Failure &failure) {
+    m_tools.desktop.log(u"The main dictionary could not be removed: "_s + failure.reason());
+  }
+  m_hooks.dropsFinished(board.acceptedDrops());
+  (void)board.finish();
+  m_view.transferStateChanged();
+  m_view.transferComplete();
+}
+
+// The client stays usable: everything that the end handler clears is cleared, without a closing line. The records
+// that are "Y" go out with the next transfer.
+void TransferDriver::cleanUpAfterException(const std::exception &exception) {
+  logException(m_tools.desktop, u"transferToVaultbox"_s, exception);
+  m_view.setLanguageEnabled(true);
+  m_view.stopPulse();
+  m_view.setProgressBar(0);
+  m_view.setEnableDisableCancelBtn(false);
+  m_view.setHighlightCancelBtn(false);
+  m_view.setDockIcon(m_hooks.isConnected() ? u"Connect"_s : u"Disconnect"_s);
+  m_hooks.dropsFinished(m_tools.board.acceptedDrops());
+  (void)m_tools.board.finish();
+  m_view.transferStateChanged();
+  m_view.transferComplete();
+}
+
+QString TransferDriver::message(const QString &key) {
+  m_strings.reload();
+  return m_strings.text(key);
+}
+
+void TransferDriver::showMessage(const QString &text) {
+  m_log.append(text);
+  m_log.show();
+  m_log.append(u"\n"_s);
+}
+
+bool TransferDriver::appendRemainingList() {
+  const QList<QueueEntry> remaining = m_tools.board.entriesFrom(m_tools.board.fileIndex);
+  QString lines;
+  for (const QueueEntry &entry : remaining) {
+    lines += entry.kind == QueueEntry::Kind::Radio ? entry.item.mid(kRadioPrefix.size()) : lastPathComponent(entry.item);
+    lines += u'\n';
+  }
+  m_log.append(lines);
+  return !remaining.isEmpty();
+}
+
+void TransferDriver::setProgress(double percent) {
+  if (!m_tools.board.isCancel) {
+    m_view.setProgressBar(percent);
+  }
+}
+
+} // namespace sonorel
