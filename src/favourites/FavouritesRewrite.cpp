@@ -91,6 +91,10 @@ std::optional<FileAttributes> FavouritesRewrite::Turn::current() {
   auto found = m_owner.m_tools.files.attributes(m_path, Links::Follow);
   if (!found) {
     m_owner.requireShare();
+    // A second opinion: this answer decides whether a fresh file is made.
+    if (m_owner.m_tools.files.list(m_owner.m_folders.system()).contains(m_name)) {
+      throw Failure(u"it cannot be told whether %1 is there"_s.arg(m_name), FailureKind::Unknown);
+    }
   } else if (found->kind != FileKind::File) {
     throw Failure(m_name + u" is no file"_s, FailureKind::Unknown);
   }

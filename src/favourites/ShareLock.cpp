@@ -76,8 +76,9 @@ void ShareLock::waitForHolder(const QByteArray &ownMark, std::stop_token stop) {
       return; // gone, or somebody else's turn: begin again
     }
     // The share's clock need not be ours: a lock that was watched for as long counts as well.
-    const bool old = m_tools.clock.nowSeconds() - attributes->modifiedSeconds >= kStaleAfter.count() ||
-                     m_tools.clock.monotonicNow() - start >= kStaleAfter;
+    const std::chrono::seconds limit = holder->isEmpty() ? kStaleWhenEmptyAfter : kStaleAfter;
+    const bool old = m_tools.clock.nowSeconds() - attributes->modifiedSeconds >= limit.count() ||
+                     m_tools.clock.monotonicNow() - start >= limit;
     if (old || holder->startsWith(ownMark + '/')) {
       m_tools.desktop.log(u"The lock of the favourites was left by a client that ended; it is removed."_s);
       m_tools.files.removeFile(m_path);

@@ -16,6 +16,7 @@ namespace sonorel {
 class ShareLock {
 public:
   static constexpr std::chrono::seconds kStaleAfter{60};
+  static constexpr std::chrono::seconds kStaleWhenEmptyAfter{5}; // its client ended between making and filling it
   static constexpr std::chrono::milliseconds kPollInterval{500};
 
   struct Tools {

@@ -13,8 +13,8 @@ class DroppedPathsTest : public testing::Test {
 protected:
   test::FakeDesktop desktop;
   FromOutside fromOutside = [](const QString &path, QString *reason) -> std::optional<QString> {
-    if (path.startsWith(u"/own/"_s)) {
-      *reason = u"it is the client's own"_s;
+    if (!path.startsWith(u'/') || path.startsWith(u"/own/"_s)) {
+      *reason = u"not welcome: "_s + path;
       return std::nullopt;
     }
     return QString(path).replace(u"//"_s, u"/"_s);
@@ -40,10 +40,10 @@ TEST_F(DroppedPathsTest, RefusesWhatIsNoAbsolutePathAndSaysSo) {
   const auto notification = cleaned({u"music/x.mp3"_s, u"/y.mp3"_s, u"file:///z.mp3"_s, u"/own/secret"_s, QString()});
   ASSERT_TRUE(notification);
   EXPECT_EQ(notification->userInfo.value(u"draggedFiles"_s).toStringList(), (QStringList{u"/y.mp3"_s}));
-  EXPECT_EQ(desktop.lines, (QStringList{u"a dropped item was refused: it is not an absolute path: music/x.mp3"_s,
-                                        u"a dropped item was refused: it is not an absolute path: file:///z.mp3"_s,
-                                        u"a dropped item was refused: it is the client's own: /own/secret"_s,
-                                        u"a dropped item was refused: it is not an absolute path: "_s}));
+  EXPECT_EQ(desktop.lines, (QStringList{u"a dropped item was refused: not welcome: music/x.mp3"_s,
+                                        u"a dropped item was refused: not welcome: file:///z.mp3"_s,
+                                        u"a dropped item was refused: not welcome: /own/secret"_s,
+                                        u"a dropped item was refused: not welcome: "_s}));
 }
 
 TEST_F(DroppedPathsTest, NothingLeftIsNoDrop) {

@@ -178,6 +178,18 @@ TEST(BinaryPropertyListGuard, RefusesObjectsThatLieOutside) {
   EXPECT_REFUSED(binaryListOf({QByteArray("\x00", 1)}), "unknown object");
 }
 
+TEST(BinaryPropertyListGuard, RefusesTextsThatTheParserCannotHold) {
+  const auto withKey = [](const QByteArray &key) {
+    return binaryListOf({QByteArray("\xD1\x01\x02", 3), key, "\x09"});
+  };
+  EXPECT_EQ(refusalOf(withKey(QByteArray("\x63\x00\xE9\xD8\x3C\xDF\xB5", 7))), QString());
+  EXPECT_REFUSED(withKey(QByteArray("\x52\x00\x61", 3)), "cannot hold");
+  EXPECT_REFUSED(withKey("\x51\xE9"), "cannot hold");
+  EXPECT_REFUSED(withKey(QByteArray("\x61\x00\x00", 3)), "cannot hold");
+  EXPECT_REFUSED(withKey("\x61\xDF\xB5"), "cannot hold");
+  EXPECT_REFUSED(withKey("\x61\xD8\x3C"), "within a character");
+}
+
 TEST(BinaryPropertyListGuard, RefusesAListThatHoldsItself) {
   EXPECT_REFUSED(binaryListOf({QByteArray("\xA1\x00", 2)}), "holds itself");
 }

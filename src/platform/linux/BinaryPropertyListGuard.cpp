@@ -2,6 +2,7 @@
 
 #include "platform/Failure.h"
 
+#include <algorithm>
 #include <vector>
 
 using namespace Qt::Literals::StringLiterals;
@@ -104,10 +105,11 @@ private:
     case 0x8:
       return checkBytes(position, static_cast<quint64>(low) + 1, low <= 7);
     case 0x4:
+      return (void)content(1, low, position);
     case 0x5:
-      return content(1, low, position);
+      return checkAscii(content(1, low, position));
     case 0x6:
-      return content(2, low, position);
+      return checkUtf16(content(2, low, position));
     case 0xA:
       return children(place, low, position, 1);
     case 0xD:
@@ -137,11 +139,30 @@ private:
     return value;
   }
 
-  void content(quint64 unit, int low, quint64 position) {
+  QByteArrayView content(quint64 unit, int low, quint64 position) {
     const quint64 size = count(low, position) * unit;
     require(holds(position, size), u"an object is cut short"_s);
     m_expanded += size;
     require(m_expanded <= static_cast<quint64>(PropertyLists::kSizeLimit), u"the list expands to too many bytes"_s);
+    return m_bytes.sliced(static_cast<qsizetype>(position), static_cast<qsizetype>(size));
+  }
+
+  // The parser keeps texts as C strings and ends the program when a key holds a NUL.
+  void checkAscii(QByteArrayView text) const {
+    const bool valid =
+        std::all_of(text.begin(), text.end(), [](char c) { return static_cast<quint8>(c) - 1U < 0x7FU; });
+    require(valid, u"a text holds a character that it cannot hold"_s);
+  }
+
+  void checkUtf16(QByteArrayView text) const {
+    bool expectsLow = false;
+    for (qsizetype i = 0; i < text.size(); i += 2) {
+      const auto unit = static_cast<char16_t>(static_cast<quint8>(text[i]) << 8 | static_cast<quint8>(text[i + 1]));
+      require(unit != 0 && QChar::isLowSurrogate(unit) == expectsLow,
+              u"a text holds a character that it cannot hold"_s);
+      expectsLow = QChar::isHighSurrogate(unit);
+    }
+    require(!expectsLow, u"a text ends within a character"_s);
   }
 
   void children(const Place &place, int low, quint64 position, quint64 columns) {

@@ -7,6 +7,7 @@ namespace sonorel {
 namespace {
 
 constexpr QStringView kRadio = u"@~Radio";
+constexpr qsizetype kLongestReason = 1024;
 constexpr int kLinesPerDrop = 10; // a drop of 100,000 bad paths does not flood the log
 
 class Cleaner {
@@ -21,12 +22,11 @@ public:
         passed.append(item);
         continue;
       }
-      QString reason = u"it is not an absolute path"_s;
-      const auto path = item.startsWith(u'/') ? m_fromOutside(item, &reason) : std::nullopt;
-      if (path) {
+      QString reason;
+      if (const auto path = m_fromOutside(item, &reason)) {
         passed.append(*path);
       } else {
-        refuse(item, reason);
+        refuse(reason);
       }
     }
     m_passed += passed.size();
@@ -43,9 +43,9 @@ public:
   }
 
 private:
-  void refuse(const QString &item, const QString &reason) {
+  void refuse(const QString &reason) {
     if (++m_refused <= kLinesPerDrop) {
-      m_desktop.log(u"a dropped item was refused: "_s + reason + u": "_s + item.left(1024));
+      m_desktop.log(u"a dropped item was refused: "_s + reason.left(kLongestReason));
     }
   }
 

@@ -10,7 +10,8 @@
 
 namespace sonorel {
 
-// The system's path for a host path; nullopt with a reason for one that is refused.
+// The system's path for a host path; nullopt with a reason that names it for one that is refused, and for anything
+// that is no absolute path.
 using FromOutside = std::function<std::optional<QString>(const QString &hostPath, QString *reason)>;
 
 // The notification with the paths that may pass, in order, radio entries untouched; what is refused is logged.

@@ -7,6 +7,7 @@
 #include <QMetaType>
 #include <QTimeZone>
 
+#include <cmath>
 #include <cstdlib>
 #include <limits>
 
@@ -159,6 +160,9 @@ PlistNode nodeOfValue(const QVariant &value) {
   case QMetaType::LongLong:
     return PlistNode(plist_new_uint(static_cast<uint64_t>(value.toLongLong())));
   case QMetaType::Double:
+    if (!std::isfinite(value.toDouble())) {
+      throw Failure(u"a number that is not finite cannot stand in a property list"_s);
+    }
     return PlistNode(plist_new_real(value.toDouble()));
   case QMetaType::QDateTime:
     return nodeOfDate(value.toDateTime());

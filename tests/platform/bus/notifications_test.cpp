@@ -32,7 +32,9 @@ protected:
                                   loop,
                                   desktop,
                                   {[this] { ++received; }, [this] { ++refused; },
-                                   [](const QString &path, QString *) { return std::optional<QString>(path); }}};
+                                   [](const QString &path, QString *) {
+                                     return path.startsWith(u'/') ? std::optional<QString>(path) : std::nullopt;
+                                   }}};
   QList<Notification> delivered;
 
   ~DBusNotificationsTest() override {

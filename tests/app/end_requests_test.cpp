@@ -1,0 +1,38 @@
+#include "app/EndRequests.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <unistd.h>
+
+namespace sonorel {
+
+namespace {
+
+bool waitUntil(const std::function<bool()> &done) {
+  QElapsedTimer time;
+  time.start();
+  while (!done() && time.elapsed() < 5000) {
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+  }
+  return done();
+}
+
+} // namespace
+
+TEST(EndRequests, EachSignalIsOneRequest) {
+  EndRequests requests;
+  int asked = 0;
+  requests.observe(QDBusConnection::sessionBus(), [&asked] { ++asked; });
+  ::raise(SIGTERM);
+  ASSERT_TRUE(waitUntil([&asked] { return asked == 1; }));
+  ::raise(SIGINT);
+  ASSERT_TRUE(waitUntil([&asked] { return asked == 2; }));
+  EXPECT_GT(::alarm(0), 0U); // after the second one the end comes by itself; not for this test
+}
+
+} // namespace sonorel

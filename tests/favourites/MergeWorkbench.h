@@ -1,0 +1,55 @@
+// The favourites objects of a client with the merge on top, and records of a finished transfer to send.
+#pragma once
+
+#include "FavouritesWorkbench.h"
+#include "favourites/PlaylistMetaData.h"
+
+#include <QHash>
+
+namespace sonorel::test {
+
+inline const QString kLimitsPath = QStringLiteral("/Volumes/VB-SHARE$/System/OrvSpecialFavouriteLimits.orv");
+
+struct MergeWorkbench : FavouritesWorkbench {
+  bool quitAsked = false;
+  bool connected = true;
+  QHash<QString, QString> albums; // album attribute by source path
+  TransferBoard board;
+  ColourLimits limits{files, desktop, standardFolders(), [this] { quitAsked = true; }};
+  FavouritesMerge merge{{files, propertyLists, clock, desktop, settings, session, dictionary, dictionaryFile, rewrite, limits}};
+  PlaylistMetaData metaData{board, merge, settings, session, identifiers, desktop,
+                            {[this] { return connected; }, [this](const QString &path) { return albums.value(path); },
+                             [] { return std::stop_token(); }}};
+
+  explicit MergeWorkbench(FakeFileSystem &fake, const QString &product = QStringLiteral("Auralis 5"))
+      : FavouritesWorkbench(fake, product) {}
+
+  // A transferred track of a playlist.
+  void track(const QString &playlist, const QString &destination, const QString &album = {}) {
+    const QString source = QStringLiteral("/music/") + destination;
+    albums.insert(source, album);
+    records.append({playlist, source, {}, destination, QStringLiteral("Y")});
+  }
+  bool send() {
+    board.replaceRecords(false, std::exchange(records, {}));
+    return metaData.sendMetaDataForPlaylist(false);
+  }
+  // What the server's file holds.
+  [[nodiscard]] FavouriteLists server() { return decodeMusicFavourites(files.bytes(kServerFile), playerOf(session)).lists; }
+  // "ID name: path/type, path/type" for each list.
+  [[nodiscard]] QStringList shown() {
+    QStringList lines;
+    for (const FavouriteList &list : server()) {
+      QStringList titles;
+      for (const FavouriteTitle &title : list.songs) {
+        titles.append(title.songPath + QLatin1Char('/') + title.itemType.value_or(QStringLiteral("-")));
+      }
+      lines.append(list.playlistId + QLatin1Char(' ') + list.playlistName + QStringLiteral(": ") + titles.join(QStringLiteral(", ")));
+    }
+    return lines;
+  }
+
+  QList<PlaylistInfo> records;
+};
+
+} // namespace sonorel::test

@@ -1,0 +1,99 @@
+#include "favourites/ColourLimits.h"
+
+#include "platform/Failure.h"
+#include "support/FakeDesktop.h"
+#include "support/Fixtures.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel::test {
+
+namespace {
+
+const QString kPath = u"/Volumes/VB-SHARE$/System/OrvSpecialFavouriteLimits.orv"_s;
+
+QByteArray limitsFile(const QByteArray &red, const QByteArray &redEnable = "1", const QByteArray &end = "\r\n") {
+  return "GREEN_ENABLED=1" + end + "YELLOW_ENABLED=0" + end + "RED_ENABLED=" + redEnable + end + "BLUE_ENABLED=1" + end +
+         "GREEN_LIMIT=100" + end + "YELLOW_LIMIT=20" + end + "RED_LIMIT=" + red + end + "BLUE_LIMIT=40" + end;
+}
+
+class ColourLimitsTest : public testing::Test {
+protected:
+  ColourLimitsTest() { mountShare(files); }
+  QByteArray redAfter(const QByteArray &before, size_t titles, const QString &type, const QByteArray &enable = "1") {
+    files.put(kPath, limitsFile(before, enable));
+    FavouriteLists lists(4);
+    lists[0].playlistName = u"Red"_s;
+    lists[0].songs.resize(titles);
+    for (FavouriteTitle &title : lists[0].songs) {
+      title.itemType = type;
+    }
+    limits.executeLimitOperatingLogic({u"Red"_s}, lists);
+    const QByteArray file = files.bytes(kPath);
+    const qsizetype at = file.indexOf("RED_LIMIT=") + 10;
+    return file.mid(at, file.indexOf("\r\n", at) - at);
+  }
+
+  FakeFileSystem files;
+  FakeDesktop desktop;
+  int quits = 0;
+  ColourLimits limits{files, desktop, standardFolders(), [this] { ++quits; }};
+};
+
+} // namespace
+
+TEST_F(ColourLimitsTest, LimitsFollowWhatStandsOnTheKey) {
+  EXPECT_EQ(redAfter("50", 9, u"1"_s), "10");
+  EXPECT_EQ(redAfter("50", 12, u"1"_s), "12");
+  EXPECT_EQ(redAfter("50", 150, u"1"_s), "99");
+  EXPECT_EQ(redAfter("50", 1, u"2"_s), "9");
+  EXPECT_EQ(redAfter("50", 3, u"3"_s), "50");
+}
+
+TEST_F(ColourLimitsTest, AKeyAbove99OrDisabledIsLeftAlone) {
+  EXPECT_EQ(redAfter("100", 9, u"1"_s), "100");
+  EXPECT_EQ(redAfter("50", 9, u"1"_s, "0"), "50");
+}
+
+TEST_F(ColourLimitsTest, OnlyTheDigitsAreReplaced) {
+  const QByteArray edited = editedLimits(limitsFile("7"), u"#1#1#1#1#"_s, u"#12#20#7#40#"_s);
+  EXPECT_EQ(edited, "GREEN_ENABLED=1\r\nYELLOW_ENABLED=1\r\nRED_ENABLED=1\r\nBLUE_ENABLED=1\r\n"
+                    "GREEN_LIMIT=12\r\nYELLOW_LIMIT=20\r\nRED_LIMIT=7\r\nBLUE_LIMIT=40\r\n");
+}
+
+TEST_F(ColourLimitsTest, OtherLineEndsAndAByteOrderMarkSurvive) {
+  const QByteArray file = QByteArray("\xEF\xBB\xBF") + limitsFile("100", "1", "\n").chopped(1);
+  const QByteArray edited = editedLimits(file, u"#0#0#0#0#"_s, u"#1#2#3#4#"_s);
+  EXPECT_EQ(edited, "\xEF\xBB\xBFGREEN_ENABLED=0\nYELLOW_ENABLED=0\nRED_ENABLED=0\nBLUE_ENABLED=0\n"
+                    "GREEN_LIMIT=1\nYELLOW_LIMIT=2\nRED_LIMIT=3\nBLUE_LIMIT=4");
+}
+
+TEST_F(ColourLimitsTest, EnablingKeepsTheNumbersAndWritesOnce) {
+  files.put(kPath, limitsFile("7", "0"));
+  limits.enableCFLLimits();
+  EXPECT_EQ(files.bytes(kPath), limitsFile("7").replace("YELLOW_ENABLED=0", "YELLOW_ENABLED=1"));
+  EXPECT_EQ(limits.values()[0], (KeyLimit{1, 7}));
+  const qsizetype writes = files.log().filter(u"write"_s).size();
+  limits.enableCFLLimits();
+  EXPECT_EQ(files.log().filter(u"write"_s).size(), writes);
+}
+
+TEST_F(ColourLimitsTest, WithoutAFileNothingHappens) {
+  EXPECT_FALSE(limits.presentLimitSettings());
+  limits.enableCFLLimits();
+  EXPECT_FALSE(files.exists(kPath));
+  EXPECT_EQ(quits, 0);
+}
+
+TEST_F(ColourLimitsTest, AFileThatLacksAKeyEndsTheProgramAndStaysAsItWas) {
+  const QByteArray damaged = limitsFile("7").replace("BLUE_LIMIT=", "BLUE=");
+  files.put(kPath, damaged);
+  limits.enableCFLLimits();
+  EXPECT_EQ(quits, 1);
+  EXPECT_EQ(files.bytes(kPath), damaged);
+  EXPECT_TRUE(desktop.lines.last().startsWith(u"Exception in ---> <AppController><problem while setting limits(setLimitInOrvFile)> "_s));
+}
+
+} // namespace sonorel::test

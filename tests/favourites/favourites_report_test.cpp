@@ -1,0 +1,83 @@
+#include "favourites/FavouritesReport.h"
+
+#include "HandMade.h"
+#include "support/Printers.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace sonorel;
+using namespace sonorel::test;
+
+namespace {
+
+QByteArray example() {
+  std::vector<QByteArray> records = keyRecords();
+  records.push_back(listRecord("Old", "7", "9", guid('o')));
+  return wholeFile(musicHeader(),
+                   {albums(records), titles({titleRecord("Blue Train", zeros36(), guid('1'), "2")}), titles({}),
+                    titles({}), titles({}),
+                    titles({titleRecord("E:\\vb-share\\Music\\Mac\\Bj\xF6rk\\a.mp3", zeros36(), guid('2'), "1"),
+                            titleRecord("E:\\other\\b.mp3", zeros36(), guid('3'), "5")})});
+}
+
+} // namespace
+
+TEST(FavouritesReport, ShowsAPersonTheListsAndTheirTitles) {
+  EXPECT_EQ(textOf(favouritesReport(example())),
+            u"Music favourites: 5 lists, 3 titles\n"
+            "Version \"FavoriteAlbums-1.2\", texts in Windows-1252, written as {00000000-0000-0000-0000-0000000000AA}\n"
+            "\n1      Red (colour key, 1 album)\n       [album] Blue Train\n"
+            "\n2      Green (colour key, empty)\n"
+            "\n3      Yellow (colour key, empty)\n"
+            "\n4      Blue (colour key, empty)\n"
+            "\n7      Old (2 titles)\n       location \"9\"\n       Bj\u00F6rk\\a.mp3\n"
+            "       E:\\other\\b.mp3  (item type \"5\")\n"_s);
+}
+
+TEST(FavouritesReport, GivesAProgramEverythingAsJson) {
+  const QByteArray json = jsonOf(favouritesReport(wholeFile(
+      musicHeader(), {albums({listRecord("Old", "7", "6", "\x01\x02")}),
+                      titles({titleRecord("E:\\vb-share\\Music\\Mac\\a.mp3", "\x03", "\x04", "1")})})));
+  EXPECT_EQ(json, R"({
+    "departures": [
+    ],
+    "guid": "{00000000-0000-0000-0000-0000000000AA}",
+    "kind": "NetMusicFavorites",
+    "lists": [
+        {
+            "colourKey": false,
+            "guid": "0102",
+            "locationId": "6",
+            "name": "Old",
+            "playlistId": "7",
+            "titles": [
+                {
+                    "checkSum": "03",
+                    "guid": "04",
+                    "itemType": "1",
+                    "path": "a.mp3"
+                }
+            ]
+        }
+    ],
+    "readable": true,
+    "version": "FavoriteAlbums-1.2"
+}
+)");
+}
+
+TEST(FavouritesReport, KnowsVaultbox1FilesAndPhotoFilesByTheirRecords) {
+  const FavouritesReport vaultbox = favouritesReport(
+      wholeFile(musicHeader(), {albums({listRecord("Red", "1", "6", guid('1'))}),
+                                titles({titleOfVaultbox1("E:\\vb-share\\Music\\Mac\\a", zeros36(), guid('2'))})}));
+  EXPECT_FALSE(vaultbox.hasItemTypes);
+  EXPECT_TRUE(vaultbox.file.fitsModel);
+  EXPECT_TRUE(vaultbox.file.oddities.isEmpty());
+  const FavouritesReport photos = favouritesReport(
+      wholeFile(photoHeader(), {albums({listRecord("Rome", "5", "6", guid('1'))}),
+                                titles({titleRecord("E:\\vb-share\\Photo\\Mac\\Rome\\a.jpg", zeros36(), guid('2'), "1")})}));
+  EXPECT_EQ(photos.kind, FavouritesKind::Photos);
+  EXPECT_EQ(photos.file.lists.at(0).songs.at(0).songPath, u"Rome\\a.jpg"_s);
+  EXPECT_TRUE(photos.file.oddities.isEmpty());
+}

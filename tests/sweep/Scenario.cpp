@@ -1,0 +1,64 @@
+#include "Scenario.h"
+
+#include <stdexcept>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel::test {
+
+namespace {
+
+// The names of the files are those that the share's files get, so that a second attempt under the source's own name
+// leads to the same file.
+Dropped newPlaylist(World &world) {
+  return {u"@~Mix@~"_s,
+          {world.track(u"Ann/First/Ann-First-One.mp3"_s), world.track(u"Ann/First/Ann-First-Two.mp3"_s, 'b'),
+           world.track(u"Ben/Second/Ben-Second-Three.m4a"_s, 'c')}};
+}
+
+Dropped changedPlaylist(World &world) {
+  const Dropped before{u"@~Mix@~"_s,
+                       {world.track(u"Ann/First/Ann-First-One.mp3"_s), world.track(u"Ann/First/Ann-First-Two.mp3"_s, 'b'),
+                        world.track(u"Ann/First/Ann-First-Gone.mp3"_s, 'd')}};
+  playUndisturbed(world, before);
+  world.files.erase(before.paths.at(2));
+  return {u"@~Mix@~"_s,
+          {before.paths.at(0), world.track(u"Ann/First/Ann-First-Two.mp3"_s, 'x', 900'000),
+           world.track(u"Ben/Second/Ben-Second-Three.m4a"_s, 'c')}};
+}
+
+Dropped colourKey(World &world) {
+  Dropped dropped = newPlaylist(world);
+  dropped.playlist = u"@!!!Red!!!@"_s;
+  return dropped;
+}
+
+Dropped looseSongs(World &world) {
+  Dropped dropped = newPlaylist(world);
+  dropped.playlist = u"N0PL@YL!ST"_s;
+  return dropped;
+}
+
+} // namespace
+
+const std::vector<Scenario> &scenarios() {
+  static const std::vector<Scenario> all{{"NewPlaylist", newPlaylist, false},
+                                         {"ChangedPlaylist", changedPlaylist, true},
+                                         {"ColourKey", colourKey, false},
+                                         {"LooseSongs", looseSongs, false}};
+  return all;
+}
+
+void playUndisturbed(World &world, const Dropped &dropped) {
+  Client client(world);
+  if (!client.connect()) {
+    throw std::runtime_error("the client is not connected:\n" + client.desktop.lines.join(u'\n').toStdString());
+  }
+  client.drop(dropped);
+  client.settle();
+  if (!client.board.transferComplete()) {
+    throw std::runtime_error("the transfer does not end");
+  }
+}
+
+} // namespace sonorel::test

@@ -1,0 +1,22 @@
+// The drops that the sweeps disturb.
+#pragma once
+
+#include "World.h"
+
+#include <string>
+
+namespace sonorel::test {
+
+struct Scenario {
+  std::string name;
+  // Furnishes the local disk and the share; may let an undisturbed client work first.
+  std::function<Dropped(World &)> prepare;
+  // A title of the favourites from before may be gone while a client that died was replacing its file.
+  bool replacesFiles = false;
+};
+
+[[nodiscard]] const std::vector<Scenario> &scenarios();
+// A client starts, connects, transfers the drop and ends.
+void playUndisturbed(World &world, const Dropped &dropped);
+
+} // namespace sonorel::test

@@ -1,0 +1,164 @@
+#include "ShareState.h"
+
+#include "favourites/FavouritesFile.h"
+#include "favourites/MainDictionaryFile.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel::test {
+
+namespace {
+
+const QStringList kMessages{u"System/ClientConnected.orv"_s, u"System/ClientAlive.orv"_s,
+                            u"System/ClientDisconnected.orv"_s, u"System/NetMusicFileCollection.orv"_s,
+                            u"System/PhotoFileCollection.orv"_s};
+const QStringList kOldTitles{u"red.mp3"_s,       u"green.mp3"_s,     u"yellow.mp3"_s,
+                             u"blue.mp3"_s,      u"Old\\one.mp3"_s,  u"Old\\two.mp3"_s};
+
+QByteArray textOf(const FavouriteLists &lists) {
+  QStringList lines;
+  for (const FavouriteList &list : lists) {
+    QString line = list.playlistName + u':';
+    for (const FavouriteTitle &title : list.songs) {
+      QString path = title.songPath;
+      path.replace(u"@@@@@"_s, u"\\"_s);
+      line += u' ' + path + u'(' + title.itemType.value_or(u"-"_s) + u')';
+    }
+    lines.append(line);
+  }
+  lines.sort();
+  return lines.join(u'\n').toUtf8();
+}
+
+bool isTemporary(const QString &path) {
+  return path.section(u'/', -1).startsWith(u".sonorel-"_s);
+}
+
+} // namespace
+
+QByteArray favouritesText(const World &world) {
+  const auto bytes = world.files.stored(kMusicFavouritesPath.toString());
+  if (!bytes) {
+    return "(absent)";
+  }
+  const DecodedFavourites decoded = decodeMusicFavourites(*bytes, {world.product, false});
+  return textOf(decoded.lists) + decoded.oddities.join(u'\n').toUtf8();
+}
+
+QMap<QString, QByteArray> shareState(World &world) {
+  QMap<QString, QByteArray> state;
+  const auto tree = world.files.tree(kMountPoint.toString());
+  for (auto file = tree.begin(); file != tree.end(); ++file) {
+    if (isTemporary(file.key()) || kMessages.contains(file.key())) {
+      continue;
+    }
+    if (file.key() == u"System/NetMusicFavorites.orv"_s) {
+      state.insert(file.key(), favouritesText(world));
+    } else if (file.key() == u"System/SonorelCFLContents.xml"_s) {
+      state.insert(file.key(), textOf(listsOfDictionary(world.lists.decode(*file).toMap())));
+    } else {
+      state.insert(file.key(), *file);
+    }
+  }
+  return state;
+}
+
+std::string difference(const QMap<QString, QByteArray> &expected, const QMap<QString, QByteArray> &actual) {
+  std::string text;
+  const auto shown = [](const QByteArray &bytes) {
+    return bytes.size() > 2000 ? std::to_string(bytes.size()) + " bytes of " + bytes.left(3).toStdString()
+                               : bytes.toStdString();
+  };
+  for (auto file = expected.begin(); file != expected.end(); ++file) {
+    if (!actual.contains(file.key())) {
+      text += "missing: " + file.key().toStdString() + '\n';
+    } else if (actual.value(file.key()) != *file) {
+      text += "different: " + file.key().toStdString() + "\n--- expected\n" + shown(*file) + "\n--- actual\n" +
+              shown(actual.value(file.key())) + '\n';
+    }
+  }
+  for (auto file = actual.begin(); file != actual.end(); ++file) {
+    if (!expected.contains(file.key())) {
+      text += "too much: " + file.key().toStdString() + '\n';
+    }
+  }
+  return text;
+}
+
+QMap<QString, QByteArray> localState(const World &world) {
+  auto state = world.files.tree(kMusic.toString());
+  for (auto file = state.begin(); file != state.end(); ++file) {
+    *file += ' ' + QByteArray::number(world.files.modified(kMusic.toString() + file.key()));
+  }
+  return state;
+}
+
+bool FavouritesWatch::isComplete(const QByteArray &bytes) {
+  const auto known = m_known.constFind(bytes);
+  if (known != m_known.constEnd()) {
+    return *known;
+  }
+  bool complete = false;
+  try {
+    const DecodedFavourites decoded = decodeMusicFavourites(bytes, {m_world.product, false});
+    QStringList titles;
+    for (const FavouriteList &list : decoded.lists) {
+      for (const FavouriteTitle &title : list.songs) {
+        titles.append(title.songPath);
+      }
+    }
+    complete = decoded.oddities.isEmpty() && decoded.lists.size() >= 5 && titles.contains(u"Old\\one.mp3"_s) &&
+               titles.contains(u"Old\\two.mp3"_s) && titles.contains(u"blue.mp3"_s);
+  } catch (const std::exception &) {
+    complete = false;
+  }
+  m_known.insert(bytes, complete);
+  return complete;
+}
+
+std::string FavouritesWatch::check() {
+  const QString name = u"NetMusicFavorites.orv"_s;
+  const auto server = m_world.files.stored(kMusicFavouritesPath.toString());
+  if (server && isComplete(*server)) {
+    return {};
+  }
+  const auto backup = m_world.files.tree(kBackup.toString());
+  for (auto file = backup.begin(); file != backup.end(); ++file) {
+    const QString found = file.key().section(u'/', -1);
+    if ((found == name + u".next"_s || found == name + u".previous"_s) && isComplete(*file)) {
+      return {};
+    }
+  }
+  return "no complete favourites file: the server's is " + (server ? std::to_string(server->size()) + " bytes" : "absent") +
+         ", the backup holds " + QStringList(backup.keys()).join(u' ').toStdString();
+}
+
+QStringList titlesWithoutFile(World &world) {
+  QStringList missing;
+  const auto bytes = world.files.stored(kMusicFavouritesPath.toString());
+  if (!bytes) {
+    return missing;
+  }
+  const auto tree = world.files.tree(kMountPoint.toString() + u"/Music/Mac"_s);
+  const auto stands = [&](const FavouriteTitle &title) {
+    QString path = title.songPath;
+    path.replace(u'\\', u'/');
+    for (auto file = tree.begin(); file != tree.end(); ++file) {
+      const bool named = title.itemType == u"2"_s ? file.key().section(u'/', -2, -2) == path : file.key() == path;
+      if (named && file->size() == kTrackSize) {
+        return true;
+      }
+    }
+    return false;
+  };
+  for (const FavouriteList &list : decodeMusicFavourites(*bytes, {world.product, false}).lists) {
+    for (const FavouriteTitle &title : list.songs) {
+      if (!kOldTitles.contains(title.songPath) && !stands(title)) {
+        missing.append(title.songPath);
+      }
+    }
+  }
+  return missing;
+}
+
+} // namespace sonorel::test

@@ -1,0 +1,41 @@
+// What must be equal after the same drops, and what must hold at every instant.
+#pragma once
+
+#include "World.h"
+
+#include <QHash>
+#include <QMap>
+
+namespace sonorel::test {
+
+// Files of the share by their paths, without the message files and names beginning ".sonorel-"; favourites and the
+// colour copy as text without GUIDs and numbers, lists in the order of their names.
+[[nodiscard]] QMap<QString, QByteArray> shareState(World &world);
+// The server's favourites as they stand on its disk, as such a text.
+[[nodiscard]] QByteArray favouritesText(const World &world);
+// The differences, for a failure's text; empty when equal.
+[[nodiscard]] std::string difference(const QMap<QString, QByteArray> &expected,
+                                     const QMap<QString, QByteArray> &actual);
+// The user's own files: bytes and times.
+[[nodiscard]] QMap<QString, QByteArray> localState(const World &world);
+
+// Watches the favourites: at every operation a complete file, with all that the user had, is to stand under one of its
+// known names.
+class FavouritesWatch {
+public:
+  explicit FavouritesWatch(World &world) : m_world(world) {}
+  // Empty, or what is wrong now.
+  [[nodiscard]] std::string check();
+
+private:
+  [[nodiscard]] bool isComplete(const QByteArray &bytes);
+
+  World &m_world;
+  QHash<QByteArray, bool> m_known;
+};
+
+// The titles of the server's favourites whose file (for an album: none of whose files) is not on the mounted share
+// whole, except those of the old lists.
+[[nodiscard]] QStringList titlesWithoutFile(World &world);
+
+} // namespace sonorel::test

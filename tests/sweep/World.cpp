@@ -1,0 +1,166 @@
+#include "World.h"
+
+#include "favourites/FavouritesFile.h"
+
+#include <stdexcept>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel::test {
+
+namespace {
+
+constexpr int kTurns = 20'000;  // operations of one settling; a transfer takes a few hundred
+constexpr int kPauses = 20'000; // pauses of one world
+
+FavouriteTitle title(const QString &path, char id) {
+  return {path, QByteArray(36, '\0'), QByteArray(16, id), u"1"_s};
+}
+
+FavouriteList colour(const QString &name, int number, const QString &path) {
+  return {name, QString::number(number), u"6"_s, QByteArray(16, static_cast<char>('A' + number)),
+          {title(path, static_cast<char>('a' + number))}, std::nullopt};
+}
+
+} // namespace
+
+World::World(const QString &productName) : product(productName) {
+  installClient();
+  furnishShare();
+  clock.onSleep = [this] {
+    if (clock.sleeps.size() > kPauses) {
+      throw std::runtime_error("the client pauses without end");
+    }
+  };
+}
+
+void World::installClient() {
+  files.put(kSettings.toString(), shipped(u"App Data/MacClientProperty"_s));
+  installStrings(files);
+  files.makeFolders(kSupport.toString().chopped(1));
+}
+
+void World::furnishShare() {
+  mountShare(files, product);
+  const QString system = kMountPoint.toString() + u"/System/"_s;
+  files.put(kAddressFilePath.toString(), "first line\n00-11-22-33-44-55\n");
+  files.put(system + u"OrvSpecialFavouriteLimits.orv"_s,
+            "GREEN_ENABLED=0\r\nYELLOW_ENABLED=0\r\nRED_ENABLED=0\r\nBLUE_ENABLED=0\r\nGREEN_LIMIT=9\r\n"
+            "YELLOW_LIMIT=9\r\nRED_LIMIT=9\r\nBLUE_LIMIT=9\r\n");
+  const FavouriteLists old{colour(u"Red"_s, 1, u"red.mp3"_s),
+                           colour(u"Green"_s, 2, u"green.mp3"_s),
+                           colour(u"Yellow"_s, 3, u"yellow.mp3"_s),
+                           colour(u"Blue"_s, 4, u"blue.mp3"_s),
+                           {u"@~Old@~"_s, u"5"_s, u"6"_s, QByteArray(16, 'o'),
+                            {title(u"Old\\one.mp3"_s, 'p'), title(u"Old\\two.mp3"_s, 'q')}, std::nullopt}};
+  files.put(kMusicFavouritesPath.toString(),
+            encodeMusicFavourites(old, {product, false}, u"00000000-0000-0000-0000-0000000000FF"_s));
+  files.unmount(kMountPoint.toString());
+  files.erase(kMountPoint.toString());
+}
+
+QString World::track(const QString &path, char seed, qint64 time) {
+  const QString whole = kMusic.toString() + path;
+  files.put(whole, QByteArray(kTrackSize, seed), time);
+  const QStringList parts = path.split(u'/');
+  TrackTags tags;
+  tags.authors = {parts.value(0)};
+  tags.album = parts.value(1);
+  tags.title = parts.last().section(u'.', 0, 0).section(u'-', -1);
+  metadata.set(whole, tags);
+  return whole;
+}
+
+Client::Client(World &in)
+    : world(in), m_settings(world.files, world.lists, kSettings.toString()),
+      m_strings(world.files, world.lists, resourceFolder()),
+      m_log([this](const QString &text) { view.fillMessageLog(text); }),
+      m_connectionTools{world.files, world.processes, world.clock, desktop, m_settings, [] { return std::stop_token(); },
+                        m_isAuthenticationError},
+      m_messages(world.files, desktop, m_strings, view, m_session, m_folders),
+      m_metadata(world.files, world.metadata),
+      m_transferTools{world.files, world.processes, world.clock, desktop, m_metadata, board},
+      m_transfer(m_transferTools, m_folders),
+      m_rewrite({world.files, world.clock, world.identifiers, desktop, m_session}, m_folders,
+                kSupport.toString(), kBackup.toString()),
+      m_dictionaryFile(world.files, world.lists, kSupport.toString() + u"mainDict.xml"_s),
+      m_dictionary({desktop, world.identifiers, m_settings, m_session}, m_rewrite, m_dictionaryFile),
+      m_limits(world.files, desktop, m_folders, [] {}),
+      m_merge({world.files, world.lists, world.clock, desktop, m_settings, m_session, m_dictionary, m_dictionaryFile,
+               m_rewrite, m_limits}),
+      m_playlists(board, m_merge, m_settings, m_session, world.identifiers, desktop,
+                  {[this] { return isConnected(); },
+                   [this](const QString &path) {
+                     const auto tags = m_metadata.tags(path);
+                     return tags ? tags->album : QString();
+                   },
+                   [] { return std::stop_token(); }}),
+      m_driver(m_transferTools, m_transfer, m_log, m_strings, m_session, view, worker, m_folders,
+               kSupport.toString() + u"mainDict.xml"_s,
+               {[this] { return isConnected(); }, [this] { m_limits.enableCFLLimits(); },
+                [this](bool photos) { return m_playlists.sendMetaDataForPlaylist(photos); },
+                [this](const TransferredKinds &kinds) { m_messages.sendMetaDataForTransferredFiles(kinds); },
+                [this](quint32 count) { finishedDrops += count; }}),
+      m_intake(world.files, board, m_log, m_strings, m_session, view, desktop,
+               {[this] { return isConnected(); }, [this] { m_driver.startTransfer(); }, [] {},
+                [this](quint32 count) { finishedDrops += count; }}) {
+  m_settings.load();
+  m_strings.setLanguageFile(u"StringsEnglish"_s);
+  m_session.setDeviceName(world.product);
+  m_session.setUUID(u"{00000000-0000-0000-0000-0000000000AA}"_s);
+  m_session.setIPAddressString(u"10.0.0.5"_s);
+  m_intake.setReady();
+}
+
+bool Client::connect() {
+  board.isCancel = false;
+  board.resetToIdle();
+  if (!Connection(m_connectionTools).connectToVaultbox(u"secret"_s, u"10.0.0.5"_s) || !isConnected()) {
+    return false;
+  }
+  m_session.setHardwareAddress(u"00-11-22-33-44-55"_s);
+  m_messages.send(kClientConnected);
+  m_rewrite.recoverAtConnect();
+  return m_dictionary.validateOrvFile() || true; // a failed validation leaves the connection
+}
+
+void Client::drop(const Dropped &dropped) {
+  loop.post([this, dropped] {
+    m_intake.handleiTunesDragAndDrop({dropped.playlist, {{u"draggedFiles"_s, dropped.paths}}});
+  });
+}
+
+void Client::cancel() {
+  loop.post([this] { board.isCancel = true; });
+}
+
+void Client::sleep() {
+  loop.post([this] {
+    board.manualSleepWasConnected = true;
+    world.files.unmount(kMountPoint.toString());
+  });
+}
+
+void Client::wake() {
+  loop.post([this] {
+    board.clearQueue();
+    board.manualSleepWasConnected = false;
+  });
+}
+
+void Client::settle() {
+  for (int turn = 0; turn < kTurns; ++turn) {
+    if (loop.runOne()) {
+      continue;
+    }
+    if (!worker.hasBody()) {
+      return;
+    }
+    m_insideWorker = true;
+    worker.run();
+    m_insideWorker = false;
+  }
+  throw std::runtime_error("the client does not come to rest");
+}
+
+} // namespace sonorel::test

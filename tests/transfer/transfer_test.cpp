@@ -1,0 +1,114 @@
+#include "TransferWorkbench.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel::test {
+
+namespace {
+
+class TransferTest : public testing::Test {
+protected:
+  bool place(const QString &path, int flag = 1) {
+    return bench.transfer.transferSoundFile(path, u"ABBA-Gold-Waterloo.mp3"_s, 0, flag);
+  }
+  static TrackTags waterloo() {
+    TrackTags tags;
+    tags.authors = QStringList{u"ABBA"_s};
+    tags.album = u"Gold"_s;
+    tags.title = u"Waterloo"_s;
+    return tags;
+  }
+
+  TransferWorkbench bench;
+  const QString source = bench.song(u"/m/ABBA/Gold/01.mp3"_s, waterloo());
+};
+
+} // namespace
+
+TEST_F(TransferTest, LandsInArtistAndAlbumFolders) {
+  EXPECT_TRUE(place(source));
+  EXPECT_EQ(bench.files.bytes(kMusic + u"ABBA/Gold/ABBA-Gold-Waterloo.mp3"_s).size(), 200'000);
+  EXPECT_EQ(bench.processes.requests.last().arguments,
+            (QStringList{u"-p"_s, source, kMusic + u"ABBA/Gold/ABBA-Gold-Waterloo.mp3"_s}));
+  EXPECT_EQ(bench.files.attributes(kMusic + u"ABBA/Gold"_s, Links::Follow)->mode, 0777U);
+}
+
+TEST_F(TransferTest, WithoutTheFlagOnlyTheAlbumFolder) {
+  EXPECT_TRUE(place(source, 0));
+  EXPECT_TRUE(bench.files.exists(kMusic + u"Gold/ABBA-Gold-Waterloo.mp3"_s));
+}
+
+TEST_F(TransferTest, AnIdenticalCopyIsNotCopiedAgain) {
+  EXPECT_TRUE(place(source));
+  const qsizetype runs = bench.processes.requests.size();
+  EXPECT_FALSE(place(source));
+  EXPECT_TRUE(bench.transfer.settledOnIdenticalFile());
+  EXPECT_EQ(bench.processes.requests.size(), runs);
+}
+
+TEST_F(TransferTest, ASourceOneSecondNewerIsTheSameTwoSecondsNewerIsReplaced) {
+  const QString target = kMusic + u"ABBA/Gold/ABBA-Gold-Waterloo.mp3"_s;
+  bench.files.put(target, QByteArray(200'000, 'm'), 999);
+  EXPECT_FALSE(place(source));
+  EXPECT_TRUE(bench.clock.sleeps.isEmpty());
+  bench.files.put(target, QByteArray(200'000, 'm'), 1001);
+  EXPECT_TRUE(place(source));
+  EXPECT_EQ(bench.clock.sleeps, QList<std::chrono::milliseconds>{std::chrono::milliseconds(2000)});
+  bench.files.put(target, QByteArray(200'000, 'm'), 998);
+  EXPECT_TRUE(place(source));
+}
+
+TEST_F(TransferTest, SettlesOnTheParenthesisedFormAndRecordsIt) {
+  bench.files.put(kMusic + u"ABBA/Gold/(01).mp3"_s, QByteArray(200'000, 'm'), 1000);
+  bench.board.replaceRecords(false, {{u"P"_s, source, {}, {}, u"N"_s}});
+  EXPECT_FALSE(place(source));
+  EXPECT_EQ(bench.board.records(false).first().destinationSongName, u"ABBA@@@@@Gold@@@@@(01).mp3"_s);
+  EXPECT_EQ(bench.board.records(false).first().songTransferFlag, u"Y"_s);
+}
+
+TEST_F(TransferTest, SettlesOnTheFlatLevelFirst) {
+  for (const QString &flat : {u"ABBA-Gold-Waterloo.mp3"_s, u"01.mp3"_s, u"(01).mp3"_s, u"(_ABBA_)-(Gold)-(Waterloo).mp3"_s}) {
+    TransferWorkbench fresh;
+    const QString song = fresh.song(u"/m/ABBA/Gold/01.mp3"_s, waterloo());
+    fresh.files.put(kMusic + flat, QByteArray(200'000, 'm'), 1000);
+    fresh.board.replaceRecords(false, {{u"P"_s, song, {}, {}, u"N"_s}});
+    EXPECT_FALSE(fresh.transfer.transferSoundFile(song, u"ABBA-Gold-Waterloo.mp3"_s, 0, 1));
+    EXPECT_EQ(fresh.board.records(false).first().destinationSongName, flat);
+  }
+}
+
+TEST_F(TransferTest, FallsBackToTheOwnNameWhenTheShareRefusesTheNewOne) {
+  bench.board.replaceRecords(false, {{u"P"_s, source, {}, {}, u"N"_s}});
+  bench.processes.failAt(1, exited(1));
+  EXPECT_TRUE(place(source));
+  EXPECT_TRUE(bench.files.exists(kMusic + u"ABBA/Gold/01.mp3"_s));
+  EXPECT_EQ(bench.board.records(false).first().destinationSongName, u"ABBA@@@@@Gold@@@@@01.mp3"_s);
+}
+
+TEST_F(TransferTest, TwoFailedCopiesRecordNothing) {
+  bench.board.replaceRecords(false, {{u"P"_s, source, {}, {}, u"N"_s}});
+  bench.processes.onRun = [](const ToolRequest &) { return exited(1); };
+  EXPECT_FALSE(place(source));
+  EXPECT_FALSE(bench.transfer.settledOnIdenticalFile());
+  EXPECT_EQ(bench.board.records(false).first().songTransferFlag, u"N"_s);
+}
+
+TEST_F(TransferTest, ForbiddenCharactersBecomeUnderscores) {
+  EXPECT_TRUE(bench.transfer.transferSoundFile(source, u"AC/DC: \"Live\".mp3"_s, 0, 1));
+  EXPECT_TRUE(bench.files.exists(kMusic + u"ABBA/Gold/AC_DC_ _Live_.mp3"_s));
+}
+
+TEST_F(TransferTest, TheInvalidFlagStays) {
+  EXPECT_FALSE(bench.transfer.isValidFile(u"txt"_s));
+  EXPECT_TRUE(bench.transfer.isValidFile(u"MP3"_s));
+  EXPECT_TRUE(bench.transfer.isSoundFileType());
+  EXPECT_TRUE(bench.transfer.isInvalidFileType());
+}
+
+TEST_F(TransferTest, TheCompanionOfACopyIsRemoved) {
+  bench.files.put(kMusic + u"ABBA/Gold/._ABBA-Gold-Waterloo.mp3"_s, "x");
+  EXPECT_TRUE(place(source));
+  EXPECT_FALSE(bench.files.exists(kMusic + u"ABBA/Gold/._ABBA-Gold-Waterloo.mp3"_s));
+}
+
+} // namespace sonorel::test
