@@ -51,13 +51,14 @@ public:
   void openQuestion(const Question &question);
   void closeQuestion(quint32 serial);
   void announceTransferComplete();
+  // To be called after every change of the counter.
+  void announcePending();
 
 private:
   void announce(const QVariantMap &changed, const QStringList &invalidated);
   void announceSlowly(const QString &property);
   void announceSlowOnes();
   void announceAlert();
-  void announcePending();
 
   QDBusConnection m_bus;
   ClientActions m_actions;

@@ -9,7 +9,9 @@ namespace sonorel {
 
 namespace {
 
-QString idOfKey(int index) { return QString::number(index + 1); }
+QString idOfKey(int index) {
+  return QString::number(index + 1);
+}
 
 // The first list with that ID.
 FavouriteLists::iterator holderOf(FavouriteLists &lists, int index) {

@@ -59,8 +59,8 @@ void ColourLimits::setLimitInOrvFile(const QString &enables, const QString &limi
     m_files.write(m_path, edited);
   } catch (const Failure &failure) {
     const bool opened = failure.kind() == FailureKind::DiskFull || failure.kind() == FailureKind::Unknown;
-    m_desktop.printError(opened ? u"Write Limits File: Couldn't write the file.\n"_s
-                                : u"Write Limits File: Couldn't open file for writing.\n"_s);
+    m_desktop.printOutput(opened ? u"Write Limits File: Couldn't write the file.\n"_s
+                                 : u"Write Limits File: Couldn't open file for writing.\n"_s);
   }
 }
 

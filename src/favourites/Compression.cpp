@@ -12,7 +12,9 @@ namespace {
 constexpr quint64 kLargestRatio = 1032;
 constexpr quint64 kRatioSlack = 1024;
 
-const Bytef *zlibBytes(QByteArrayView data) { return reinterpret_cast<const Bytef *>(data.data()); }
+const Bytef *zlibBytes(QByteArrayView data) {
+  return reinterpret_cast<const Bytef *>(data.data());
+}
 
 } // namespace
 
@@ -22,8 +24,8 @@ std::optional<QByteArray> Compression::DMCompress(QByteArrayView data) {
   }
   auto length = compressBound(static_cast<uLong>(data.size()));
   QByteArray stream(static_cast<qsizetype>(length), Qt::Uninitialized);
-  if (compress(reinterpret_cast<Bytef *>(stream.data()), &length, zlibBytes(data),
-               static_cast<uLong>(data.size())) != Z_OK) {
+  if (compress(reinterpret_cast<Bytef *>(stream.data()), &length, zlibBytes(data), static_cast<uLong>(data.size())) !=
+      Z_OK) {
     return std::nullopt;
   }
   stream.truncate(static_cast<qsizetype>(length));

@@ -12,8 +12,12 @@ namespace {
 
 constexpr quint32 kPrivateFolder = 0700;
 
-QString nextSuffix() { return u".next"_s; }
-QString markerSuffix() { return u".marker"_s; }
+QString nextSuffix() {
+  return u".next"_s;
+}
+QString markerSuffix() {
+  return u".marker"_s;
+}
 // 0 is the latest.
 QString previousSuffix(int generation) {
   return generation == 0 ? u".previous"_s : u".previous-%1"_s.arg(generation + 1);
@@ -62,7 +66,9 @@ void FavouritesBackup::prepare(const QByteArray &newBytes, const QByteArray &old
   m_files.sync(m_folder);
 }
 
-bool FavouritesBackup::hasMarker() { return m_files.presence(path(markerSuffix())) != Presence::Absent; }
+bool FavouritesBackup::hasMarker() {
+  return m_files.presence(path(markerSuffix())) != Presence::Absent;
+}
 
 std::optional<QByteArray> FavouritesBackup::interrupted() {
   const auto marker = readIfThere(m_files, path(markerSuffix()));

@@ -57,9 +57,9 @@ QByteArray encodeMusicFavourites(const FavouriteLists &lists, const PlayerTraits
   for (const FavouriteList &list : lists) {
     contents.push_back(list2Content(list, player));
   }
-  return assembledFile(messageRecord(u'{' + guidText + u'}', kMusicFavouritesCommand.toString(),
-                                     kMessageKind.toString()),
-                       compressedChunks(contents));
+  return assembledFile(
+      messageRecord(u'{' + guidText + u'}', kMusicFavouritesCommand.toString(), kMessageKind.toString()),
+      compressedChunks(contents));
 }
 
 bool isNetMusicFavEmpty(QByteArrayView bytes, FavouritesKind kind) {

@@ -44,7 +44,9 @@ inline constexpr int kColourKeys = 4;
 [[nodiscard]] constexpr qsizetype headerSize(FavouritesKind kind) {
   return kind == FavouritesKind::Photos ? kPhotoHeaderSize : kMusicHeaderSize;
 }
-[[nodiscard]] constexpr qsizetype firstChunkOffset(FavouritesKind kind) { return headerSize(kind) + kBodyLengthSize; }
+[[nodiscard]] constexpr qsizetype firstChunkOffset(FavouritesKind kind) {
+  return headerSize(kind) + kBodyLengthSize;
+}
 [[nodiscard]] constexpr QStringView favouritesCommand(FavouritesKind kind) {
   return kind == FavouritesKind::Photos ? kPhotoFavouritesCommand : kMusicFavouritesCommand;
 }
@@ -52,7 +54,11 @@ inline constexpr int kColourKeys = 4;
 [[nodiscard]] inline QString favouritesFileName(FavouritesKind kind) {
   return favouritesCommand(kind).toString() + kFavouritesExtension.toString();
 }
-[[nodiscard]] constexpr QStringView albumsTag(bool utf8) { return utf8 ? kAlbumsTagUtf8 : kAlbumsTag; }
-[[nodiscard]] constexpr QStringView titlesTag(bool utf8) { return utf8 ? kTitlesTagUtf8 : kTitlesTag; }
+[[nodiscard]] constexpr QStringView albumsTag(bool utf8) {
+  return utf8 ? kAlbumsTagUtf8 : kAlbumsTag;
+}
+[[nodiscard]] constexpr QStringView titlesTag(bool utf8) {
+  return utf8 ? kTitlesTagUtf8 : kTitlesTag;
+}
 
 } // namespace sonorel

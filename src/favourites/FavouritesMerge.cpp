@@ -8,6 +8,8 @@
 #include <QHash>
 #include <QSet>
 
+#include <optional>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
@@ -23,6 +25,17 @@ void keepLast(std::vector<FavouriteTitle> &titles, size_t count) {
   if (titles.size() > count) {
     titles.erase(titles.begin(), titles.end() - static_cast<std::ptrdiff_t>(count));
   }
+}
+
+// Texts that differ only in case become equal, character by character, as in a comparison without regard to case.
+QString withoutCase(const QString &text) {
+  const auto characters = text.toUcs4();
+  QString folded;
+  folded.reserve(text.size());
+  for (const char32_t character : characters) {
+    folded += QChar::fromUcs4(QChar::toCaseFolded(character));
+  }
+  return folded;
 }
 
 QStringList colourNamesOf(const std::vector<NewList> &newLists) {
@@ -62,6 +75,8 @@ WriteResult FavouritesMerge::mergeOnce(FavouritesRewrite::Turn &turn, const std:
   FavouriteLists lists = m_tools.dictionary.rebuild(parser, seen);
   m_tools.dictionary.repair(lists);
   mergeLists(lists, newLists, takePlaylistIDs(newLists.size()));
+  // A drop on a key whose place another client's list has taken is appended with that list's number.
+  m_tools.dictionary.renumberDuplicates(lists);
   try {
     m_tools.dictionaryFile.save(lists);
   } catch (const Failure &failure) {
@@ -120,33 +135,28 @@ void FavouritesMerge::mergeLists(FavouriteLists &lists, const std::vector<NewLis
       fresh.playlistId = key.playlistId;
       fresh.guid = key.guid;
     }
-    bool placed = false;
-    for (const size_t index : byName.value(added.name)) {
-      FavouriteList &stored = lists[index];
-      if (isVaultbox1 || !isColourKeyId(stored.playlistId)) {
-        stored = std::move(fresh);
-        placed = true;
-      } else if (stored.playlistId == fresh.playlistId) {
-        mergeIntoColourKey(stored, std::move(fresh));
-        placed = true;
+    const auto place = [&]() -> std::optional<size_t> {
+      for (const size_t index : byName.value(added.name)) {
+        const FavouriteList &stored = lists[index];
+        if (isVaultbox1 || !isColourKeyId(stored.playlistId) || stored.playlistId == fresh.playlistId) {
+          return index;
+        }
       }
-      if (placed) {
-        break;
-      }
-    }
-    if (!placed) {
-      byName[added.name].append(lists.size());
+      return std::nullopt;
+    }();
+    if (!place) {
+      byName[fresh.playlistName].append(lists.size());
       lists.push_back(std::move(fresh));
+    } else if (isVaultbox1 || !isColourKeyId(lists[*place].playlistId)) {
+      lists[*place] = std::move(fresh);
+    } else {
+      mergeIntoColourKey(lists[*place], colour, std::move(fresh));
     }
   }
 }
 
-void FavouritesMerge::mergeIntoColourKey(FavouriteList &key, FavouriteList &&fresh) {
+void FavouritesMerge::mergeIntoColourKey(FavouriteList &key, int index, FavouriteList &&fresh) {
   m_tools.limits.presentLimitSettings();
-  const int index = colourIndex(key.playlistName);
-  if (index < 0) {
-    return;
-  }
   const KeyLimit limit = m_tools.limits.values()[static_cast<size_t>(index)];
   const auto type = fresh.songs.front().itemType;
   if (type == kItemTypeAlbum.toString()) {
@@ -164,13 +174,13 @@ std::vector<FavouriteTitle> FavouritesMerge::appended(const FavouriteList &key, 
   const PlayerTraits player = playerOf(m_tools.session);
   QSet<QString> stored;
   for (const FavouriteTitle &title : key.songs) {
-    stored.insert(title.songPath.toCaseFolded());
+    stored.insert(withoutCase(title.songPath));
   }
   std::vector<FavouriteTitle> titles = key.songs;
   for (const FavouriteTitle &title : fresh.songs) {
     // As the server will give it back.
     const QString readBack = decodeText(encodeText(title.songPath, player.utf8), player.utf8);
-    if (!stored.contains(readBack.toCaseFolded())) {
+    if (!stored.contains(withoutCase(readBack))) {
       titles.push_back(title);
     }
   }
@@ -180,14 +190,17 @@ std::vector<FavouriteTitle> FavouritesMerge::appended(const FavouriteList &key, 
   return titles;
 }
 
-bool FavouritesMerge::equalsSavedKey(const FavouriteList &key, int index) {
+bool FavouritesMerge::equalsSavedKey(const FavouriteList &key, int index) const {
   try {
     const QString path = kColourCopyPath.toString();
     if (m_tools.files.presence(path) != Presence::Present) {
       return false;
     }
     const FavouriteLists saved = listsOfDictionary(m_tools.propertyLists.decode(m_tools.files.read(path)).toMap());
-    return static_cast<size_t>(index) < saved.size() && compareSavedDictionary(saved[static_cast<size_t>(index)], key);
+    if (static_cast<size_t>(index) >= saved.size()) {
+      throw Failure(u"it does not hold all four keys"_s, FailureKind::Damaged);
+    }
+    return compareSavedDictionary(saved[static_cast<size_t>(index)], key);
   } catch (const Failure &failure) {
     m_tools.desktop.log(u"The copy of the colour lists cannot be read: "_s + failure.reason());
     return false;

@@ -42,10 +42,10 @@ private:
                                       std::stop_token stop);
   [[nodiscard]] qint64 takePlaylistIDs(size_t count);
   void mergeLists(FavouriteLists &lists, const std::vector<NewList> &newLists, qint64 firstId);
-  void mergeIntoColourKey(FavouriteList &key, FavouriteList &&fresh);
+  void mergeIntoColourKey(FavouriteList &key, int index, FavouriteList &&fresh);
   [[nodiscard]] std::vector<FavouriteTitle> appended(const FavouriteList &key, const FavouriteList &fresh,
                                                      const KeyLimit &limit) const;
-  [[nodiscard]] bool equalsSavedKey(const FavouriteList &key, int index);
+  [[nodiscard]] bool equalsSavedKey(const FavouriteList &key, int index) const;
   void saveColourKeys(const FavouriteLists &lists);
 
   MergeTools m_tools;

@@ -8,6 +8,9 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSet>
+
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -19,7 +22,9 @@ QString counted(std::size_t count, const QString &one) {
   return QString::number(count) + u' ' + one + (count == 1 ? QString() : u"s"_s);
 }
 
-bool isAlbum(const FavouriteTitle &title) { return title.itemType == kItemTypeAlbum; }
+bool isAlbum(const FavouriteTitle &title) {
+  return title.itemType == kItemTypeAlbum;
+}
 
 // The first four lists of a music file, when they are what they should be.
 bool isColourKey(const FavouritesReport &report, std::size_t index) {
@@ -42,7 +47,7 @@ QString contentOf(const FavouriteList &list) {
 void appendList(const FavouritesReport &report, std::size_t index, QString &text) {
   const FavouriteList &list = report.file.lists.at(index);
   text += u"\n%1%2 (%3%4)\n"_s.arg(list.playlistId.leftJustified(7), list.nameAsRead.value_or(QString()),
-                                    isColourKey(report, index) ? u"colour key, "_s : QString(), contentOf(list));
+                                   isColourKey(report, index) ? u"colour key, "_s : QString(), contentOf(list));
   if (list.locationId != kOwnLocationId) {
     text += u"       location \"%1\"\n"_s.arg(list.locationId);
   }
@@ -51,6 +56,33 @@ void appendList(const FavouritesReport &report, std::size_t index, QString &text
     text += u"       "_s + (isAlbum(title) ? u"[album] "_s : QString()) + title.songPath +
             (usual ? QString() : u"  (item type \"%1\")"_s.arg(*title.itemType)) + u'\n';
   }
+}
+
+// What a reader takes as it is, although no client of ours writes it.
+QStringList unusual(const FavouritesReport &report) {
+  QStringList found;
+  QSet<QString> ids;
+  const FavouriteLists &lists = report.file.lists;
+  for (const FavouriteList &list : lists) {
+    const QString name = list.nameAsRead.value_or(QString());
+    // Photo files repeat the number of an album in the separator before it.
+    if (ids.contains(list.playlistId) && report.kind == FavouritesKind::Music) {
+      found << u"the PlaylistID \"%1\" stands more than once"_s.arg(list.playlistId);
+    }
+    ids.insert(list.playlistId);
+    const auto isOdd = [](const FavouriteTitle &title) {
+      return title.guid.size() != kGuidSize || title.checkSum.size() != kCheckSumSize;
+    };
+    if (list.guid.size() != kGuidSize || std::any_of(list.songs.begin(), list.songs.end(), isOdd)) {
+      found << u"a GUID or a CheckSum of \"%1\" has an odd length"_s.arg(name);
+    }
+  }
+  if (report.kind == FavouritesKind::Music && report.hasItemTypes && report.file.list1Readable &&
+      !(lists.size() >= kColourKeys && isColourKey(report, 0) && isColourKey(report, 1) && isColourKey(report, 2) &&
+        isColourKey(report, 3))) {
+    found << u"the colour keys are not the first four lists"_s;
+  }
+  return found;
 }
 
 QJsonObject jsonOf(const FavouriteTitle &title) {
@@ -83,6 +115,7 @@ FavouritesReport favouritesReport(QByteArrayView bytes) {
   const PlayerTraits player{report.hasItemTypes ? kAuralis5.toString() : kVaultbox1.toString(),
                             report.albumsTag == kAlbumsTagUtf8};
   report.file = decodeFavourites(bytes, report.kind, player);
+  report.file.oddities += unusual(report);
   return report;
 }
 
@@ -91,9 +124,9 @@ QString textOf(const FavouritesReport &report) {
   for (const FavouriteList &list : report.file.lists) {
     titles += list.songs.size();
   }
-  QString text = u"%1 favourites: %2, %3\n"_s.arg(
-      report.kind == FavouritesKind::Photos ? u"Photo"_s : u"Music"_s,
-      counted(report.file.lists.size(), u"list"_s), counted(titles, u"title"_s));
+  QString text =
+      u"%1 favourites: %2, %3\n"_s.arg(report.kind == FavouritesKind::Photos ? u"Photo"_s : u"Music"_s,
+                                       counted(report.file.lists.size(), u"list"_s), counted(titles, u"title"_s));
   text += u"Version \"%1\", texts in %2%3, written as %4\n"_s.arg(
       report.albumsTag, report.albumsTag == kAlbumsTagUtf8 ? u"UTF-8"_s : u"Windows-1252"_s,
       report.hasItemTypes ? QString() : u", titles without item type"_s, report.guid);

@@ -11,8 +11,12 @@ namespace {
 
 constexpr qsizetype kLongestKey = 120;
 
-QString lockName() { return u".sonorel-lock"_s; }
-QString markName() { return u"/client-mark"_s; }
+QString lockName() {
+  return u".sonorel-lock"_s;
+}
+QString markName() {
+  return u"/client-mark"_s;
+}
 
 ShareLock::Tools lockTools(const RewriteTools &tools) {
   return {tools.files, tools.clock, tools.identifiers, tools.desktop};

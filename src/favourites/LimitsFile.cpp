@@ -37,12 +37,25 @@ qsizetype lineEnd(const QByteArray &file, qsizetype position) {
   return position;
 }
 
-// The leading decimal number, else 0.
+// The bytes of the character at the position: more than one when an odd value is no digit.
+qsizetype characterSize(const QByteArray &file, qsizetype position) {
+  qsizetype end = position + 1;
+  while (end < file.size() && (static_cast<quint8>(file[position]) & 0xC0) == 0xC0 &&
+         (static_cast<quint8>(file[end]) & 0xC0) == 0x80) {
+    ++end;
+  }
+  return end - position;
+}
+
+// The leading decimal number behind blanks, else 0.
 int leadingNumber(const QByteArray &text) {
-  int value = 0;
   qsizetype i = 0;
-  const bool negative = !text.isEmpty() && text[0] == '-';
-  for (i = negative ? 1 : 0; i < text.size() && text[i] >= '0' && text[i] <= '9' && value < 100'000'000; ++i) {
+  while (i < text.size() && (text[i] == ' ' || text[i] == '\t')) {
+    ++i;
+  }
+  const bool negative = i < text.size() && text[i] == '-';
+  int value = 0;
+  for (i += negative ? 1 : 0; i < text.size() && text[i] >= '0' && text[i] <= '9' && value < 100'000'000; ++i) {
     value = value * 10 + (text[i] - '0');
   }
   return negative ? -value : value;
@@ -81,7 +94,7 @@ QByteArray editedLimits(const QByteArray &file, const QString &enables, const QS
   QByteArray edited = file;
   for (size_t i = 0; i < kKeys.size(); ++i) {
     const qsizetype position = valuePosition(edited, kKeys[i].enable);
-    edited.replace(position, 1, valueAt(enables, static_cast<qsizetype>(i)));
+    edited.replace(position, characterSize(edited, position), valueAt(enables, static_cast<qsizetype>(i)));
   }
   for (size_t i = 0; i < kKeys.size(); ++i) {
     const qsizetype position = valuePosition(edited, kKeys[i].limit);

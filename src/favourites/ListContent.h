@@ -13,7 +13,7 @@
 namespace sonorel {
 
 struct ListItems {
-  std::optional<quint32> count; // none: the content is too short to hold one
+  std::optional<quint32> count;       // none: the content is too short to hold one
   std::vector<QByteArrayView> fields; // into the content, which must outlive them; the version tag is the first
   std::optional<qsizetype> damagedAt; // offset of the field that could not be read
 };
@@ -22,8 +22,8 @@ struct StoredRecord {
   static constexpr quint32 kKept = 3;
 
   QByteArrayView lead;
-  quint32 declaredFields = 0; // the count that stands behind the leading field; readers do not go by it
-  quint32 fieldCount = 0;     // the "N" fields that really follow
+  quint32 declaredFields = 0;               // the count that stands behind the leading field; readers do not go by it
+  quint32 fieldCount = 0;                   // the "N" fields that really follow
   std::array<QByteArrayView, kKept> fields; // the first of them
 };
 

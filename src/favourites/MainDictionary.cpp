@@ -13,7 +13,8 @@ namespace {
 
 constexpr qint64 kHighestId = 2'147'483'646; // the next one still fits a signed 32-bit number
 
-// The leading decimal digits; 0 for none. Stops growing far above every PlaylistID.
+} // namespace
+
 qint64 leadingNumber(const QString &text) {
   qint64 number = 0;
   for (const QChar digit : text) {
@@ -24,8 +25,6 @@ qint64 leadingNumber(const QString &text) {
   }
   return number;
 }
-
-} // namespace
 
 PlayerTraits playerOf(const Session &session) {
   return {session.deviceName(), session.isAU5UTF8Compliant() == u"YES"_s};
@@ -45,10 +44,9 @@ qint64 highestPlaylistId(const FavouriteLists &lists, Desktop &desktop) {
 }
 
 bool compareSavedDictionary(const FavouriteList &saved, const FavouriteList &main) {
-  return std::equal(saved.songs.begin(), saved.songs.end(), main.songs.begin(), main.songs.end(),
-                    [](const FavouriteTitle &a, const FavouriteTitle &b) {
-                      return a.itemType == b.itemType && a.guid == b.guid;
-                    });
+  return std::equal(
+      saved.songs.begin(), saved.songs.end(), main.songs.begin(), main.songs.end(),
+      [](const FavouriteTitle &a, const FavouriteTitle &b) { return a.itemType == b.itemType && a.guid == b.guid; });
 }
 
 MainDictionary::MainDictionary(DictionaryTools tools, FavouritesRewrite &rewrite, MainDictionaryFile &file)

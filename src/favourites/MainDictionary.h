@@ -62,6 +62,8 @@ private:
   MainDictionaryFile &m_file;
 };
 
+// The leading decimal digits of a PlaylistID; 0 for none. Stops growing far above every PlaylistID.
+[[nodiscard]] qint64 leadingNumber(const QString &text);
 // The highest PlaylistID; 0 for none. Leading digits count; a number above 2^31 - 2 is passed over and logged.
 [[nodiscard]] qint64 highestPlaylistId(const FavouriteLists &lists, Desktop &desktop);
 // `compareSavedDictionary:andMainDictionary:`: the same titles, by ItemType and GUID at every place.

@@ -9,7 +9,9 @@ namespace sonorel {
 
 Parser::Parser(ParserTools tools, PlayerTraits player) : m_tools(tools), m_player(std::move(player)) {}
 
-ListItems Parser::getItemsFromOrvFile(QByteArrayView content) { return listItems(content); }
+ListItems Parser::getItemsFromOrvFile(QByteArrayView content) {
+  return listItems(content);
+}
 
 int Parser::getAlreadyExistingPlaylistsFromAC5(const SeenFile &seen) {
   m_read.reset();

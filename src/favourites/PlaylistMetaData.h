@@ -15,7 +15,7 @@ class PlaylistMetaData {
 public:
   struct Hooks {
     std::function<bool()> isConnected; // of a fresh connection
-    AlbumLookup album;
+    AlbumLookup album;                 // AlbumNames::albumOf
     std::function<std::stop_token()> stop;
   };
 
@@ -23,12 +23,16 @@ public:
   PlaylistMetaData(TransferBoard &board, FavouritesMerge &merge, Settings &settings, const Session &session,
                    Identifiers &identifiers, Desktop &desktop, Hooks hooks);
 
-  // photos: the albums of pictures, which no transfer places yet. False when the
-  // server's favourites do not hold what was transferred. The records stay; emptying them is the driver's.
+  // False when the server's favourites do not hold what was transferred; the reason is logged and the board's records
+  // are again what they were before the call, for another try. Emptying the records is the driver's.
+  // photos: the albums of pictures. Transferred pictures cannot be written to the photo favourites: false and a log
+  // line, nothing is changed. Without one there is nothing to write.
   [[nodiscard]] bool sendMetaDataForPlaylist(bool photos);
 
 private:
-  [[nodiscard]] bool sendMusic();
+  [[nodiscard]] bool sendMusic(const QList<PlaylistInfo> &records);
+  [[nodiscard]] bool sendPhotos(const QList<PlaylistInfo> &records);
+  [[nodiscard]] std::vector<NewList> newLists(const PlaylistDetails &details);
 
   TransferBoard &m_board;
   FavouritesMerge &m_merge;

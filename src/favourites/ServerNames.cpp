@@ -63,6 +63,8 @@ QString serverMusicPathOnKey(const FavouriteTitle &title) {
   return staysAsItIs(title) ? title.songPath : kServerMusicPrefix.toString() + title.songPath;
 }
 
-QString serverPhotoPath(const QString &storedPath) { return kServerPhotoPrefix.toString() + storedPath; }
+QString serverPhotoPath(const QString &storedPath) {
+  return kServerPhotoPrefix.toString() + storedPath;
+}
 
 } // namespace sonorel

@@ -14,8 +14,7 @@ constexpr quint64 kLargestMark = 4096; // a mark is far shorter; anything else i
 } // namespace
 
 ShareLock::ShareLock(Tools tools, QString path, const QByteArray &ownMark, std::stop_token stop)
-    : m_tools(tools), m_path(std::move(path)),
-      m_mark(ownMark + '/' + tools.identifiers.generateUUID().toLatin1()) {
+    : m_tools(tools), m_path(std::move(path)), m_mark(ownMark + '/' + tools.identifiers.generateUUID().toLatin1()) {
   while (!tryCreate()) {
     waitForHolder(ownMark, stop);
   }

@@ -22,8 +22,8 @@ void readHeader(QByteArrayView bytes, FavouritesKind kind, StoredFile &file) {
   }
   file.guid = QString::fromLatin1(bytes.sliced(kGuidOffset, kRecordGuidLength));
   // Everything but the GUID is fixed.
-  const QByteArray expected = messageRecord(QString(kRecordGuidLength, u'?'), favouritesCommand(kind).toString(),
-                                            kMessageKind.toString());
+  const QByteArray expected =
+      messageRecord(QString(kRecordGuidLength, u'?'), favouritesCommand(kind).toString(), kMessageKind.toString());
   QByteArray found = bytes.first(size).toByteArray();
   found.replace(kGuidOffset, kRecordGuidLength, QByteArray(kRecordGuidLength, '?'));
   if (found != expected) {
@@ -51,8 +51,8 @@ std::optional<StoredChunk> chunkAt(QByteArrayView bytes, qsizetype offset) {
     chunk.uncompressedSize = reader.u32();
     chunk.compressedSize = reader.u32();
     const QByteArrayView stream = reader.view(chunk.compressedSize);
-    chunk.content = chunk.uncompressedSize == 0 ? QByteArray()
-                                                : Compression::DMDecompress(stream, chunk.uncompressedSize);
+    chunk.content =
+        chunk.uncompressedSize == 0 ? QByteArray() : Compression::DMDecompress(stream, chunk.uncompressedSize);
     return chunk;
   } catch (const Failure &) {
     return std::nullopt;

@@ -24,6 +24,7 @@ public:
   [[nodiscard]] virtual bool openDocument(const QString &path) = 0;
   virtual void log(const QString &line) = 0;       // the system log
   virtual void printError(const QString &text) = 0; // standard error, as it stands
+  virtual void printOutput(const QString &text) = 0; // standard output, as it stands; any thread
 };
 
 } // namespace sonorel

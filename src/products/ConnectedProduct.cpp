@@ -66,10 +66,10 @@ void ProductList::updateProductInfoInProductsLists(const QString &address) {
   ConnectedInfo info;
   info.address = address;
   info.hardwareAddress = found.isEmpty() ? kNoMacAddress.toString() : found;
+  if (!m_file.exists()) {
+    return; // none is made for this
+  }
   change(u"updateProductInfoInProductsLists"_s, [&](QVariantMap &lists) {
-    if (lists.isEmpty()) {
-      return; // no file, and none is made for this
-    }
     info.password = encrypt(m_tools.lists, m_tools.session.PasswordString());
     ProductRecords selected = productRecords(lists, kSelectedDevices);
     if (const qsizetype active = activeIndex(selected); active >= 0) {

@@ -79,7 +79,7 @@ void ProductList::removeDetectedDevices() {
   change(u"removeDetectedDevices"_s, [](QVariantMap &lists) { lists.remove(kDetectedDevices.toString()); });
 }
 
-void ProductList::reloadSelectedProducts() { refresh(content(u"reloadSelectedProducts"_s)); }
+void ProductList::reloadSelectedProducts() { m_show(m_tables); }
 
 void ProductList::AddManualProduct(const QString &address, const QString &hostName) {
   if (address.isEmpty() && hostName.isEmpty()) {

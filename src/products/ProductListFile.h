@@ -21,6 +21,7 @@ public:
   // All references must outlive the object.
   ProductListFile(FileSystem &files, PropertyLists &lists, Desktop &desktop, QString path);
 
+  [[nodiscard]] bool exists() const { return m_files.presence(m_path) == Presence::Present; }
   // nullopt when there is no file, or none that could be parsed. Throws Failure when it cannot be read.
   [[nodiscard]] std::optional<QVariantMap> read();
   // Throws Failure.

@@ -34,10 +34,12 @@ TransferDriver::TransferDriver(const TransferTools &tools, Transfer &transfer, M
       m_hooks(std::move(hooks)) {}
 
 void TransferDriver::startTransfer() {
+  m_isAtWork = true;
   m_worker.start([this](std::stop_token stop) { transferToVaultbox(std::move(stop)); });
 }
 
 void TransferDriver::transferToVaultbox(std::stop_token stop) {
+  const auto done = qScopeGuard([this] { m_isAtWork = false; });
   m_stop = stop;
   m_transfer.setStopToken(stop);
   for (bool again = true; again;) {

@@ -12,6 +12,7 @@
 #include "platform/Worker.h"
 #include "transfer/Transfer.h"
 
+#include <atomic>
 #include <functional>
 
 namespace sonorel {
@@ -35,6 +36,8 @@ public:
   // After the board has taken a drop that started a transfer. Returns at once.
   void startTransfer();
   void transferToVaultbox(std::stop_token stop);
+  // From startTransfer until the worker has done its last step. Any thread.
+  [[nodiscard]] bool isAtWork() const { return m_isAtWork; }
 
   // The source fits into the share's free space. Looks whether the share is there at all.
   [[nodiscard]] bool isVaultboxDiskFree(const QString &sourcePath);
@@ -80,6 +83,8 @@ private:
   const ShareFolders m_folders;
   const QString m_mainDictPath;
   Hooks m_hooks;
+
+  std::atomic<bool> m_isAtWork{false};
 
   // One transfer; worker thread.
   std::stop_token m_stop;

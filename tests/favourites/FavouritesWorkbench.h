@@ -48,7 +48,8 @@ struct FavouritesWorkbench {
     }
   }
 
-  [[nodiscard]] QString backup(const QString &suffix, const QString &key = QStringLiteral("_00-11-22-33-44-55")) const {
+  [[nodiscard]] QString backup(const QString &suffix,
+                               const QString &key = QStringLiteral("_00-11-22-33-44-55")) const {
     return folder + QStringLiteral("Backup/") + key + QStringLiteral("/NetMusicFavorites.orv") + suffix;
   }
 };

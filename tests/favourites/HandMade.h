@@ -21,8 +21,12 @@ inline QByteArray field(char kind, const QByteArray &content) {
   return QByteArray(1, kind) + le32(static_cast<quint32>(content.size())) + content;
 }
 
-inline QByteArray guid(char filler) { return QByteArray(16, filler); }
-inline QByteArray zeros36() { return QByteArray(36, '\0'); }
+inline QByteArray guid(char filler) {
+  return QByteArray(16, filler);
+}
+inline QByteArray zeros36() {
+  return QByteArray(36, '\0');
+}
 
 inline QByteArray listRecord(const QByteArray &name, const QByteArray &id, const QByteArray &location,
                              const QByteArray &guidBytes) {

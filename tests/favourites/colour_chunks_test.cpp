@@ -33,8 +33,8 @@ TEST(GetRGYBChunk, BehindTheEndIsAFailureAndADamagedStreamIsEmpty) {
 
 TEST(CreateDetailListForRGYB, AppendsPhotoTitlesAndRaisesTheCount) {
   QList<QByteArray> lists{titles({}), titles({titleRecord("old", zeros36(), guid('o'), "1")})};
-  const QByteArray made = createDetailListForRGYB(
-      lists, 1, {{u"Rome@@@@@a.jpg"_s, zeros36(), guid('n'), u"1"_s}}, FavouritesKind::Photos, false);
+  const QByteArray made = createDetailListForRGYB(lists, 1, {{u"Rome@@@@@a.jpg"_s, zeros36(), guid('n'), u"1"_s}},
+                                                  FavouritesKind::Photos, false);
   const QByteArray expected =
       titles({titleRecord("old", zeros36(), guid('o'), "1"),
               titleRecord("E:\\vb-share\\Photo\\Mac\\Rome@@@@@a.jpg", zeros36(), guid('n'), "1")});

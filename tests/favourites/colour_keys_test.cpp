@@ -53,11 +53,12 @@ TEST(ColourKeys, AllFourIdsAnywhereAreEnough) {
 }
 
 TEST(ColourKeys, KeysThatAreNotInFrontAreMovedThereAndTheRestKeepsItsOrder) {
-  FavouriteLists lists{list(u"A"_s, u"9"_s), list(u"Blue"_s, u"4"_s), list(u"B"_s, u"8"_s), list(u"Green"_s, u"2"_s),
-                       list(u"Red"_s, u"1"_s), list(u"C"_s, u"1"_s), list(u"Yellow"_s, u"3"_s)};
+  FavouriteLists lists{list(u"A"_s, u"9"_s),     list(u"Blue"_s, u"4"_s), list(u"B"_s, u"8"_s),
+                       list(u"Green"_s, u"2"_s), list(u"Red"_s, u"1"_s),  list(u"C"_s, u"1"_s),
+                       list(u"Yellow"_s, u"3"_s)};
   EXPECT_TRUE(moveColourKeysToFront(lists));
-  EXPECT_EQ(namesAndIds(lists), (QStringList{u"Red 1"_s, u"Green 2"_s, u"Yellow 3"_s, u"Blue 4"_s, u"A 9"_s, u"B 8"_s,
-                                             u"C 1"_s}));
+  EXPECT_EQ(namesAndIds(lists),
+            (QStringList{u"Red 1"_s, u"Green 2"_s, u"Yellow 3"_s, u"Blue 4"_s, u"A 9"_s, u"B 8"_s, u"C 1"_s}));
   EXPECT_FALSE(moveColourKeysToFront(lists));
 }
 

@@ -25,8 +25,21 @@ int replay(const char *name, void (*target)(QByteArrayView)) {
 
 } // namespace
 
-TEST(CorpusReplay, ListContents) { EXPECT_GE(replay("listContent", fuzz::listContent), 5); }
-TEST(CorpusReplay, FavouritesFiles) { EXPECT_GE(replay("favouritesFile", fuzz::favouritesFile), 8); }
-TEST(CorpusReplay, LimitsFiles) { EXPECT_GE(replay("limitsFile", fuzz::limitsFile), 3); }
-TEST(CorpusReplay, PropertyLists) { EXPECT_GE(replay("propertyList", fuzz::propertyList), 5); }
-TEST(CorpusReplay, MainDictionaries) { EXPECT_GE(replay("mainDictionary", fuzz::mainDictionary), 3); }
+TEST(CorpusReplay, ListContents) {
+  EXPECT_GE(replay("listContent", fuzz::listContent), 5);
+}
+TEST(CorpusReplay, FavouritesFiles) {
+  EXPECT_GE(replay("favouritesFile", fuzz::favouritesFile), 8);
+}
+TEST(CorpusReplay, FavouritesContents) {
+  EXPECT_GE(replay("favouritesContents", fuzz::favouritesContents), 3);
+}
+TEST(CorpusReplay, LimitsFiles) {
+  EXPECT_GE(replay("limitsFile", fuzz::limitsFile), 3);
+}
+TEST(CorpusReplay, PropertyLists) {
+  EXPECT_GE(replay("propertyList", fuzz::propertyList), 5);
+}
+TEST(CorpusReplay, MainDictionaries) {
+  EXPECT_GE(replay("mainDictionary", fuzz::mainDictionary), 3);
+}

@@ -1,4 +1,5 @@
-// Whole favourites files cut at every length and with every byte flipped: nothing crashes, and what was not hit stays.
+// Whole favourites files cut at every length and with every byte flipped: nothing crashes, and what was not hit
+// stays.
 #include "favourites/FavouritesFile.h"
 
 #include "HandMade.h"
@@ -91,12 +92,14 @@ TEST(DamagedFavourites, ManyChunksOfNothingAreGivenUp) {
   const DecodedFavourites read =
       decodeMusicFavourites(musicHeader() + le32(static_cast<quint32>(body.size())) + body, kAuralis);
   EXPECT_EQ(read.lists.size(), 1U);
-  EXPECT_TRUE(read.oddities.contains(u"there are 1 lists and 3 lists of titles"_s)) << read.oddities.join(u"; "_s).toStdString();
+  EXPECT_TRUE(read.oddities.contains(u"there are 1 lists and 3 lists of titles"_s))
+      << read.oddities.join(u"; "_s).toStdString();
 }
 
 TEST(DamagedFavourites, TheReportTellsWhatIsWrong) {
-  EXPECT_TRUE(textOf(favouritesReport(twoLists().chopped(3))).contains(u"What departs from the format:"_s));
-  EXPECT_FALSE(textOf(favouritesReport(twoLists())).contains(u"What departs from the format:"_s));
+  EXPECT_FALSE(textOf(favouritesReport(twoLists())).contains(u"the chunk at byte "_s));
+  EXPECT_TRUE(textOf(favouritesReport(twoLists().chopped(3))).contains(u"What departs from the format:\n"_s));
+  EXPECT_TRUE(textOf(favouritesReport(twoLists().chopped(3))).contains(u"  - the chunk at byte "_s));
   EXPECT_FALSE(favouritesReport(QByteArray()).file.list1Readable);
   EXPECT_FALSE(favouritesReport("not a favourites file, but long enough to hold a header block and more than that")
                    .file.list1Readable);

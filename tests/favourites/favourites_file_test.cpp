@@ -32,19 +32,20 @@ FavouriteTitle title(const QString &path, char filler, const std::optional<QStri
 
 // Red with one album, the other keys empty, a list that was read, a new one.
 FavouriteLists exampleLists() {
-  FavouriteLists lists{made(u"Red"_s, u"1"_s, '\xC1'), made(u"Green"_s, u"2"_s, '\xC2'),
-                       made(u"Yellow"_s, u"3"_s, '\xC3'), made(u"Blue"_s, u"4"_s, '\xC4'),
+  FavouriteLists lists{made(u"Red"_s, u"1"_s, '\xC1'),     made(u"Green"_s, u"2"_s, '\xC2'),
+                       made(u"Yellow"_s, u"3"_s, '\xC3'),  made(u"Blue"_s, u"4"_s, '\xC4'),
                        made(u"@~Old@~"_s, u"7"_s, '\x0D'), made(u"Party"_s, u"8"_s, '\xE0')};
   lists[0].songs = {title(u"Blue Train"_s, '\x01', u"2"_s)};
   lists[4].nameAsRead = u"Old"_s;
   lists[4].songs = {title(u"ABBA\\Gold\\ABBA-Gold-Waterloo.mp3"_s, '\x02', u"1"_s)};
-  lists[5].songs = {
-      title(u"Miles Davis@@@@@Kind of Blue@@@@@Miles Davis-Kind of Blue-So What.mp3"_s, '\x03', u"1"_s),
-      title(u"Bj\u00F6rk@@@@@Debut@@@@@Bj\u00F6rk-Debut-Human Behaviour.mp3"_s, '\x04', u"1"_s)};
+  lists[5].songs = {title(u"Miles Davis@@@@@Kind of Blue@@@@@Miles Davis-Kind of Blue-So What.mp3"_s, '\x03', u"1"_s),
+                    title(u"Bj\u00F6rk@@@@@Debut@@@@@Bj\u00F6rk-Debut-Human Behaviour.mp3"_s, '\x04', u"1"_s)};
   return lists;
 }
 
-QByteArray cut(const QByteArray &whole, qsizetype from, qsizetype length) { return whole.mid(from, length); }
+QByteArray cut(const QByteArray &whole, qsizetype from, qsizetype length) {
+  return whole.mid(from, length);
+}
 
 } // namespace
 
@@ -54,18 +55,25 @@ TEST(EncodeMusicFavourites, TheHeaderBlockAndTheBodyLength) {
   EXPECT_EQ(cut(file, 8, 38), "{00000000-0000-0000-0000-0000000000AA}");
   EXPECT_EQ(cut(file, 46, 4).toHex(), "11000000");
   EXPECT_EQ(cut(file, 50, 17), "NetMusicFavorites");
-  EXPECT_EQ(cut(file, 67, 5), QByteArray("\x01\0\0\0" "1", 5));
+  EXPECT_EQ(cut(file, 67, 5), QByteArray("\x01\0\0\0"
+                                         "1",
+                                         5));
   EXPECT_EQ(cut(file, 72, 4), le32(static_cast<quint32>(file.size() - 76)));
 }
 
 TEST(EncodeMusicFavourites, TheContentOfTheListOfLists) {
   const QByteArray list1 = contentsOf(encodeMusicFavourites(exampleLists(), kAuralis, kGuid)).at(0);
   EXPECT_EQ(list1.left(27), QByteArray("\x07\0\0\0N\x12\0\0\0FavoriteAlbums-1.2", 27));
-  EXPECT_EQ(cut(list1, 27, 45), QByteArray("L\x03\0\0\0Red\x03\0\0\0N\x01\0\0\0" "1N\x01\0\0\0" "6N\x10\0\0\0", 29) +
+  EXPECT_EQ(cut(list1, 27, 45), QByteArray("L\x03\0\0\0Red\x03\0\0\0N\x01\0\0\0"
+                                           "1N\x01\0\0\0"
+                                           "6N\x10\0\0\0",
+                                           29) +
                                     QByteArray(16, '\xC1'));
   EXPECT_EQ(cut(list1, 72, 6), QByteArray("L\x05\0\0\0G", 6));
   EXPECT_EQ(cut(list1, 119, 6), QByteArray("L\x06\0\0\0Y", 6));
-  EXPECT_EQ(cut(list1, 167, 6), QByteArray("L\x04\0\0\0" "B", 6));
+  EXPECT_EQ(cut(list1, 167, 6), QByteArray("L\x04\0\0\0"
+                                           "B",
+                                           6));
   EXPECT_EQ(cut(list1, 213, 8), QByteArray("L\x03\0\0\0Old", 8));
   EXPECT_EQ(cut(list1, 258, 10), QByteArray("L\x05\0\0\0Party", 10));
   EXPECT_EQ(list1.size(), 305);
@@ -83,11 +91,12 @@ TEST(EncodeMusicFavourites, TheContentsOfTheListsOfTitles) {
   EXPECT_EQ(contents[2], QByteArray("\x01\0\0\0N\x12\0\0\0FavoriteTitles-1.2", 27));
   EXPECT_EQ(contents[5], titles({titleRecord("E:\\vb-share\\Music\\Mac\\ABBA\\Gold\\ABBA-Gold-Waterloo.mp3",
                                              zeros36(), guid('\x02'), "1")}));
-  EXPECT_EQ(contents[6],
-            titles({titleRecord("E:\\vb-share\\Music\\Mac\\Miles Davis\\Kind of Blue\\Miles Davis-Kind of Blue-So What.mp3",
-                                zeros36(), guid('\x03'), "1"),
-                    titleRecord("E:\\vb-share\\Music\\Mac\\Bj\xF6rk\\Debut\\Bj\xF6rk-Debut-Human Behaviour.mp3",
-                                zeros36(), guid('\x04'), "1")}));
+  EXPECT_EQ(
+      contents[6],
+      titles({titleRecord("E:\\vb-share\\Music\\Mac\\Miles Davis\\Kind of Blue\\Miles Davis-Kind of Blue-So What.mp3",
+                          zeros36(), guid('\x03'), "1"),
+              titleRecord("E:\\vb-share\\Music\\Mac\\Bj\xF6rk\\Debut\\Bj\xF6rk-Debut-Human Behaviour.mp3", zeros36(),
+                          guid('\x04'), "1")}));
 }
 
 TEST(EncodeMusicFavourites, AFileWithoutPlaylistsIsOneChunk) {
@@ -146,17 +155,17 @@ TEST(DecodeMusicFavourites, WhatItReadsIsWrittenBackByteForByte) {
 }
 
 TEST(DecodeMusicFavourites, Utf8ComesBackByteForByteAndAsABomToo) {
-  const std::vector<QByteArray> foreign{albums({listRecord("\xEF\xBB\xBFo\xCC\x88\xE6\x9D\xB1", "5", "6", guid('1'))}, "1.3"),
-                                        titles({titleRecord("E:\\vb-share\\Music\\Mac\\\xF0\x9F\x8E\xB5.mp3", zeros36(),
-                                                            guid('2'), "1")},
-                                               "1.3")};
+  const std::vector<QByteArray> foreign{
+      albums({listRecord("\xEF\xBB\xBFo\xCC\x88\xE6\x9D\xB1", "5", "6", guid('1'))}, "1.3"),
+      titles({titleRecord("E:\\vb-share\\Music\\Mac\\\xF0\x9F\x8E\xB5.mp3", zeros36(), guid('2'), "1")}, "1.3")};
   const QByteArray file = wholeFile(musicHeader(), foreign);
   const DecodedFavourites read = decodeMusicFavourites(file, kAuralisUtf8);
   EXPECT_EQ(contentsOf(encodeMusicFavourites(read.lists, kAuralisUtf8, kGuid)), foreign);
 }
 
 TEST(DecodeMusicFavourites, WhatIsNoUtf8IsReadAsWindows1252) {
-  const QByteArray file = wholeFile(musicHeader(), {albums({listRecord("Bj\xF6rk", "5", "6", guid('1'))}), titles({})});
+  const QByteArray file =
+      wholeFile(musicHeader(), {albums({listRecord("Bj\xF6rk", "5", "6", guid('1'))}), titles({})});
   EXPECT_EQ(decodeMusicFavourites(file, kAuralisUtf8).lists.at(0).nameAsRead, u"Bj\u00F6rk"_s);
 }
 
@@ -179,9 +188,8 @@ TEST(DecodeMusicFavourites, ReadsVaultbox1Titles) {
 }
 
 TEST(DecodeMusicFavourites, TitlesOfAnotherModelDoNotFit) {
-  const QByteArray four =
-      wholeFile(musicHeader(), {albums({listRecord("A", "5", "6", guid('1'))}),
-                                titles({titleRecord("a", zeros36(), guid('2'), "1")})});
+  const QByteArray four = wholeFile(musicHeader(), {albums({listRecord("A", "5", "6", guid('1'))}),
+                                                    titles({titleRecord("a", zeros36(), guid('2'), "1")})});
   EXPECT_FALSE(decodeMusicFavourites(four, kVaultbox).fitsModel);
   EXPECT_TRUE(decodeMusicFavourites(four, kAuralis).fitsModel);
   const QByteArray three = wholeFile(musicHeader(), {albums({listRecord("A", "5", "6", guid('1'))}),
@@ -227,7 +235,8 @@ TEST(DecodeMusicFavourites, MissingChunksAreListsWithoutTitlesAndFurtherOnesAreI
 
 TEST(DecodeMusicFavourites, ItemCountsThatAreWrong) {
   const auto songsWithCount = [](quint32 count) {
-    QByteArray list = titles({titleRecord("a", zeros36(), guid('3'), "1"), titleRecord("b", zeros36(), guid('4'), "1")});
+    QByteArray list =
+        titles({titleRecord("a", zeros36(), guid('3'), "1"), titleRecord("b", zeros36(), guid('4'), "1")});
     list.replace(0, 4, le32(count));
     const QByteArray file = wholeFile(musicHeader(), {albums({listRecord("A", "5", "6", guid('1'))}), list});
     return decodeMusicFavourites(file, kAuralis).lists.at(0).songs.size();

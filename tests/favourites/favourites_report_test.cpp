@@ -24,23 +24,26 @@ QByteArray example() {
 } // namespace
 
 TEST(FavouritesReport, ShowsAPersonTheListsAndTheirTitles) {
-  EXPECT_EQ(textOf(favouritesReport(example())),
-            u"Music favourites: 5 lists, 3 titles\n"
-            "Version \"FavoriteAlbums-1.2\", texts in Windows-1252, written as {00000000-0000-0000-0000-0000000000AA}\n"
-            "\n1      Red (colour key, 1 album)\n       [album] Blue Train\n"
-            "\n2      Green (colour key, empty)\n"
-            "\n3      Yellow (colour key, empty)\n"
-            "\n4      Blue (colour key, empty)\n"
-            "\n7      Old (2 titles)\n       location \"9\"\n       Bj\u00F6rk\\a.mp3\n"
-            "       E:\\other\\b.mp3  (item type \"5\")\n"_s);
+  EXPECT_EQ(
+      textOf(favouritesReport(example())),
+      u"Music favourites: 5 lists, 3 titles\n"
+      "Version \"FavoriteAlbums-1.2\", texts in Windows-1252, written as {00000000-0000-0000-0000-0000000000AA}\n"
+      "\n1      Red (colour key, 1 album)\n       [album] Blue Train\n"
+      "\n2      Green (colour key, empty)\n"
+      "\n3      Yellow (colour key, empty)\n"
+      "\n4      Blue (colour key, empty)\n"
+      "\n7      Old (2 titles)\n       location \"9\"\n       Bj\u00F6rk\\a.mp3\n"
+      "       E:\\other\\b.mp3  (item type \"5\")\n"_s);
 }
 
 TEST(FavouritesReport, GivesAProgramEverythingAsJson) {
-  const QByteArray json = jsonOf(favouritesReport(wholeFile(
-      musicHeader(), {albums({listRecord("Old", "7", "6", "\x01\x02")}),
-                      titles({titleRecord("E:\\vb-share\\Music\\Mac\\a.mp3", "\x03", "\x04", "1")})})));
+  const QByteArray json = jsonOf(favouritesReport(
+      wholeFile(musicHeader(), {albums({listRecord("Old", "7", "6", "\x01\x02")}),
+                                titles({titleRecord("E:\\vb-share\\Music\\Mac\\a.mp3", "\x03", "\x04", "1")})})));
   EXPECT_EQ(json, R"({
     "departures": [
+        "a GUID or a CheckSum of \"Old\" has an odd length",
+        "the colour keys are not the first four lists"
     ],
     "guid": "{00000000-0000-0000-0000-0000000000AA}",
     "kind": "NetMusicFavorites",
@@ -74,10 +77,19 @@ TEST(FavouritesReport, KnowsVaultbox1FilesAndPhotoFilesByTheirRecords) {
   EXPECT_FALSE(vaultbox.hasItemTypes);
   EXPECT_TRUE(vaultbox.file.fitsModel);
   EXPECT_TRUE(vaultbox.file.oddities.isEmpty());
-  const FavouritesReport photos = favouritesReport(
-      wholeFile(photoHeader(), {albums({listRecord("Rome", "5", "6", guid('1'))}),
-                                titles({titleRecord("E:\\vb-share\\Photo\\Mac\\Rome\\a.jpg", zeros36(), guid('2'), "1")})}));
+  const FavouritesReport photos = favouritesReport(wholeFile(
+      photoHeader(), {albums({listRecord("Rome", "5", "6", guid('1'))}),
+                      titles({titleRecord("E:\\vb-share\\Photo\\Mac\\Rome\\a.jpg", zeros36(), guid('2'), "1")})}));
   EXPECT_EQ(photos.kind, FavouritesKind::Photos);
   EXPECT_EQ(photos.file.lists.at(0).songs.at(0).songPath, u"Rome\\a.jpg"_s);
   EXPECT_TRUE(photos.file.oddities.isEmpty());
+}
+
+TEST(FavouritesReport, TellsOfNumbersThatStandTwiceAndOfMissingColourKeys) {
+  const QByteArray list = titles({titleRecord("E:\\vb-share\\Music\\Mac\\a", zeros36(), guid('1'), "1")});
+  const FavouritesReport report = favouritesReport(
+      wholeFile(musicHeader(), {albums({listRecord("A", "7", "6", guid('a')), listRecord("B", "7", "6", guid('b'))}),
+                                list, titles({})}));
+  EXPECT_EQ(report.file.oddities, (QStringList{u"the PlaylistID \"7\" stands more than once"_s,
+                                               u"the colour keys are not the first four lists"_s}));
 }

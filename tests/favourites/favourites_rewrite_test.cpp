@@ -53,7 +53,8 @@ TEST_F(Rewrite, TheClientCopyComesFirstThenTheDeleteThenTheNewFile) {
   const QStringList log = files.log();
   const auto place = [&](const QString &line) { return log.indexOf(line); };
   EXPECT_GT(place(u"writeAtomically /Client/NetMusicFavorites.orv"_s), place(u"read "_s + kServerFile));
-  EXPECT_GT(place(u"sync "_s + client->backup(u".previous"_s)), place(u"writeAtomically /Client/NetMusicFavorites.orv"_s));
+  EXPECT_GT(place(u"sync "_s + client->backup(u".previous"_s)),
+            place(u"writeAtomically /Client/NetMusicFavorites.orv"_s));
   EXPECT_GT(place(u"sync "_s + client->backup(u".next"_s)), place(u"sync "_s + client->backup(u".previous"_s)));
   EXPECT_GT(place(u"sync "_s + client->backup(u".marker"_s)), place(u"sync "_s + client->backup(u".next"_s)));
   EXPECT_GT(place(u"removeFile "_s + kServerFile), place(u"sync "_s + client->backup(u".marker"_s)));
@@ -79,7 +80,8 @@ TEST_F(Rewrite, TheSameContentBehindAnotherHeaderPushesNothingOut) {
                                "00000000-0000-0000-0000-000000000003", "00000000-0000-0000-0000-000000000004"}) {
     EXPECT_TRUE(write(musicHeader(guidText) + "keys only"));
   }
-  EXPECT_EQ(files.bytes(client->backup(u".previous"_s)), musicHeader("00000000-0000-0000-0000-000000000003") + "keys only");
+  EXPECT_EQ(files.bytes(client->backup(u".previous"_s)),
+            musicHeader("00000000-0000-0000-0000-000000000003") + "keys only");
   EXPECT_EQ(files.bytes(client->backup(u".previous-2"_s)), musicHeader() + "precious");
 }
 
@@ -126,7 +128,8 @@ TEST_F(Rewrite, ADeleteThatFailsLeavesTheFileAndIsAFailure) {
 
 // Whatever one operation answers, the share holds the old or the new file, or the next look writes the new one.
 TEST_F(Rewrite, AnyOneFailingOperationLosesNothing) {
-  for (const FailureKind kind : {FailureKind::Other, FailureKind::Unknown, FailureKind::DiskFull, FailureKind::Absent}) {
+  for (const FailureKind kind :
+       {FailureKind::Other, FailureKind::Unknown, FailureKind::DiskFull, FailureKind::Absent}) {
     for (int operation = 1;; ++operation) {
       FakeFileSystem disk;
       mountShare(disk);

@@ -40,7 +40,9 @@ TEST(FieldWriter, WritesTheLengthOfTheWholeTextButNoBytesFromTheFirstNulOn) {
   EXPECT_EQ(written(QString(u"ab\0cd"_s), true).toHex(), "4e050000006162");
 }
 
-TEST(FieldWriter, AnEmptyTextIsAFieldOfLengthNothing) { EXPECT_EQ(written(QString(), true).toHex(), "4e00000000"); }
+TEST(FieldWriter, AnEmptyTextIsAFieldOfLengthNothing) {
+  EXPECT_EQ(written(QString(), true).toHex(), "4e00000000");
+}
 
 TEST(FieldWriter, ATitleWithoutItemTypeHasTwoFields) {
   FavouriteTitle title{u"ignored"_s, QByteArray("CC"), QByteArray("GG"), std::nullopt};
@@ -49,5 +51,7 @@ TEST(FieldWriter, ATitleWithoutItemTypeHasTwoFields) {
   EXPECT_EQ(data.take(), QByteArray("L\x04\0\0\0E:\\a\x02\0\0\0N\x02\0\0\0CCN\x02\0\0\0GG", 27));
   title.itemType = u"1"_s;
   writeTitleRecord(title, u"E:\\a"_s, data, false);
-  EXPECT_EQ(data.take(), QByteArray("L\x04\0\0\0E:\\a\x03\0\0\0N\x02\0\0\0CCN\x02\0\0\0GGN\x01\0\0\0" "1", 33));
+  EXPECT_EQ(data.take(), QByteArray("L\x04\0\0\0E:\\a\x03\0\0\0N\x02\0\0\0CCN\x02\0\0\0GGN\x01\0\0\0"
+                                    "1",
+                                    33));
 }

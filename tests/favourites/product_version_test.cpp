@@ -37,14 +37,17 @@ TEST(ProductVersion, TooShortOrUnreadableIsNo) {
 }
 
 TEST(ProductVersion, AByteOrderMarkDoesNotMatter) {
-  EXPECT_EQ(utf8AnswerOfProductName("\xEF\xBB\xBF" "Auralis 5\n5.03.00.2387"), u"YES"_s);
+  EXPECT_EQ(utf8AnswerOfProductName("\xEF\xBB\xBF"
+                                    "Auralis 5\n5.03.00.2387"),
+            u"YES"_s);
   EXPECT_EQ(utf8AnswerOfProductName("\xEF\xBB\xBF\n5.03.00.238"), u"NO"_s);
 }
 
 namespace {
 
 struct Product {
-  explicit Product(const QString &name) : client(files, name), version(files, client.desktop, client.settings, client.session, standardFolders()) {
+  explicit Product(const QString &name)
+      : client(files, name), version(files, client.desktop, client.settings, client.session, standardFolders()) {
     mountShare(files, name);
   }
   void put(const QByteArray &text) { files.put(u"/Volumes/VB-SHARE$/System/OrvProductName.orv"_s, text); }

@@ -36,8 +36,12 @@ public:
 
 private:
   int below(int limit) { return static_cast<int>(m_random() % static_cast<unsigned>(limit)); }
-  template <typename T> T oneOf(std::initializer_list<T> values) { return values.begin()[below(static_cast<int>(values.size()))]; }
-  QByteArray oneOf(std::initializer_list<const char *> values) { return values.begin()[below(static_cast<int>(values.size()))]; }
+  template <typename T> T oneOf(std::initializer_list<T> values) {
+    return values.begin()[below(static_cast<int>(values.size()))];
+  }
+  QByteArray oneOf(std::initializer_list<const char *> values) {
+    return values.begin()[below(static_cast<int>(values.size()))];
+  }
   QByteArray id() { return below(3) == 0 ? text() : QByteArray::number(below(9)); }
 
   QByteArray bytes(int count) {
@@ -63,7 +67,9 @@ private:
 
   QByteArray song() {
     const bool album = !m_vaultbox && below(4) == 0;
-    QByteArray path = album ? text() : QByteArray(oneOf({"E:\\vb-share\\Music\\Mac\\a", "D:\\", "E:\\vb-share\\Music\\Other\\"})) + text();
+    QByteArray path =
+        album ? text()
+              : QByteArray(oneOf({"E:\\vb-share\\Music\\Mac\\a", "D:\\", "E:\\vb-share\\Music\\Other\\"})) + text();
     path.replace("@@@@@", "@");
     const QByteArray checkSum = bytes(oneOf({36, 36, 0, 7}));
     const QByteArray titleGuid = bytes(oneOf({16, 16, 1}));

@@ -54,7 +54,8 @@ TEST(ServerNames, ANameAsItWasReadIsWrittenAsItWasRead) {
 }
 
 TEST(ServerNames, TheServersFolderIsRemovedUpToItsLastOccurrence) {
-  EXPECT_EQ(storedPathOf(u"E:\\vb-share\\Music\\Mac\\Artist\\Song.mp3"_s, FavouritesKind::Music), u"Artist\\Song.mp3"_s);
+  EXPECT_EQ(storedPathOf(u"E:\\vb-share\\Music\\Mac\\Artist\\Song.mp3"_s, FavouritesKind::Music),
+            u"Artist\\Song.mp3"_s);
   EXPECT_EQ(storedPathOf(u"E:\\vb-share\\Music\\Mac\\E:\\vb-share\\Music\\Mac\\a"_s, FavouritesKind::Music), u"a"_s);
   EXPECT_EQ(storedPathOf(u"E:\\vb-share\\Music\\Other\\a.mp3"_s, FavouritesKind::Music),
             u"E:\\vb-share\\Music\\Other\\a.mp3"_s);

@@ -37,7 +37,8 @@ struct Validation : testing::Test {
 TEST_F(Validation, WithoutAServerFileTheFourKeysAreWritten) {
   connectTo(u"Auralis 5"_s);
   EXPECT_TRUE(client->dictionary.validateOrvFile());
-  EXPECT_EQ(onServer(), (std::vector<QByteArray>{albums(keyRecords()), titles({}), titles({}), titles({}), titles({})}));
+  EXPECT_EQ(onServer(),
+            (std::vector<QByteArray>{albums(keyRecords()), titles({}), titles({}), titles({}), titles({})}));
   EXPECT_EQ(client->settings.text(u"PlaylistID"_s), u"5"_s);
   EXPECT_EQ(client->dictionaryFile.load().size(), 4U);
   EXPECT_EQ(files.bytes(u"/Client/NetMusicFavorites.orv"_s), files.bytes(kServerFile));
@@ -62,8 +63,8 @@ TEST_F(Validation, AnEmptyFileAndAHeaderOnlyFileCountAsNone) {
 
 TEST_F(Validation, WhatStandsThereIsWrittenAgainBehindAFreshHeader) {
   connectTo(u"Auralis 5"_s);
-  const QByteArray before = keysAnd({listRecord("Party", "9", "6", guid('p')), listRecord("A@~B", "12", "2", guid('q'))},
-                                    {party(), titles({})});
+  const QByteArray before = keysAnd(
+      {listRecord("Party", "9", "6", guid('p')), listRecord("A@~B", "12", "2", guid('q'))}, {party(), titles({})});
   files.put(kServerFile, before);
   EXPECT_TRUE(client->dictionary.validateOrvFile());
   EXPECT_EQ(onServer(), contentsOf(before));
@@ -97,11 +98,13 @@ TEST_F(Validation, KeysThatStandBehindOtherListsComeToTheFront) {
   connectTo(u"Auralis 5"_s);
   std::vector<QByteArray> records = keyRecords();
   records.insert(records.begin(), listRecord("Party", "9", "6", guid('p')));
-  files.put(kServerFile, wholeFile(musicHeader(), {albums(records), party(), titles({}), titles({}), titles({}), titles({})}));
+  files.put(kServerFile,
+            wholeFile(musicHeader(), {albums(records), party(), titles({}), titles({}), titles({}), titles({})}));
   EXPECT_TRUE(client->dictionary.validateOrvFile());
   std::vector<QByteArray> ordered = keyRecords();
   ordered.push_back(listRecord("Party", "9", "6", guid('p')));
-  EXPECT_EQ(onServer(), (std::vector<QByteArray>{albums(ordered), titles({}), titles({}), titles({}), titles({}), party()}));
+  EXPECT_EQ(onServer(),
+            (std::vector<QByteArray>{albums(ordered), titles({}), titles({}), titles({}), titles({}), party()}));
 }
 
 TEST_F(Validation, AnUnreadableListOfListsIsReplacedByTheKeysAndKeptInTheBackup) {

@@ -1,5 +1,5 @@
-// The client dies at every single operation of a validation: at that instant the complete old or the complete new file
-// exists under a known name, and the next run ends with a right one.
+// The client dies at every single operation of a validation: at that instant the complete old or the complete new
+// file exists under a known name, and the next run ends with a right one.
 #include "FavouritesWorkbench.h"
 #include "HandMade.h"
 
@@ -16,14 +16,16 @@ std::vector<QByteArray> oldContents() {
   std::vector<QByteArray> records = keyRecords();
   records.insert(records.begin(), listRecord("Party", "9", "6", guid('p')));
   return {albums(records), titles({titleRecord("E:\\vb-share\\Music\\Mac\\a.mp3", zeros36(), guid('s'), "1")}),
-          titles({}), titles({}), titles({}), titles({})};
+          titles({}),      titles({}),
+          titles({}),      titles({})};
 }
 
 std::vector<QByteArray> newContents() {
   std::vector<QByteArray> records = keyRecords();
   records.push_back(listRecord("Party", "9", "6", guid('p')));
-  return {albums(records), titles({}), titles({}), titles({}), titles({}),
-          titles({titleRecord("E:\\vb-share\\Music\\Mac\\a.mp3", zeros36(), guid('s'), "1")})};
+  return {albums(records), titles({}),
+          titles({}),      titles({}),
+          titles({}),      titles({titleRecord("E:\\vb-share\\Music\\Mac\\a.mp3", zeros36(), guid('s'), "1")})};
 }
 
 // Dies at that operation of the validation; false when it ended before.
@@ -63,7 +65,8 @@ void expectRight(FakeFileSystem &files, const char *where, int operation) {
   ASSERT_TRUE(files.exists(kServerFile)) << where << operation;
   EXPECT_EQ(contentsOf(files.bytes(kServerFile)), newContents()) << where << operation;
   EXPECT_FALSE(files.exists(kServerLock)) << where << operation;
-  EXPECT_FALSE(files.exists(u"/Client/Backup/_00-11-22-33-44-55/NetMusicFavorites.orv.marker"_s)) << where << operation;
+  EXPECT_FALSE(files.exists(u"/Client/Backup/_00-11-22-33-44-55/NetMusicFavorites.orv.marker"_s))
+      << where << operation;
 }
 
 void startShare(FakeFileSystem &files) {
@@ -88,7 +91,8 @@ TEST(ValidationCrash, AtEveryOperationNothingIsLostAndTheNextRunEndsRight) {
     next.rewrite.recoverAtConnect();
     EXPECT_TRUE(holdsComplete(files, kServerFile)) << "after the recovery, operation " << operation;
     EXPECT_TRUE(next.dictionary.validateOrvFile()) << "operation " << operation;
-    EXPECT_TRUE(next.clock.sleeps.isEmpty() || lockWasEmpty) << "waits for its own dead lock, operation " << operation;
+    EXPECT_TRUE(next.clock.sleeps.isEmpty() || lockWasEmpty)
+        << "waits for its own dead lock, operation " << operation;
     expectRight(files, "operation ", operation);
   }
   EXPECT_GT(operation, 30); // the sweep really went through a whole rewrite
@@ -123,7 +127,8 @@ TEST(ValidationCrash, ASecondDeathDuringTheRecoveryLosesNothingEither) {
   EXPECT_GT(first, 30);
 }
 
-// Another client that comes while the first lies dead between delete and write must not take the gap for an empty share.
+// Another client that comes while the first lies dead between delete and write must not take the gap for an empty
+// share.
 TEST(ValidationCrash, AnotherClientWaitsAtTheLockOfADeadOne) {
   for (int operation = 1;; ++operation) {
     FakeFileSystem files;

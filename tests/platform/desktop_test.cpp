@@ -8,6 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <csignal>
+#include <thread>
+
 using namespace sonorel;
 using namespace Qt::Literals::StringLiterals;
 
@@ -82,6 +86,37 @@ TEST_F(LinuxDesktopTest, FailsWhereTheFolderCannotBeMade) {
   QFile file(folder.filePath(u"autostart"_s));
   ASSERT_TRUE(file.open(QIODevice::WriteOnly));
   EXPECT_FALSE(desktop.setLoginItems({{kApp, false}}));
+}
+
+TEST_F(LinuxDesktopTest, DocumentIsOpenedWithoutTheBlockedSignals) {
+  QFile opener(folder.filePath(u"xdg-open"_s));
+  ASSERT_TRUE(opener.open(QIODevice::WriteOnly));
+  // Not by the shell, which takes all signals back when it starts.
+  opener.write(
+      "#!/usr/bin/perl\nopen(S, '<', '/proc/self/status'); ($mask) = grep { /^SigBlk/ } <S>;\n"
+      "open(O, '>', \"$ARGV[0].new\"); print O $mask; close(O); rename(\"$ARGV[0].new\", \"$ARGV[0].opened\");\n");
+  opener.close();
+  ASSERT_TRUE(opener.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+  const QString document = folder.filePath(u"help me.html"_s);
+  ASSERT_TRUE(QFile(document).open(QIODevice::WriteOnly));
+
+  const QByteArray path = qgetenv("PATH");
+  qputenv("PATH", folder.path().toUtf8() + ":" + path);
+  sigset_t blocked;
+  sigset_t before;
+  sigemptyset(&blocked);
+  sigaddset(&blocked, SIGTERM);
+  ::pthread_sigmask(SIG_BLOCK, &blocked, &before);
+  EXPECT_TRUE(desktop.openDocument(document));
+  ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  qputenv("PATH", path);
+
+  QFile opened(document + u".opened"_s);
+  for (int i = 0; i < 500 && !opened.exists(); ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  ASSERT_TRUE(opened.open(QIODevice::ReadOnly));
+  EXPECT_EQ(opened.readAll().simplified(), QByteArray("SigBlk: 0000000000000000"));
 }
 
 TEST_F(LinuxDesktopTest, DocumentThatIsMissingIsNotOpened) {

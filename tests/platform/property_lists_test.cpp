@@ -118,6 +118,8 @@ TEST_F(PropertyListsTest, EveryChangedByteOfABinaryListIsReadOrRefused) {
 
 TEST_F(PropertyListsTest, WhatCannotBeWrittenIsAFailure) {
   EXPECT_THROW((void)lists.encodeXml(QVariant()), Failure);
+  EXPECT_THROW((void)lists.encodeXml(qQNaN()), Failure);
+  EXPECT_THROW((void)lists.encodeBinary(-qInf()), Failure);
   EXPECT_THROW((void)lists.encodeXml(QString(QChar(u'\0'))), Failure);
   EXPECT_THROW((void)lists.encodeXml(QVariantMap{{u"a"_s, QVariantList{QVariant()}}}), Failure);
 }

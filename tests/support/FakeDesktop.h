@@ -9,8 +9,9 @@ namespace sonorel::test {
 
 class FakeDesktop : public Desktop {
 public:
-  QStringList lines;  // the system log
-  QStringList errors; // standard error
+  QStringList lines;   // the system log
+  QStringList errors;  // standard error
+  QStringList printed; // standard output
   std::vector<LoginItem> items;
   bool itemsCanBeSet = true;
   int agentRemovals = 0;
@@ -49,6 +50,7 @@ public:
     lines.append(line);
   }
   void printError(const QString &text) override { errors.append(text); }
+  void printOutput(const QString &text) override { printed.append(text); }
 
 private:
   mutable std::mutex m_mutex; // guards lines

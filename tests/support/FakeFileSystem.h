@@ -36,7 +36,7 @@ public:
   void makeFolders(const QString &path);
   void put(const QString &path, const QByteArray &bytes, qint64 modifiedSeconds = 1000);
   void putLink(const QString &path, const QString &target);
-  void putOther(const QString &path); // a FIFO, a device
+  void putOther(const QString &path);                        // a FIFO, a device
   [[nodiscard]] QByteArray bytes(const QString &path) const; // throws std::runtime_error when there is no such file
   [[nodiscard]] bool exists(const QString &path) const;
   // What stands on the disk itself, also while its volume is not mounted or does not answer.
@@ -60,7 +60,7 @@ public:
   // Called before each operation with its number since the construction.
   std::function<void(int)> beforeOperation;
 
-  [[nodiscard]] int operations() const; // since the construction
+  [[nodiscard]] int operations() const;  // since the construction
   [[nodiscard]] QStringList log() const; // "write /path", one line for each operation
   void clearLog();
 

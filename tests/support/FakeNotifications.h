@@ -32,9 +32,7 @@ public:
 
   void observe(const QString &name, Handler handler) override { m_handlers.insert(name, std::move(handler)); }
   void stopObserving(const QString &name) override { m_handlers.remove(name); }
-  void post(const QString &name, const Notification &notification) override {
-    posted.append({name, notification});
-  }
+  void post(const QString &name, const Notification &notification) override { posted.append({name, notification}); }
 
 private:
   QMap<QString, Handler> m_handlers;

@@ -16,8 +16,9 @@ ToolResult exited(int status, const QByteArray &output) {
   return {ToolEnding::Exited, status, output};
 }
 
-void FakeProcesses::failAt(int run, const ToolResult &result) {
+void FakeProcesses::failAt(int run, const ToolResult &result, int times) {
   const std::lock_guard guard(m_mutex);
+  m_failTimes = times;
   m_failAt = m_runs + run;
   m_failure = result;
 }
@@ -41,7 +42,8 @@ ToolResult FakeProcesses::run(const ToolRequest &request, std::stop_token stop) 
   {
     const std::lock_guard guard(m_mutex);
     requests.append(request);
-    if (++m_runs == m_failAt) {
+    ++m_runs;
+    if (m_runs >= m_failAt && m_runs < m_failAt + m_failTimes) {
       failure = m_failure;
     }
   }

@@ -32,8 +32,9 @@ public:
   QList<ToolRequest> requests;
   QStringList detached; // program and arguments, joined by blanks
 
-  // The n-th run from now, counted from 1, ends like this instead; a copy leaves half of its bytes behind.
-  void failAt(int run, const ToolResult &result);
+  // The n-th run from now, counted from 1, and as many as wanted after it end like this instead; a copy leaves half
+  // of its bytes behind.
+  void failAt(int run, const ToolResult &result, int times = 1);
   [[nodiscard]] int runs() const;
   [[nodiscard]] QStringList programs() const; // of the requests
 
@@ -53,6 +54,7 @@ private:
   mutable std::mutex m_mutex; // guards the lists above and everything below
   int m_runs = 0;
   int m_failAt = 0;
+  int m_failTimes = 0;
   ToolResult m_failure;
 };
 

@@ -9,7 +9,7 @@ namespace sonorel::test {
 
 class FakeServiceBrowser : public ServiceBrowser {
 public:
-  QString type;   // of the running browse; empty when stopped
+  QString type; // of the running browse; empty when stopped
   QString domain;
   QList<Service> resolving; // every service that was asked for
 

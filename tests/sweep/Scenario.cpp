@@ -16,9 +16,26 @@ Dropped newPlaylist(World &world) {
            world.track(u"Ben/Second/Ben-Second-Three.m4a"_s, 'c')}};
 }
 
+Dropped otherNames(World &world) {
+  const auto named = [&world](const QString &path, const QString &title, char seed) {
+    const QString track = world.track(path, seed);
+    TrackTags tags;
+    tags.authors = {u"Ann"_s};
+    tags.album = u"First"_s;
+    tags.title = title;
+    world.metadata.set(track, tags);
+    return track;
+  };
+  return {u"@~Mix@~"_s,
+          {named(u"Ann/First/01 one.mp3"_s, u"One"_s, 'a'),
+           named(u"Ben/Second/02 two.mp3"_s, u"What: a \"Title\"?"_s, 'b'),
+           world.track(u"Ben/Second/Ben-Second-Three.m4a"_s, 'c')}};
+}
+
 Dropped changedPlaylist(World &world) {
   const Dropped before{u"@~Mix@~"_s,
-                       {world.track(u"Ann/First/Ann-First-One.mp3"_s), world.track(u"Ann/First/Ann-First-Two.mp3"_s, 'b'),
+                       {world.track(u"Ann/First/Ann-First-One.mp3"_s),
+                        world.track(u"Ann/First/Ann-First-Two.mp3"_s, 'b'),
                         world.track(u"Ann/First/Ann-First-Gone.mp3"_s, 'd')}};
   playUndisturbed(world, before);
   world.files.erase(before.paths.at(2));
@@ -42,10 +59,16 @@ Dropped looseSongs(World &world) {
 } // namespace
 
 const std::vector<Scenario> &scenarios() {
-  static const std::vector<Scenario> all{{"NewPlaylist", newPlaylist, false},
-                                         {"ChangedPlaylist", changedPlaylist, true},
-                                         {"ColourKey", colourKey, false},
-                                         {"LooseSongs", looseSongs, false}};
+  static const std::vector<Scenario> all{
+      {"NewPlaylist", newPlaylist, false, false, {}},
+      {"OtherNames",
+       otherNames,
+       false,
+       false,
+       {{"01 one.mp3", "Ann-First-One.mp3"}, {"02 two.mp3", "Ann-First-What_ a _Title.mp3"}}},
+      {"ChangedPlaylist", changedPlaylist, true, false, {}},
+      {"ColourKey", colourKey, false, true, {}},
+      {"LooseSongs", looseSongs, false, false, {}}};
   return all;
 }
 

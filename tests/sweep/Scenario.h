@@ -13,6 +13,10 @@ struct Scenario {
   std::function<Dropped(World &)> prepare;
   // A title of the favourites from before may be gone while a client that died was replacing its file.
   bool replacesFiles = false;
+  // A colour key takes a second drop of the same albums otherwise than the first: it is only looked into.
+  bool onColourKey = false;
+  // Tracks whose copy failed stand under the source's own name for good: own name to new name.
+  QMap<QByteArray, QByteArray> ownNames;
 };
 
 [[nodiscard]] const std::vector<Scenario> &scenarios();

@@ -12,8 +12,8 @@ namespace {
 const QStringList kMessages{u"System/ClientConnected.orv"_s, u"System/ClientAlive.orv"_s,
                             u"System/ClientDisconnected.orv"_s, u"System/NetMusicFileCollection.orv"_s,
                             u"System/PhotoFileCollection.orv"_s};
-const QStringList kOldTitles{u"red.mp3"_s,       u"green.mp3"_s,     u"yellow.mp3"_s,
-                             u"blue.mp3"_s,      u"Old\\one.mp3"_s,  u"Old\\two.mp3"_s};
+const QStringList kOldTitles{u"red.mp3"_s,  u"green.mp3"_s,    u"yellow.mp3"_s,
+                             u"blue.mp3"_s, u"Old\\one.mp3"_s, u"Old\\two.mp3"_s};
 
 QByteArray textOf(const FavouriteLists &lists) {
   QStringList lines;
@@ -129,8 +129,9 @@ std::string FavouritesWatch::check() {
       return {};
     }
   }
-  return "no complete favourites file: the server's is " + (server ? std::to_string(server->size()) + " bytes" : "absent") +
-         ", the backup holds " + QStringList(backup.keys()).join(u' ').toStdString();
+  return "no complete favourites file: the server's is " +
+         (server ? std::to_string(server->size()) + " bytes" : "absent") + ", the backup holds " +
+         QStringList(backup.keys()).join(u' ').toStdString();
 }
 
 QStringList titlesWithoutFile(World &world) {

@@ -19,8 +19,8 @@ namespace sonorel::test {
 // The user's own files: bytes and times.
 [[nodiscard]] QMap<QString, QByteArray> localState(const World &world);
 
-// Watches the favourites: at every operation a complete file, with all that the user had, is to stand under one of its
-// known names.
+// Watches the favourites: at every operation a complete file, with all that the user had, is to stand under one of
+// its known names.
 class FavouritesWatch {
 public:
   explicit FavouritesWatch(World &world) : m_world(world) {}

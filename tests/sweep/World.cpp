@@ -18,8 +18,12 @@ FavouriteTitle title(const QString &path, char id) {
 }
 
 FavouriteList colour(const QString &name, int number, const QString &path) {
-  return {name, QString::number(number), u"6"_s, QByteArray(16, static_cast<char>('A' + number)),
-          {title(path, static_cast<char>('a' + number))}, std::nullopt};
+  return {name,
+          QString::number(number),
+          u"6"_s,
+          QByteArray(16, static_cast<char>('A' + number)),
+          {title(path, static_cast<char>('a' + number))},
+          std::nullopt};
 }
 
 } // namespace
@@ -51,8 +55,12 @@ void World::furnishShare() {
                            colour(u"Green"_s, 2, u"green.mp3"_s),
                            colour(u"Yellow"_s, 3, u"yellow.mp3"_s),
                            colour(u"Blue"_s, 4, u"blue.mp3"_s),
-                           {u"@~Old@~"_s, u"5"_s, u"6"_s, QByteArray(16, 'o'),
-                            {title(u"Old\\one.mp3"_s, 'p'), title(u"Old\\two.mp3"_s, 'q')}, std::nullopt}};
+                           {u"@~Old@~"_s,
+                            u"5"_s,
+                            u"6"_s,
+                            QByteArray(16, 'o'),
+                            {title(u"Old\\one.mp3"_s, 'p'), title(u"Old\\two.mp3"_s, 'q')},
+                            std::nullopt}};
   files.put(kMusicFavouritesPath.toString(),
             encodeMusicFavourites(old, {product, false}, u"00000000-0000-0000-0000-0000000000FF"_s));
   files.unmount(kMountPoint.toString());
@@ -74,15 +82,21 @@ QString World::track(const QString &path, char seed, qint64 time) {
 Client::Client(World &in)
     : world(in), m_settings(world.files, world.lists, kSettings.toString()),
       m_strings(world.files, world.lists, resourceFolder()),
-      m_log([this](const QString &text) { view.fillMessageLog(text); }),
-      m_connectionTools{world.files, world.processes, world.clock, desktop, m_settings, [] { return std::stop_token(); },
-                        m_isAuthenticationError},
+      m_log([this](const QString &text) { view.fillMessageLog(text); }), m_connectionTools{world.files,
+                                                                                           world.processes,
+                                                                                           world.clock,
+                                                                                           desktop,
+                                                                                           m_settings,
+                                                                                           [] {
+                                                                                             return std::stop_token();
+                                                                                           },
+                                                                                           m_isAuthenticationError},
       m_messages(world.files, desktop, m_strings, view, m_session, m_folders),
-      m_metadata(world.files, world.metadata),
-      m_transferTools{world.files, world.processes, world.clock, desktop, m_metadata, board},
+      m_metadata(world.files, world.metadata), m_transferTools{world.files, world.processes, world.clock,
+                                                               desktop,     m_metadata,      board},
       m_transfer(m_transferTools, m_folders),
-      m_rewrite({world.files, world.clock, world.identifiers, desktop, m_session}, m_folders,
-                kSupport.toString(), kBackup.toString()),
+      m_rewrite({world.files, world.clock, world.identifiers, desktop, m_session}, m_folders, kSupport.toString(),
+                kBackup.toString()),
       m_dictionaryFile(world.files, world.lists, kSupport.toString() + u"mainDict.xml"_s),
       m_dictionary({desktop, world.identifiers, m_settings, m_session}, m_rewrite, m_dictionaryFile),
       m_limits(world.files, desktop, m_folders, [] {}),

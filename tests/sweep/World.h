@@ -1,5 +1,5 @@
-// What outlives a client: the disk, the share and the time. And a client on fakes, which may die at any operation and be
-// started anew on the same world. Single-threaded.
+// What outlives a client: the disk, the share and the time. And a client on fakes, which may die at any operation and
+// be started anew on the same world. Single-threaded.
 #pragma once
 
 #include "favourites/PlaylistMetaData.h"

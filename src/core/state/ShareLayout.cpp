@@ -7,7 +7,8 @@ namespace sonorel {
 namespace {
 
 constexpr std::array<QStringView, 4> kColours{u"Red", u"Green", u"Yellow", u"Blue"};
-constexpr std::array<QStringView, 4> kColourMarkers{u"@!!!Red!!!@", u"@!!!Green!!!@", u"@!!!Yellow!!!@", u"@!!!Blue!!!@"};
+constexpr std::array<QStringView, 4> kColourMarkers{u"@!!!Red!!!@", u"@!!!Green!!!@", u"@!!!Yellow!!!@",
+                                                    u"@!!!Blue!!!@"};
 
 } // namespace
 

@@ -1,14 +1,16 @@
 #include "platform/linux/LinuxDesktop.h"
 
 #include "platform/linux/AutostartEntry.h"
+#include "platform/linux/ChildProcess.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
-#include <QProcess>
 #include <QSaveFile>
+#include <QStandardPaths>
 
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
@@ -28,11 +30,11 @@ std::optional<LoginItem> entryIn(const QString &path) {
 }
 
 // One call, so that lines of several threads do not mix.
-void writeToStandardError(const QByteArray &bytes) {
+void writeTo(int descriptor, const QByteArray &bytes) {
   qsizetype written = 0;
   while (written < bytes.size()) {
     const auto more =
-        ::write(STDERR_FILENO, bytes.constData() + written, static_cast<std::size_t>(bytes.size() - written));
+        ::write(descriptor, bytes.constData() + written, static_cast<std::size_t>(bytes.size() - written));
     if (more < 0 && errno == EINTR) {
       continue;
     }
@@ -114,16 +116,29 @@ QString LinuxDesktop::systemLanguage() {
 }
 
 bool LinuxDesktop::openDocument(const QString &path) {
+  std::erase_if(m_openers, [](pid_t opener) { return ::waitpid(opener, nullptr, WNOHANG) != 0; });
   const auto hostPath = m_places.hostPath(path);
-  return hostPath && QFileInfo::exists(*hostPath) && QProcess::startDetached(u"xdg-open"_s, {*hostPath});
+  const QString opener = QStandardPaths::findExecutable(u"xdg-open"_s);
+  if (!hostPath || !QFileInfo::exists(*hostPath) || opener.isEmpty()) {
+    return false;
+  }
+  const auto child = static_cast<pid_t>(startChild({opener.toUtf8(), {hostPath->toUtf8()}, std::nullopt, {}, -1}));
+  if (child > 0) {
+    m_openers.push_back(child);
+  }
+  return child > 0;
 }
 
 void LinuxDesktop::log(const QString &line) {
-  writeToStandardError(line.toUtf8() + '\n');
+  writeTo(STDERR_FILENO, line.toUtf8() + '\n');
 }
 
 void LinuxDesktop::printError(const QString &text) {
-  writeToStandardError(text.toUtf8());
+  writeTo(STDERR_FILENO, text.toUtf8());
+}
+
+void LinuxDesktop::printOutput(const QString &text) {
+  writeTo(STDOUT_FILENO, text.toUtf8());
 }
 
 } // namespace sonorel

@@ -5,6 +5,8 @@
 #include "platform/Desktop.h"
 #include "platform/linux/HostPath.h"
 
+#include <sys/types.h>
+
 namespace sonorel {
 
 class LinuxDesktop final : public Desktop {
@@ -26,6 +28,7 @@ public:
   [[nodiscard]] bool openDocument(const QString &path) override;
   void log(const QString &line) override;
   void printError(const QString &text) override;
+  void printOutput(const QString &text) override;
 
 private:
   [[nodiscard]] QString autostartFolder() const;
@@ -33,6 +36,7 @@ private:
   [[nodiscard]] bool writeEntry(const QString &file, const LoginItem &item) const;
 
   Places m_places;
+  std::vector<pid_t> m_openers; // started, and not yet seen to have ended
 };
 
 } // namespace sonorel

@@ -60,7 +60,8 @@ TEST(PlaylistRecords, ComparesPathsExactly) {
 }
 
 TEST(PlaylistRecords, FindsRecordsAfterAPurge) {
-  PlaylistRecords records({record(u"A"_s, u"x"_s), record(u"B"_s, u"y"_s), record(u"A"_s, u"z"_s), record(u"B"_s, u"x"_s)});
+  PlaylistRecords records(
+      {record(u"A"_s, u"x"_s), record(u"B"_s, u"y"_s), record(u"A"_s, u"z"_s), record(u"B"_s, u"x"_s)});
   records.removePlaylist(u"A"_s);
   EXPECT_EQ(flags(records), (QStringList{u"B:y:N"_s, u"B:x:N"_s}));
   records.append(record(u"A"_s, u"y"_s));

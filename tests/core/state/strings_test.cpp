@@ -120,7 +120,6 @@ TEST(Placeholders, EveryHashBecomesTheProductsName) {
 }
 
 TEST(Placeholders, EveryStarBecomesTheQuotedName) {
-  EXPECT_EQ(withFileName(u"* was not copied (*) to #"_s, u"a.mp3"_s),
-            u"\"a.mp3\" was not copied (\"a.mp3\") to #"_s);
+  EXPECT_EQ(withFileName(u"* was not copied (*) to #"_s, u"a.mp3"_s), u"\"a.mp3\" was not copied (\"a.mp3\") to #"_s);
   EXPECT_EQ(withFileName(u"*!"_s, u"a*b#.mp3"_s), u"\"a*b#.mp3\"!"_s);
 }

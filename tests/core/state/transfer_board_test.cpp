@@ -51,7 +51,8 @@ TEST(TransferBoard, FirstDropStartsAndClearsAnOldCancel) {
   EXPECT_EQ(board.entriesFrom(0), (QList<QueueEntry>{pathEntry(u"/m/a.mp3"_s), pathEntry(u"/m/b.mp3"_s)}));
   EXPECT_EQ(board.track(1), std::optional(u"/m/b.mp3"_s));
   EXPECT_FALSE(board.track(2).has_value());
-  EXPECT_EQ(board.records(false), (QList<PlaylistInfo>{record(u"Jazz"_s, u"/m/a.mp3"_s), record(u"Jazz"_s, u"/m/b.mp3"_s)}));
+  EXPECT_EQ(board.records(false),
+            (QList<PlaylistInfo>{record(u"Jazz"_s, u"/m/a.mp3"_s), record(u"Jazz"_s, u"/m/b.mp3"_s)}));
   EXPECT_FALSE(board.hasRecords(true));
   EXPECT_EQ(board.acceptedDrops(), 1U);
 }
@@ -69,7 +70,8 @@ TEST(TransferBoard, SamePlaylistDroppedAgainLeavesOneSetOfRecords) {
   ASSERT_EQ(board.offer(dropOf(u"Jazz"_s, {u"/m/a.mp3"_s, u"/m/b.mp3"_s})), DropAnswer::Started);
   ASSERT_EQ(board.offer(dropOf(u"Rock"_s, {u"/m/c.mp3"_s})), DropAnswer::Appended);
   ASSERT_EQ(board.offer(dropOf(u"Jazz"_s, {u"/m/b.mp3"_s})), DropAnswer::Appended);
-  EXPECT_EQ(board.records(false), (QList<PlaylistInfo>{record(u"Rock"_s, u"/m/c.mp3"_s), record(u"Jazz"_s, u"/m/b.mp3"_s)}));
+  EXPECT_EQ(board.records(false),
+            (QList<PlaylistInfo>{record(u"Rock"_s, u"/m/c.mp3"_s), record(u"Jazz"_s, u"/m/b.mp3"_s)}));
 }
 
 TEST(TransferBoard, DropWithoutPurgeKeepsBothSets) {
@@ -115,7 +117,8 @@ TEST(TransferBoard, DropWhileEndingWaitsAndBecomesTheNextTransfer) {
   EXPECT_EQ(board.state(), TransferState::Running);
   EXPECT_EQ(board.fileIndex, 0);
   EXPECT_EQ(board.entriesFrom(0), (QList<QueueEntry>{pathEntry(u"/m/c.mp3"_s), pathEntry(u"/m/d.mp3"_s)}));
-  EXPECT_EQ(board.records(false), (QList<PlaylistInfo>{record(u"Rock"_s, u"/m/c.mp3"_s), record(u"Pop"_s, u"/m/d.mp3"_s)}));
+  EXPECT_EQ(board.records(false),
+            (QList<PlaylistInfo>{record(u"Rock"_s, u"/m/c.mp3"_s), record(u"Pop"_s, u"/m/d.mp3"_s)}));
   EXPECT_EQ(board.acceptedDrops(), 2U);
   EXPECT_TRUE(board.endWhenNothingAt(2));
   EXPECT_FALSE(board.finish());
@@ -204,12 +207,14 @@ TEST(TransferBoard, DropThatWaitedForABrokenOffTransferIsNotLost) {
 TEST(TransferBoard, UpdateReachesEveryRecordOfThePathInOneArrayOnly) {
   TransferBoard board;
   Drop drop;
-  drop.musicRecords = {record(u"Jazz"_s, u"/m/a.mp3"_s), record(u"Rock"_s, u"/m/b.mp3"_s), record(u"Pop"_s, u"/m/a.mp3"_s)};
+  drop.musicRecords = {record(u"Jazz"_s, u"/m/a.mp3"_s), record(u"Rock"_s, u"/m/b.mp3"_s),
+                       record(u"Pop"_s, u"/m/a.mp3"_s)};
   drop.pictureRecords = {record(u"Trip"_s, u"/m/a.mp3"_s)};
   ASSERT_EQ(board.offer(drop), DropAnswer::Started);
   board.updateRecords(false, u"/m/a.mp3"_s, [](PlaylistInfo &info) { info.songTransferFlag = u"Y"_s; });
-  EXPECT_EQ(board.records(false), (QList<PlaylistInfo>{record(u"Jazz"_s, u"/m/a.mp3"_s, u"Y"_s), record(u"Rock"_s, u"/m/b.mp3"_s),
-                                                       record(u"Pop"_s, u"/m/a.mp3"_s, u"Y"_s)}));
+  EXPECT_EQ(board.records(false),
+            (QList<PlaylistInfo>{record(u"Jazz"_s, u"/m/a.mp3"_s, u"Y"_s), record(u"Rock"_s, u"/m/b.mp3"_s),
+                                 record(u"Pop"_s, u"/m/a.mp3"_s, u"Y"_s)}));
   EXPECT_EQ(board.records(true), (QList<PlaylistInfo>{record(u"Trip"_s, u"/m/a.mp3"_s)}));
   board.replaceRecords(false, {record(u"New"_s, u"/m/a.mp3"_s)});
   board.updateRecords(false, u"/m/a.mp3"_s, [](PlaylistInfo &info) { info.songTransferFlag = u"Y"_s; });

@@ -1,0 +1,37 @@
+// What asks the program to end from outside: SIGTERM, SIGINT and SIGHUP, and a session bus that goes away. Main
+// thread. Constructed before any other thread starts, because the signals must be blocked in all of them.
+#pragma once
+
+#include "platform/linux/FileDescriptor.h"
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QSocketNotifier>
+
+#include <functional>
+#include <optional>
+
+namespace sonorel {
+
+class EndRequests final : public QObject {
+  Q_OBJECT
+
+public:
+  EndRequests();
+
+  // requested is called once for each signal, on the main thread.
+  void observe(const QDBusConnection &bus, std::function<void()> requested);
+
+private Q_SLOTS:
+  void busLost();
+
+private:
+  void readSignal();
+
+  FileDescriptor m_signals;
+  std::optional<QSocketNotifier> m_notifier;
+  std::function<void()> m_requested;
+  bool m_seen = false;
+};
+
+} // namespace sonorel

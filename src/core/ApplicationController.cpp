@@ -1,0 +1,150 @@
+#include "core/ApplicationController.h"
+
+#include "core/Roles.h"
+#include "core/state/Report.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel {
+
+ApplicationController::ApplicationController(const Platform &platform, const ControllerValues &values)
+    : m_roles(std::make_unique<Roles>(platform, values)) {}
+
+ApplicationController::~ApplicationController() = default;
+
+void ApplicationController::start() {
+  Roles &roles = *m_roles;
+  const bool initialised = roles.startUp.init();
+  roles.interface.showConnecting(initialised); // before the door opens: what comes now waits
+  roles.values.initialised(initialised);
+  if (initialised) {
+    roles.startUp.awakeFromNib();
+    roles.share->intake.setReady();
+  }
+}
+
+void ApplicationController::post(const QString &name, std::function<void(ShareRoles &)> operation) {
+  m_roles->platform.loop.post([this, name, operation = std::move(operation)] {
+    if (!m_roles->share) {
+      return; // the start-up has failed
+    }
+    try {
+      operation(*m_roles->share);
+    } catch (const std::exception &e) {
+      logException(m_roles->platform.desktop, name, e);
+    }
+  });
+}
+
+void ApplicationController::reopen(bool hasVisibleWindows) {
+  post(u"reopen"_s, [hasVisibleWindows](ShareRoles &share) { share.events.applicationShouldHandleReopen(hasVisibleWindows); });
+}
+
+void ApplicationController::openFiles(const QStringList &paths) {
+  post(u"openFiles"_s, [this, paths](ShareRoles &share) {
+    share.intake.openFiles();
+    m_roles->platform.notifications.post(u"TrackChute_DragRecieved"_s, {u"Finder"_s, {{u"draggedFiles"_s, paths}}});
+  });
+}
+
+void ApplicationController::connect() {
+  post(u"connect"_s, [](ShareRoles &share) { share.connectFlow.onConnect(); });
+}
+
+void ApplicationController::disconnect() {
+  post(u"disconnect"_s, [](ShareRoles &share) { share.connectFlow.onDisconnect(); });
+}
+
+void ApplicationController::cancel() {
+  post(u"cancel"_s, [](ShareRoles &share) { share.connectFlow.onCancel(); });
+}
+
+void ApplicationController::quit() {
+  m_roles->quitRequests.byUser();
+}
+
+void ApplicationController::endRequested() {
+  m_roles->quitRequests.bySystem();
+}
+
+void ApplicationController::help() {
+  post(u"help"_s, [](ShareRoles &share) { share.texts.onHelp(); });
+}
+
+void ApplicationController::products() {
+  m_roles->interface.selectTab(Tab::Connection);
+}
+
+void ApplicationController::preferences() {
+  m_roles->interface.selectTab(Tab::Preferences);
+}
+
+void ApplicationController::answerAlert(quint32 serial, int button) {
+  m_roles->platform.loop.post([this, serial, button] { m_roles->interface.answerAlert(serial, button); });
+}
+
+void ApplicationController::enterPassword(const QString &password) {
+  post(u"enterPassword"_s, [password](ShareRoles &share) { share.selection.OkEnterPasswordPanel(password); });
+}
+
+void ApplicationController::cancelPassword() {
+  post(u"cancelPassword"_s, [](ShareRoles &share) { share.selection.CancelEnterPasswordPanel(); });
+}
+
+void ApplicationController::addManualProduct(const QString &address, const QString &hostName) {
+  post(u"addManualProduct"_s, [address, hostName](ShareRoles &share) { share.products.AddManualProduct(address, hostName); });
+}
+
+void ApplicationController::addDetectedProduct(int row, const QString &text) {
+  post(u"addDetectedProduct"_s, [row, text](ShareRoles &share) { share.products.AddDetectedProductToProductsList({row, text}); });
+}
+
+void ApplicationController::addAddedProduct(int row, const QString &text) {
+  post(u"addAddedProduct"_s, [row, text](ShareRoles &share) { share.products.AddManuallyAddedProductToProductsList({row, text}); });
+}
+
+void ApplicationController::selectProduct(int row, const QString &text) {
+  post(u"selectProduct"_s, [row, text](ShareRoles &share) { share.selection.onProductSelection({row, text}); });
+}
+
+void ApplicationController::removeProduct(int row, const QString &text) {
+  post(u"removeProduct"_s, [row, text](ShareRoles &share) { share.selection.RemoveAProductProductsList({row, text}); });
+}
+
+void ApplicationController::removeAddedProduct(int row, const QString &text) {
+  post(u"removeAddedProduct"_s, [row, text](ShareRoles &share) { share.products.RemoveAManualProductFromList({row, text}); });
+}
+
+void ApplicationController::removeAllProducts() {
+  post(u"removeAllProducts"_s, [](ShareRoles &share) { share.selection.RemoveWholeProductsFromProductList(); });
+}
+
+void ApplicationController::selectLanguage(int index) {
+  post(u"selectLanguage"_s, [index](ShareRoles &share) { share.texts.langSelect(index); });
+}
+
+Connection *ApplicationController::getConnectionObject() const {
+  return m_roles->share ? m_roles->share->connectFlow.checkConnection() : nullptr;
+}
+
+QVariantMap ApplicationController::getAppProperty() const {
+  return m_roles->settings.all();
+}
+
+QString ApplicationController::getResourcePath() const {
+  return m_roles->paths.resourceFilePath;
+}
+
+QList<PlaylistInfo> ApplicationController::getPlaylistArray(bool photos) const {
+  return m_roles->board.records(photos);
+}
+
+QString ApplicationController::getInvalidChars() const {
+  return kInvalidChars.toString();
+}
+
+QString ApplicationController::getCurrentLanguage() const {
+  return m_roles->strings.languageFile();
+}
+
+} // namespace sonorel

@@ -1,0 +1,243 @@
+#include "core/InterfaceController.h"
+
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel {
+
+namespace {
+
+constexpr int kNoAnswer = -1;
+const auto kConnectImage = u"Connect"_s;
+const auto kDisconnectImage = u"Disconnect"_s;
+const auto kTransferIcon = u"Transfer"_s; // names no image
+
+} // namespace
+
+InterfaceController::InterfaceController(Loop &loop, UserInterface &userInterface, const TransferBoard &board,
+                                         const Strings &strings)
+    : m_loop(loop), m_userInterface(userInterface), m_board(board), m_strings(strings) {}
+
+InterfaceController::~InterfaceController() { m_loop.cancel(m_pulsatingTimer); }
+
+// --- the order of changes ---
+
+void InterfaceController::enqueue(std::function<void()> change) {
+  {
+    const std::lock_guard lock(m_mutex);
+    m_wanted.push_back(std::move(change));
+    if (std::exchange(m_posted, true)) {
+      return;
+    }
+  }
+  m_loop.post([this] { flush(); });
+}
+
+void InterfaceController::flush() {
+  for (;;) {
+    std::vector<std::function<void()>> wanted;
+    {
+      const std::lock_guard lock(m_mutex);
+      wanted.swap(m_wanted);
+      m_posted = false;
+    }
+    if (wanted.empty()) {
+      break;
+    }
+    for (const auto &change : wanted) {
+      change();
+    }
+  }
+  publish();
+}
+
+void InterfaceController::publish() {
+  if (std::exchange(m_changed, false)) {
+    m_userInterface.publish(m_state);
+  }
+}
+
+template <typename Value> void InterfaceController::put(Value UserInterfaceState::*field, const Value &value) {
+  if (m_state.*field != value) {
+    m_state.*field = value;
+    m_changed = true;
+  }
+}
+
+// --- View ---
+
+void InterfaceController::fillMessageLog(const QString &text) {
+  enqueue([this, text] { put(&UserInterfaceState::messageLog, text); });
+}
+
+void InterfaceController::windowFrontCentre() {
+  enqueue([this] {
+    put(&UserInterfaceState::windowVisible, true);
+    publish();
+    m_userInterface.raise();
+  });
+}
+
+// A worker's wish may arrive after Cancel was pressed.
+void InterfaceController::setEnableDisableCancelBtn(bool enabled) {
+  enqueue([this, enabled] { put(&UserInterfaceState::cancelEnabled, enabled && !m_board.isCancel); });
+}
+
+void InterfaceController::setHighlightCancelBtn(bool highlighted) {
+  enqueue([this, highlighted] { put(&UserInterfaceState::cancelHighlighted, highlighted && !m_board.isCancel); });
+}
+
+void InterfaceController::setProgressBar(double percent) {
+  enqueue([this, percent] { put(&UserInterfaceState::progress, percent); });
+}
+
+void InterfaceController::setDockIcon(const QString &iconImageType) {
+  enqueue([this, iconImageType] {
+    if (iconImageType != kTransferIcon) {
+      showImage(iconImageType);
+    } else if (m_pulsatingTimer == 0) {
+      m_pulsatingTimer = m_loop.every(kPulsePeriod, [this] { pulsateImage(); });
+    }
+  });
+}
+
+void InterfaceController::showImage(const QString &image) {
+  m_loop.cancel(std::exchange(m_pulsatingTimer, 0));
+  put(&UserInterfaceState::dockImage, image);
+}
+
+void InterfaceController::pulsateImage() {
+  put(&UserInterfaceState::dockImage, m_pulsateImageToggler ? kDisconnectImage : kConnectImage);
+  m_pulsateImageToggler = !m_pulsateImageToggler;
+  publish();
+}
+
+void InterfaceController::stopPulse() {
+  enqueue([this] { m_loop.cancel(std::exchange(m_pulsatingTimer, 0)); });
+}
+
+void InterfaceController::selectTab(Tab tab) {
+  enqueue([this, tab] { put(&UserInterfaceState::currentTab, static_cast<int>(tab)); });
+}
+
+void InterfaceController::setLanguageEnabled(bool enabled) {
+  enqueue([this, enabled] { put(&UserInterfaceState::languageEnabled, enabled); });
+}
+
+void InterfaceController::attention() {
+  enqueue([this] {
+    publish();
+    m_userInterface.attention();
+  });
+}
+
+void InterfaceController::transferStateChanged() {
+  enqueue([this] { put(&UserInterfaceState::transferring, m_board.state() != TransferState::Idle); });
+}
+
+void InterfaceController::transferComplete() {
+  enqueue([this] {
+    publish();
+    m_userInterface.transferComplete();
+  });
+}
+
+// --- questions ---
+
+void InterfaceController::alert(const QString &message, const QString &informativeText) {
+  ask(message, informativeText, {m_strings.text(u"BtnOk"_s)}, [](int) {});
+}
+
+void InterfaceController::ask(const QString &message, const QString &informativeText, const QStringList &buttons,
+                              std::function<void(int)> answered) {
+  enqueue([=, this, answered = std::move(answered)] { openQuestion(message, informativeText, buttons, answered); });
+}
+
+void InterfaceController::openQuestion(const QString &message, const QString &informativeText,
+                                       const QStringList &buttons, const std::function<void(int)> &answered) {
+  if (m_ended) {
+    answered(kNoAnswer);
+    return;
+  }
+  publish();
+  const quint32 serial = m_nextSerial++;
+  m_open[serial] = {static_cast<int>(buttons.size()), answered};
+  m_userInterface.open({serial, message, informativeText, buttons});
+}
+
+void InterfaceController::answerAlert(quint32 serial, int button) {
+  flush();
+  const auto found = m_open.find(serial);
+  if (found == m_open.end() || button < 0 || button >= found->second.buttons) {
+    return;
+  }
+  const Open question = std::move(found->second);
+  m_open.erase(found);
+  m_userInterface.close(serial);
+  question.answered(button);
+}
+
+void InterfaceController::closeQuestions() {
+  m_ended = true;
+  flush();
+  for (const auto &[serial, question] : std::exchange(m_open, {})) {
+    m_userInterface.close(serial);
+    question.answered(kNoAnswer);
+  }
+}
+
+// --- further values ---
+
+void InterfaceController::setConnected(bool connected) {
+  enqueue([this, connected] { put(&UserInterfaceState::connected, connected); });
+}
+
+void InterfaceController::setDeviceName(const QString &name) {
+  enqueue([this, name] { put(&UserInterfaceState::deviceName, name); });
+}
+
+void InterfaceController::setLabels(const QMap<QString, QString> &labels, const QString &languageFile) {
+  enqueue([this, labels, languageFile] {
+    put(&UserInterfaceState::labels, labels);
+    put(&UserInterfaceState::languageFile, languageFile);
+  });
+}
+
+void InterfaceController::setProducts(const ProductTables &tables) {
+  enqueue([this, tables] {
+    put(&UserInterfaceState::detectedProducts, tables.detected);
+    put(&UserInterfaceState::addedProducts, tables.added);
+    put(&UserInterfaceState::selectedProducts, tables.selected);
+  });
+}
+
+void InterfaceController::showPasswordPanel(bool shown) {
+  enqueue([this, shown] { put(&UserInterfaceState::passwordWanted, shown); });
+}
+
+void InterfaceController::windowWillClose() {
+  enqueue([this] { put(&UserInterfaceState::windowVisible, false); });
+}
+
+void InterfaceController::quit(int status) {
+  enqueue([this, status] {
+    publish();
+    m_userInterface.quit(status);
+  });
+}
+
+void InterfaceController::showConnectionIndicator(bool shown) {
+  enqueue([this, shown] { put(&UserInterfaceState::connectionIndicator, shown); });
+  flush();
+}
+
+void InterfaceController::showConnecting(bool connecting) {
+  enqueue([this, connecting] {
+    put(&UserInterfaceState::busy, connecting);
+    put(&UserInterfaceState::connectionIndicator, connecting);
+  });
+  flush();
+}
+
+} // namespace sonorel

@@ -1,0 +1,59 @@
+#include "core/Roles.h"
+
+namespace sonorel {
+
+Roles::Roles(const Platform &given, const ControllerValues &givenValues)
+    : platform(given), values(givenValues), paths(values.homePath, values.bundlePath),
+      settings(platform.files, platform.propertyLists, paths.PFPath),
+      preferences(platform.files, platform.propertyLists, paths.preferences),
+      strings(platform.files, platform.propertyLists, paths.resourceFilePath),
+      interface(platform.loop, platform.userInterface, board, strings),
+      log([this](const QString &text) { interface.fillMessageLog(text); }),
+      system(platform.runningApplications, platform.processes, platform.scripts, platform.desktop, platform.loop,
+             settings, paths),
+      startUp(platform, paths, {settings, preferences, strings, session}, system, interface, steps()),
+      quitRequests(platform.loop, interruption, quitHooks()) {}
+
+StartUp::Steps Roles::steps() {
+  StartUp::Steps steps;
+  steps.createRoles = [this] { share = std::make_unique<ShareRoles>(*this); };
+  steps.observeNotifications = [this] { share->observeNotifications(); };
+  steps.terminate = [this] { terminate(); };
+  steps.prepareProducts = [this] { share->prepareProducts(); };
+  steps.updateDeviceName = [this] { share->texts.updateDeviceName(); };
+  steps.registerForPower = [this] { return share->registerForPower(); };
+  steps.connectAutomatically = [this] { share->automaticConnection.run(); };
+  steps.createDiscovery = [] {}; // products are added by hand until they are looked for on the network
+  steps.showConnectionIndicator = [this](bool shown) { interface.showConnecting(shown); };
+  return steps;
+}
+
+QuitRequests::Hooks Roles::quitHooks() {
+  QuitRequests::Hooks hooks;
+  hooks.applicationShouldTerminate = [this] {
+    return !share || share->events.applicationShouldTerminate() == TerminateReply::Now;
+  };
+  hooks.cancelTransfer = [this](bool hurry) {
+    if (share) {
+      share->connectFlow.onCancel();
+      if (hurry) {
+        share->forcedEnd.request_stop();
+      }
+      platform.worker.requestStop();
+    }
+  };
+  hooks.joinTransfer = [this] { platform.worker.join(); };
+  hooks.terminate = [this] { terminate(); };
+  return hooks;
+}
+
+// After an ordinary quit the share has been left already.
+void Roles::terminate() {
+  if (share && share->isConnected()) {
+    share->connectFlow.disconnect();
+  }
+  interface.closeQuestions();
+  interface.quit(0);
+}
+
+} // namespace sonorel

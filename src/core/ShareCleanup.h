@@ -1,0 +1,36 @@
+// Temporary files in the share's system folder that nobody will finish: this client's own, which an earlier run left,
+// and those of other clients when they are older than a day. Controller's thread, right after a connection; blocks on
+// the share; never throws.
+#pragma once
+
+#include "core/state/ShareLayout.h"
+#include "platform/Clock.h"
+#include "platform/Desktop.h"
+#include "platform/FileSystem.h"
+
+#include <QString>
+
+namespace sonorel {
+
+inline constexpr QStringView kTemporaryPrefix = u".sonorel-";
+inline constexpr QStringView kShareLockName = u".sonorel-lock"; // the rewrite's own business
+inline constexpr qint64 kForeignTemporaryAge = 24LL * 60 * 60;  // seconds
+
+class ShareCleanup {
+public:
+  // All references must outlive the object. mark stands in the names of this client's own files; empty: none is known.
+  ShareCleanup(FileSystem &files, Clock &clock, Desktop &desktop, ShareFolders folders, QString mark);
+
+  void run();
+
+private:
+  [[nodiscard]] bool isLeftOver(const QString &name, const QString &path);
+
+  FileSystem &m_files;
+  Clock &m_clock;
+  Desktop &m_desktop;
+  const ShareFolders m_folders;
+  const QString m_mark;
+};
+
+} // namespace sonorel

@@ -1,0 +1,167 @@
+#include "core/ShareRoles.h"
+
+#include "core/Roles.h"
+#include "core/state/Report.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel {
+
+ShareRoles::ShareRoles(Roles &owner)
+    : roles(owner), folders(shareFoldersOf(owner.settings)), connectionTools(makeConnectionTools()),
+      products({owner.platform.files, owner.platform.propertyLists, owner.platform.desktop, owner.strings,
+                owner.interface, owner.settings, owner.session},
+               owner.paths.productsDetailsDictFilePath,
+               [&owner](const ProductTables &tables) { owner.interface.setProducts(tables); }),
+      selection(products, owner.session, owner.strings, owner.interface, selectionHooks()),
+      wakeOnLan(products, owner.platform.datagrams, owner.platform.clock, owner.platform.desktop,
+                [&owner] { return owner.interruption.token(); }),
+      messages(owner.platform.files, owner.platform.desktop, owner.strings, owner.interface, owner.session, folders),
+      deviceName(owner.platform.files, owner.platform.propertyLists, owner.platform.desktop, owner.settings,
+                 owner.session, folders, owner.paths.machinePreferences),
+      rewrite({owner.platform.files, owner.platform.clock, owner.platform.identifiers, owner.platform.desktop,
+               owner.session},
+              folders, owner.paths.tempFileLocation, owner.values.backupFolder),
+      dictionaryFile(owner.platform.files, owner.platform.propertyLists, owner.paths.mainDictPath),
+      dictionary({owner.platform.desktop, owner.platform.identifiers, owner.settings, owner.session}, rewrite,
+                 dictionaryFile),
+      productVersion(owner.platform.files, owner.platform.desktop, owner.settings, owner.session, folders),
+      limits(owner.platform.files, owner.platform.desktop, folders,
+             [&owner] {
+               // The user cannot refuse this end: the second request ends the transfer as well.
+               owner.quitRequests.bySystem();
+               owner.quitRequests.bySystem();
+             }),
+      merge({owner.platform.files, owner.platform.propertyLists, owner.platform.clock, owner.platform.desktop,
+             owner.settings, owner.session, dictionary, dictionaryFile, rewrite, limits}),
+      playlists(owner.board, merge, owner.settings, owner.session, owner.platform.identifiers, owner.platform.desktop,
+                playlistHooks()),
+      metadataCache(owner.platform.files, owner.platform.metadata),
+      transferTools{owner.platform.files,   owner.platform.processes, owner.platform.clock,
+                    owner.platform.desktop, metadataCache,            owner.board},
+      transfer(transferTools, folders),
+      driver(transferTools, transfer, owner.log, owner.strings, owner.session, owner.interface, owner.platform.worker,
+             folders, owner.paths.mainDictPath, driverHooks()),
+      intake(owner.platform.files, owner.board, owner.log, owner.strings, owner.session, owner.interface,
+             owner.platform.desktop, intakeHooks()),
+      texts(owner.platform.files, owner.platform.desktop, owner.settings, owner.strings, owner.session,
+            owner.interface, owner.paths),
+      clientAlive(owner.platform.loop,
+                  {[this] { return isConnected(); }, [this] { messages.sendClientAliveMessage(); }}),
+      cleanup(owner.platform.files, owner.platform.clock, owner.platform.desktop, folders, owner.values.temporaryMark),
+      afterConnection({owner.platform.files, owner.platform.propertyLists, owner.platform.desktop, owner.paths},
+                      owner.settings, owner.session, owner.interface, messages, deviceName, products, clientAlive,
+                      afterConnectionHooks()),
+      connectParts{owner.interface, owner.strings, owner.session, owner.board, owner.log,
+                   messages,        products,      texts,         clientAlive, afterConnection},
+      connectFlow(connectionTools, connectParts, owner.paths.mainDictPath,
+                  {[&owner] { owner.system.unmountVBShareUsingApplescript(); },
+                   [this](const QString &address) { wakeOnLan.WakeupOnLanAProduct(address); },
+                   [this] { return driver.isAtWork(); }}),
+      automaticConnection(owner.session, owner.interface, automaticHooks()),
+      events(connectFlow, connectParts, owner.preferences, owner.platform.clock, owner.platform.desktop,
+             eventHooks()),
+      sleepAndWake(owner.platform.files, owner.strings, owner.log, owner.board, owner.interface, folders.share(),
+                   {[this] { return isConnected(); }, [this] { connectFlow.onDisconnect(); }}) {}
+
+ConnectionTools ShareRoles::makeConnectionTools() {
+  return {roles.platform.files,    roles.platform.processes, roles.platform.clock,
+          roles.platform.desktop,  roles.settings,           [this] { return roles.interruption.token(); },
+          isAuthenticationError};
+}
+
+ProductSelection::Hooks ShareRoles::selectionHooks() {
+  ProductSelection::Hooks hooks;
+  hooks.isConnected = [this] { return connectFlow.isConnected(); };
+  hooks.onConnect = [this] { connectFlow.onConnect(); };
+  hooks.onDisconnect = [this] { connectFlow.onDisconnect(); };
+  hooks.showPasswordPanel = [this](bool shown) { roles.interface.showPasswordPanel(shown); };
+  hooks.isPasswordPanelOpen = [this] { return roles.interface.state().passwordWanted; };
+  return hooks;
+}
+
+PlaylistMetaData::Hooks ShareRoles::playlistHooks() {
+  return {[this] { return isConnected(); },
+          [this](const QString &path) {
+            const auto tags = metadataCache.tags(path);
+            return tags ? tags->album : QString();
+          },
+          [this] { return forcedEnd.get_token(); }};
+}
+
+TransferDriver::Hooks ShareRoles::driverHooks() {
+  TransferDriver::Hooks hooks;
+  hooks.isConnected = [this] { return isConnected(); };
+  hooks.enableCFLLimits = [this] { limits.enableCFLLimits(); };
+  hooks.sendMetaDataForPlaylist = [this](bool photos) { return playlists.sendMetaDataForPlaylist(photos); };
+  hooks.sendMetaDataForTransferredFiles = [this](const TransferredKinds &kinds) {
+    messages.sendMetaDataForTransferredFiles(kinds);
+  };
+  hooks.dropsFinished = roles.values.dropsFinished;
+  return hooks;
+}
+
+DropIntake::Hooks ShareRoles::intakeHooks() {
+  return {[this] { return connectFlow.isConnected(); }, [this] { driver.startTransfer(); },
+          [this] { roles.system.killTrackChuteAndLaunch(); }, roles.values.dropsFinished};
+}
+
+AfterConnection::Hooks ShareRoles::afterConnectionHooks() {
+  AfterConnection::Hooks hooks;
+  hooks.updateDeviceName = [this] { texts.updateDeviceName(); };
+  hooks.cleanShare = [this] { cleanup.run(); };
+  hooks.checkAU5SoftwareVersion = [this] { return productVersion.checkAU5SoftwareVersion(); };
+  hooks.validateOrvFile = [this] {
+    rewrite.recoverAtConnect(roles.interruption.token());
+    dictionary.validateOrvFile(roles.interruption.token());
+  };
+  return hooks;
+}
+
+AutomaticConnection::Hooks ShareRoles::automaticHooks() {
+  AutomaticConnection::Hooks hooks;
+  hooks.createConnection = [this] { connectFlow.createConnection(); };
+  hooks.selectedProduct = [this] {
+    const ProductList::ActiveProduct active = products.activeProduct();
+    return SelectedProduct{active.address, active.password, !active.anySelected};
+  };
+  hooks.wakeupOnLanAProduct = [this](const QString &address) { wakeOnLan.WakeupOnLanAProduct(address); };
+  hooks.connectToVaultbox = [this](const QString &password, const QString &address) {
+    return connectFlow.connectToVaultbox(password, address);
+  };
+  hooks.connected = [this] { connectFlow.connectedAutomatically(); };
+  hooks.getConnectionFailureReason = [this] { return connectFlow.getConnectionFailureReason(); };
+  hooks.enterPasswordPanel = [this] { roles.interface.showPasswordPanel(true); };
+  hooks.showErrorConnect = [this] { texts.showErrorConnect(); };
+  return hooks;
+}
+
+ApplicationEvents::Hooks ShareRoles::eventHooks() {
+  return {[this] { roles.startUp.performFirstLaunchCheck(); },
+          [this] { roles.system.killTrackChuteAndLaunch(); },
+          [this] { roles.system.stopObservingSpaces(); },
+          [this] { return roles.interruption.token(); }};
+}
+
+void ShareRoles::observeNotifications() {
+  Notifications &notifications = roles.platform.notifications;
+  notifications.observe(u"TrackChute_DragRecieved"_s,
+                        [this](const Notification &drag) { intake.handleiTunesDragAndDrop(drag); });
+  notifications.observe(u"iPhoto_DragRecieved"_s,
+                        [this](const Notification &drag) { intake.handleiPhotoDragAndDrop(drag); });
+  notifications.observe(u"safari_drag_Notification"_s,
+                        [this](const Notification &drag) { intake.handleSafariDragAndDrop(drag); });
+}
+
+void ShareRoles::prepareProducts() {
+  products.removeDetectedDevices();
+  products.load();
+}
+
+bool ShareRoles::registerForPower() {
+  sleepAndWake.clearSleepCounter();
+  return roles.platform.power.registerForNotifications(
+      {[this](PowerMessage message) { sleepAndWake.powerMessage(message); }, [this] { sleepAndWake.afterWakeup(); }});
+}
+
+} // namespace sonorel

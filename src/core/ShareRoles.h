@@ -1,0 +1,88 @@
+// The roles that work with the share: made by the start-up as soon as the folder values are final, joined with each
+// other here and nowhere else. The controller's own; see ApplicationController.
+#pragma once
+
+#include "core/AfterConnection.h"
+#include "core/ApplicationEvents.h"
+#include "core/AutomaticConnection.h"
+#include "core/ClientAlive.h"
+#include "core/ConnectFlow.h"
+#include "core/ShareCleanup.h"
+#include "core/SleepAndWake.h"
+#include "core/StartUp.h"
+#include "core/WindowTexts.h"
+#include "favourites/PlaylistMetaData.h"
+#include "favourites/ProductVersion.h"
+#include "products/ProductSelection.h"
+#include "products/WakeOnLan.h"
+#include "transfer/DropIntake.h"
+#include "transfer/TransferDriver.h"
+
+#include <atomic>
+#include <stop_token>
+
+namespace sonorel {
+
+struct Roles;
+
+struct ShareRoles {
+  explicit ShareRoles(Roles &roles);
+
+  Roles &roles;
+  const ShareFolders folders;
+  std::atomic<bool> isAuthenticationError{false};
+  std::stop_source forcedEnd; // ends a merge's wait for other clients, nothing else
+  ConnectionTools connectionTools;
+
+  // --- products ---
+  ProductList products;
+  ProductSelection selection;
+  WakeOnLan wakeOnLan;
+
+  // --- messages and favourites ---
+  ClientMessages messages;
+  DeviceName deviceName;
+  FavouritesRewrite rewrite;
+  MainDictionaryFile dictionaryFile;
+  MainDictionary dictionary;
+  ProductVersion productVersion;
+  ColourLimits limits;
+  FavouritesMerge merge;
+  PlaylistMetaData playlists;
+
+  // --- transfer ---
+  MetadataCache metadataCache;
+  TransferTools transferTools;
+  Transfer transfer;
+  TransferDriver driver;
+  DropIntake intake;
+
+  // --- connection ---
+  WindowTexts texts;
+  ClientAlive clientAlive;
+  ShareCleanup cleanup;
+  AfterConnection afterConnection;
+  ConnectParts connectParts;
+  ConnectFlow connectFlow;
+  AutomaticConnection automaticConnection;
+  ApplicationEvents events;
+  SleepAndWake sleepAndWake;
+
+  // A fresh look at the share; any thread.
+  [[nodiscard]] bool isConnected() const { return Connection(connectionTools).isConnected(); }
+  void observeNotifications();
+  void prepareProducts();
+  [[nodiscard]] bool registerForPower();
+
+private:
+  [[nodiscard]] ConnectionTools makeConnectionTools();
+  [[nodiscard]] ProductSelection::Hooks selectionHooks();
+  [[nodiscard]] PlaylistMetaData::Hooks playlistHooks();
+  [[nodiscard]] TransferDriver::Hooks driverHooks();
+  [[nodiscard]] DropIntake::Hooks intakeHooks();
+  [[nodiscard]] AfterConnection::Hooks afterConnectionHooks();
+  [[nodiscard]] AutomaticConnection::Hooks automaticHooks();
+  [[nodiscard]] ApplicationEvents::Hooks eventHooks();
+};
+
+} // namespace sonorel

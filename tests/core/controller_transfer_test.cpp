@@ -1,0 +1,166 @@
+#include "ControllerFixture.h"
+#include "favourites/MainDictionary.h"
+
+using namespace Qt::Literals::StringLiterals;
+using namespace sonorel;
+using namespace sonorel::test;
+using namespace std::chrono_literals;
+
+namespace {
+
+const auto kMusic = u"/Volumes/VB-SHARE$/Music/Mac/"_s;
+const auto kFavourites = u"/Volumes/VB-SHARE$/System/NetMusicFavorites.orv"_s;
+const auto kLimits = u"/Volumes/VB-SHARE$/System/OrvSpecialFavouriteLimits.orv"_s;
+
+class ControllerTransferTest : public ControllerTest {
+protected:
+  // "name: number of titles" of every list that holds titles.
+  QStringList lists() {
+    QStringList found;
+    const FavouriteLists all = decodeMusicFavourites(fakes.files.bytes(kFavourites), {u"Auracore 5"_s, false}).lists;
+    for (const FavouriteList &list : all) {
+      if (!list.songs.empty()) {
+        found.append(list.playlistName + u": "_s + QString::number(list.songs.size()));
+      }
+    }
+    return found;
+  }
+  QStringList musicFiles() {
+    QStringList files;
+    for (const QString &path : fakes.files.tree(kMusic.chopped(1)).keys()) {
+      if (!path.endsWith(u'/')) {
+        files.append(path);
+      }
+    }
+    return files;
+  }
+};
+
+} // namespace
+
+TEST_F(ControllerTransferTest, CarriesADroppedPlaylistToThePlayersFavourites) {
+  startConnected();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s), song(u"Two"_s)});
+  EXPECT_EQ(finished, 0U);
+  carry();
+  EXPECT_EQ(musicFiles().size(), 2);
+  EXPECT_EQ(lists(), QStringList({u"@~Evening@~: 2"_s}));
+  EXPECT_TRUE(fakes.files.exists(kSystemFolder + u"NetMusicFileCollection.orv"_s));
+  EXPECT_EQ(fakes.userInterface.transfersCompleted, 1);
+  EXPECT_EQ(fakes.userInterface.last().messageLog, u"The transfer has ended."_s);
+  EXPECT_FALSE(fakes.userInterface.last().transferring);
+  EXPECT_EQ(finished, 1U);
+  EXPECT_TRUE(controller->getPlaylistArray(false).isEmpty());
+}
+
+TEST_F(ControllerTransferTest, CopiesNothingAgainWhenTheListIsDroppedAgain) {
+  startConnected();
+  const QStringList songs{song(u"One"_s), song(u"Two"_s)};
+  deliver(u"@~Evening@~"_s, songs);
+  carry();
+  fakes.processes.requests.clear();
+  deliver(u"@~Evening@~"_s, songs);
+  carry();
+  EXPECT_FALSE(fakes.processes.programs().contains(u"/bin/cp"_s));
+  EXPECT_EQ(lists(), QStringList({u"@~Evening@~: 2"_s}));
+}
+
+TEST_F(ControllerTransferTest, KeepsTheListsOverAQuitAndANewStart) {
+  startConnected();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  carry();
+  controller->quit();
+  fakes.loop.runPosted();
+  EXPECT_EQ(fakes.userInterface.quitStatus, 0);
+  EXPECT_FALSE(fakes.files.isMounted(kPoint));
+  controller.reset();
+  start();
+  EXPECT_EQ(lists(), QStringList({u"@~Evening@~: 1"_s}));
+  deliver(u"@~Morning@~"_s, {song(u"Two"_s)});
+  carry();
+  QStringList both = lists();
+  both.sort();
+  EXPECT_EQ(both, QStringList({u"@~Evening@~: 1"_s, u"@~Morning@~: 1"_s}));
+}
+
+TEST_F(ControllerTransferTest, RefusesToQuitDuringATransfer) {
+  startConnected();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  controller->quit();
+  fakes.loop.runPosted();
+  EXPECT_EQ(fakes.userInterface.quitStatus, std::nullopt);
+  ASSERT_EQ(fakes.userInterface.questions.size(), 1);
+  EXPECT_EQ(fakes.userInterface.questions.first().message, u"Sonorel cannot quit now."_s);
+  carry();
+  EXPECT_EQ(lists(), QStringList({u"@~Evening@~: 1"_s}));
+}
+
+TEST_F(ControllerTransferTest, ObeysTheSecondRequestOfTheSystem) {
+  startConnected();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  controller->endRequested();
+  fakes.loop.runPosted();
+  EXPECT_EQ(fakes.userInterface.quitStatus, std::nullopt);
+  controller->endRequested();
+  fakes.loop.runPosted();
+  EXPECT_EQ(fakes.userInterface.quitStatus, 0);
+  EXPECT_FALSE(fakes.files.isMounted(kPoint));
+  EXPECT_TRUE(fakes.userInterface.questions.isEmpty());
+  fakes.files.mount(kPoint);
+  EXPECT_EQ(musicFiles(), QStringList()) << "nothing was copied any more";
+  EXPECT_TRUE(fakes.files.exists(kSystemFolder + u"ClientDisconnected.orv"_s));
+}
+
+TEST_F(ControllerTransferTest, EndsWithinFifteenSecondsOfTheSecondRequest) {
+  startConnected();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  controller->endRequested();
+  fakes.loop.runPosted();
+  const auto before = fakes.clock.monotonicNow();
+  controller->endRequested();
+  fakes.loop.runPosted();
+  EXPECT_LE(fakes.clock.monotonicNow() - before, 15s);
+}
+
+TEST_F(ControllerTransferTest, RefusesADropWhileCancelling) {
+  startConnected();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  controller->cancel();
+  fakes.loop.runPosted();
+  deliver(u"@~Morning@~"_s, {song(u"Two"_s)});
+  EXPECT_EQ(finished, 1U) << "the refused drop is done with";
+  carry();
+  EXPECT_EQ(finished, 2U);
+  EXPECT_EQ(musicFiles(), QStringList());
+  EXPECT_TRUE(fakes.userInterface.last().messageLog.endsWith(u"The transfer was cancelled."_s));
+}
+
+TEST_F(ControllerTransferTest, DoesNotConnectWhileATransferRuns) {
+  startConnected();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  fakes.processes.requests.clear();
+  controller->connect();
+  fakes.loop.runPosted();
+  EXPECT_FALSE(fakes.processes.programs().contains(u"/sbin/mount"_s));
+  carry();
+  EXPECT_EQ(lists(), QStringList({u"@~Evening@~: 1"_s}));
+}
+
+TEST_F(ControllerTransferTest, EndsAfterTheTransferWhenTheLimitsFileIsDamaged) {
+  startConnected();
+  fakes.files.put(kLimits, "no limits at all");
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  carry();
+  EXPECT_EQ(fakes.userInterface.quitStatus, 0);
+  fakes.files.mount(kPoint);
+  EXPECT_EQ(lists(), QStringList({u"@~Evening@~: 1"_s})) << "what was placed is in the favourites";
+  EXPECT_EQ(fakes.files.bytes(kLimits), QByteArray("no limits at all"));
+}
+
+TEST_F(ControllerTransferTest, SaysThatNothingIsConnected) {
+  start();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  EXPECT_FALSE(fakes.worker.hasBody());
+  EXPECT_EQ(finished, 1U);
+  EXPECT_EQ(fakes.userInterface.last().currentTab, 2);
+}

@@ -1,0 +1,174 @@
+#include "products/ProductSelection.h"
+
+#include "products/PasswordArchive.h"
+
+#include "ProductFixture.h"
+
+using namespace Qt::Literals::StringLiterals;
+using namespace sonorel;
+
+namespace {
+
+class ProductSelectionTest : public test::ProductTest {
+protected:
+  ProductSelectionTest() {
+    first = with(byHand(u"10.0.0.1"_s), u"Password"_s, encrypt(lists, u"one"_s));
+    second = with(byHand(u"10.0.0.2"_s), u"Password"_s, encrypt(lists, u"two"_s));
+  }
+  void putActiveAndOther() { put(u"Selected Devices"_s, {active(first), passive(second)}); }
+
+  ProductRecord first;
+  ProductRecord second;
+  bool connected = false;
+  bool disconnectWorks = true;
+  bool panelOpen = false;
+  QStringList did;
+  ProductSelection selection{products,
+                             session,
+                             strings,
+                             view,
+                             {[this] { return connected; },
+                              [this] {
+                                did.append(u"connect %1 %2"_s.arg(session.IPAddressString(), session.PasswordString()));
+                                connected = true;
+                              },
+                              [this] {
+                                did.append(u"disconnect"_s);
+                                connected = connected && !disconnectWorks;
+                              },
+                              [this](bool shownNow) {
+                                did.append(shownNow ? u"panel"_s : u"no panel"_s);
+                                panelOpen = shownNow;
+                              },
+                              [this] { return panelOpen; }}};
+};
+
+} // namespace
+
+TEST_F(ProductSelectionTest, ConnectsToTheChosenProduct) {
+  putActiveAndOther();
+  selection.onProductSelection({1, u"10.0.0.2 * "_s});
+  EXPECT_EQ(did, QStringList({u"connect 10.0.0.2 two"_s}));
+  EXPECT_EQ(selected(), QVariantList({passive(first), active(second)}));
+}
+
+TEST_F(ProductSelectionTest, DisconnectsFromTheOtherFirst) {
+  putActiveAndOther();
+  connected = true;
+  session.setIPAddressString(u"10.0.0.1"_s);
+  selection.onProductSelection({1, {}});
+  EXPECT_EQ(did, QStringList({u"disconnect"_s, u"connect 10.0.0.2 two"_s}));
+}
+
+TEST_F(ProductSelectionTest, ProductThatIsConnectedAlreadyIsLeftConnected) {
+  putActiveAndOther();
+  connected = true;
+  session.setIPAddressString(u"10.0.0.1"_s);
+  selection.onProductSelection({0, {}});
+  EXPECT_EQ(did, QStringList());
+}
+
+TEST_F(ProductSelectionTest, RefusedDisconnectStopsAndTheNextChoiceTriesAgain) {
+  putActiveAndOther();
+  connected = true;
+  disconnectWorks = false;
+  session.setIPAddressString(u"10.0.0.1"_s);
+  selection.onProductSelection({1, {}});
+  EXPECT_EQ(did, QStringList({u"disconnect"_s}));
+  EXPECT_EQ(session.IPAddressString(), u"10.0.0.1"_s);
+  EXPECT_EQ(selected(), QVariantList({passive(first), active(second)})) << "the marks stay as they were set";
+  disconnectWorks = true;
+  selection.onProductSelection({1, {}});
+  EXPECT_EQ(did, QStringList({u"disconnect"_s, u"disconnect"_s, u"connect 10.0.0.2 two"_s}));
+}
+
+TEST_F(ProductSelectionTest, PasswordOfAnEarlierConnectionIsUsed) {
+  put({{u"Selected Devices"_s, QVariantList{byHand({}, u"box"_s)}},
+       {u"Earlier Connected Devices"_s,
+        QVariantList{with(byHand(u"box"_s), u"Password"_s, encrypt(lists, u"earlier"_s))}}});
+  selection.onProductSelection({0, {}});
+  EXPECT_EQ(did, QStringList({u"connect box earlier"_s}));
+}
+
+TEST_F(ProductSelectionTest, WithoutAPasswordThePanelIsOpened) {
+  put(u"Selected Devices"_s, {byHand(u"10.0.0.3"_s)});
+  selection.onProductSelection({0, {}});
+  EXPECT_EQ(did, QStringList({u"panel"_s}));
+  EXPECT_EQ(session.IPAddressString(), u"10.0.0.3"_s);
+  selection.OkEnterPasswordPanel({});
+  EXPECT_TRUE(panelOpen) << "an empty password leaves it open";
+  selection.OkEnterPasswordPanel(u"typed"_s);
+  EXPECT_EQ(did, QStringList({u"panel"_s, u"no panel"_s, u"connect 10.0.0.3 typed"_s}));
+}
+
+TEST_F(ProductSelectionTest, CancelledPanelConnectsNothing) {
+  put(u"Selected Devices"_s, {byHand(u"10.0.0.3"_s)});
+  selection.onProductSelection({0, {}});
+  selection.CancelEnterPasswordPanel();
+  selection.OkEnterPasswordPanel(u"too late"_s);
+  EXPECT_EQ(did, QStringList({u"panel"_s, u"no panel"_s}));
+  EXPECT_EQ(session.PasswordString(), QString());
+}
+
+TEST_F(ProductSelectionTest, ProductThatIsNotActiveGoesWithoutAQuestion) {
+  putActiveAndOther();
+  connected = true;
+  selection.RemoveAProductProductsList({1, {}});
+  EXPECT_EQ(selected(), QVariantList({active(first)}));
+  EXPECT_TRUE(view.asked.empty());
+}
+
+TEST_F(ProductSelectionTest, ActiveProductGoesOnlyOnYes) {
+  putActiveAndOther();
+  connected = true;
+  selection.RemoveAProductProductsList({0, {}});
+  ASSERT_EQ(view.asked.size(), 1U);
+  EXPECT_EQ(view.asked.front().message, u"Please note"_s);
+  EXPECT_EQ(view.asked.front().informativeText,
+            u"You are connected to this product. It will be disconnected and removed from the list. "
+            u"Do you want to continue?"_s);
+  EXPECT_EQ(view.asked.front().buttons, QStringList({u"No"_s, u"Yes"_s}));
+  view.answer(0);
+  EXPECT_EQ(selected(), QVariantList({active(first), passive(second)}));
+  selection.RemoveAProductProductsList({0, {}});
+  view.answer(1);
+  EXPECT_EQ(selected(), QVariantList({passive(second)}));
+  EXPECT_EQ(did, QStringList({u"disconnect"_s}));
+}
+
+TEST_F(ProductSelectionTest, ActiveProductStaysWhenTheDisconnectIsRefused) {
+  putActiveAndOther();
+  connected = true;
+  disconnectWorks = false;
+  selection.RemoveAProductProductsList({0, {}});
+  view.answer(1);
+  EXPECT_EQ(selected(), QVariantList({active(first), passive(second)}));
+}
+
+TEST_F(ProductSelectionTest, AnswerMeansTheProductEvenWhenTheRowsHaveMoved) {
+  putActiveAndOther();
+  connected = true;
+  selection.RemoveAProductProductsList({0, {}});
+  put(u"Selected Devices"_s, {passive(second), active(with(first, u"Mac Address"_s, u"00-11"_s))});
+  view.answer(1);
+  EXPECT_EQ(selected(), QVariantList({passive(second)}));
+}
+
+TEST_F(ProductSelectionTest, ActiveProductGoesAtOnceWhileNothingIsConnected) {
+  putActiveAndOther();
+  selection.RemoveAProductProductsList({0, {}});
+  EXPECT_EQ(selected(), QVariantList({passive(second)}));
+}
+
+TEST_F(ProductSelectionTest, WholeListGoesWithItsKey) {
+  putActiveAndOther();
+  connected = true;
+  selection.RemoveWholeProductsFromProductList();
+  ASSERT_EQ(view.asked.size(), 1U);
+  view.answer(-1);
+  EXPECT_EQ(selected().size(), 2) << "the program ended instead of an answer";
+  selection.RemoveWholeProductsFromProductList();
+  view.answer(1);
+  EXPECT_FALSE(content().contains(u"Selected Devices"_s));
+  EXPECT_EQ(tables.selected, QStringList());
+}
