@@ -85,7 +85,8 @@ void favouritesContents(QByteArrayView bytes) {
     contents.push_back(content.toByteArray());
     at += 2 + content.size();
   }
-  favouritesFile(assembledFile(QByteArray(kMusicHeaderSize, 'h'), compressedChunks(contents)));
+  favouritesFile(assembledFile(QByteArray(kMusicHeaderSize, 'h'),
+                               compressedChunks(contents.size(), 0, [&](std::size_t i) { return contents.at(i); })));
 }
 
 void limitsFile(QByteArrayView bytes) {

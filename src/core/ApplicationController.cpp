@@ -1,6 +1,7 @@
 #include "core/ApplicationController.h"
 
 #include "core/Roles.h"
+#include "core/ShippedDefaults.h"
 #include "core/state/Report.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -14,6 +15,7 @@ ApplicationController::~ApplicationController() = default;
 
 void ApplicationController::start() {
   Roles &roles = *m_roles;
+  ShippedDefaults(roles.platform.files, roles.platform.propertyLists, roles.platform.desktop, roles.paths).install();
   const bool initialised = roles.startUp.init();
   roles.interface.showConnecting(initialised); // before the door opens: what comes now waits
   roles.values.initialised(initialised);

@@ -23,18 +23,19 @@ qsizetype sizeOfAll(const std::vector<QByteArray> &parts) {
 
 } // namespace
 
-std::vector<QByteArray> compressedChunks(const std::vector<QByteArray> &contents) {
-  std::vector<QByteArray> chunks(contents.size());
+std::vector<QByteArray> compressedChunks(std::size_t count, qsizetype expectedSize,
+                                         const std::function<QByteArray(std::size_t)> &content) {
+  std::vector<QByteArray> chunks(count);
   const unsigned processors = std::clamp(std::thread::hardware_concurrency(), 1U, kMostThreads);
-  const bool parallel = sizeOfAll(contents) > kParallelFrom && contents.size() > 1;
-  const std::size_t threads = parallel ? std::min<std::size_t>(processors, contents.size()) : 1;
+  const bool parallel = expectedSize > kParallelFrom && count > 1;
+  const std::size_t threads = parallel ? std::min<std::size_t>(processors, count) : 1;
 
   std::atomic<std::size_t> next{0};
   std::vector<std::exception_ptr> failures(threads);
   const auto work = [&](std::size_t worker) {
     try {
-      for (std::size_t i = next++; i < contents.size(); i = next++) {
-        Compression::compressData(contents.at(i), chunks.at(i));
+      for (std::size_t i = next++; i < count; i = next++) {
+        Compression::compressData(content(i), chunks.at(i));
       }
     } catch (...) {
       failures.at(worker) = std::current_exception(); // memory ran out: thrown again by the caller's thread

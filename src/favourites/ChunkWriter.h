@@ -4,15 +4,18 @@
 
 #include <QByteArray>
 
+#include <functional>
 #include <vector>
 
 namespace sonorel {
 
-// Below it, starting threads costs more than it brings.
+// Below so many bytes, starting threads costs more than it brings.
 inline constexpr qsizetype kParallelFrom = 1024 * 1024;
 
-// One chunk for each content, in their order.
-[[nodiscard]] std::vector<QByteArray> compressedChunks(const std::vector<QByteArray> &contents);
+// count chunks in their order; content makes the content of one of them and is called from several threads when the
+// contents take more than kParallelFrom bytes, which expectedSize guesses.
+[[nodiscard]] std::vector<QByteArray> compressedChunks(std::size_t count, qsizetype expectedSize,
+                                                       const std::function<QByteArray(std::size_t)> &content);
 // Header block, body length, chunks.
 [[nodiscard]] QByteArray assembledFile(const QByteArray &header, const std::vector<QByteArray> &chunks);
 

@@ -5,6 +5,8 @@
 #include "favourites/StoredFile.h"
 #include "link/TextEncoding.h"
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
@@ -16,6 +18,11 @@ struct Shared {
   QByteArray noCheckSum = QByteArray(kCheckSumSize, '\0');
   QString title = kItemTypeTitle.toString();
 };
+
+// Most texts: the same in both encodings, and without a NUL.
+bool isPlain(QByteArrayView bytes) {
+  return std::all_of(bytes.begin(), bytes.end(), [](char byte) { return static_cast<signed char>(byte) > 0; });
+}
 
 class Decoder {
 public:
@@ -39,6 +46,9 @@ private:
 
   // A NUL character would put a file that is written again out of step.
   QString text(QByteArrayView bytes) {
+    if (isPlain(bytes)) {
+      return QString::fromLatin1(bytes);
+    }
     QString decoded = decodeText(bytes, m_player.utf8);
     if (const qsizetype end = decoded.indexOf(u'\0'); end >= 0) {
       decoded.truncate(end);

@@ -29,12 +29,16 @@ QByteArray list1Content(const FavouriteLists &lists, const PlayerTraits &player)
   return content.take();
 }
 
-QByteArray list2Content(const FavouriteList &list, const PlayerTraits &player) {
+qsizetype expectedSize(const FavouriteList &list) {
   qsizetype size = kTitleOverhead;
   for (const FavouriteTitle &title : list.songs) {
     size += title.songPath.size() + kTitleOverhead;
   }
-  ByteWriter content(size);
+  return size;
+}
+
+QByteArray list2Content(const FavouriteList &list, const PlayerTraits &player) {
+  ByteWriter content(expectedSize(list));
   writeListHead(static_cast<quint32>(list.songs.size()), titlesTag(player.utf8), content);
   for (const FavouriteTitle &title : list.songs) {
     if (player.isVaultbox1() && title.itemType) {
@@ -51,15 +55,16 @@ QByteArray list2Content(const FavouriteList &list, const PlayerTraits &player) {
 } // namespace
 
 QByteArray encodeMusicFavourites(const FavouriteLists &lists, const PlayerTraits &player, const QString &guidText) {
-  std::vector<QByteArray> contents;
-  contents.reserve(lists.size() + 1);
-  contents.push_back(list1Content(lists, player));
+  qsizetype size = 0;
   for (const FavouriteList &list : lists) {
-    contents.push_back(list2Content(list, player));
+    size += expectedSize(list);
   }
+  const auto content = [&](std::size_t chunk) {
+    return chunk == 0 ? list1Content(lists, player) : list2Content(lists.at(chunk - 1), player);
+  };
   return assembledFile(
       messageRecord(u'{' + guidText + u'}', kMusicFavouritesCommand.toString(), kMessageKind.toString()),
-      compressedChunks(contents));
+      compressedChunks(lists.size() + 1, size, content));
 }
 
 bool isNetMusicFavEmpty(QByteArrayView bytes, FavouritesKind kind) {

@@ -3,10 +3,21 @@
 #include "favourites/FavouritesFormat.h"
 #include "link/TextEncoding.h"
 
+#include <algorithm>
+
 namespace sonorel {
 
+namespace {
+
+bool isAscii(QStringView text) {
+  return std::all_of(text.begin(), text.end(), [](QChar unit) { return unit.unicode() < 0x80; });
+}
+
+} // namespace
+
 void writeToStream(const QString &text, quint8 kind, ByteWriter &data, bool utf8) {
-  const QByteArray bytes = encodeText(text, utf8);
+  // Most texts are plain, the same in both encodings, and need no look into tables.
+  const QByteArray bytes = isAscii(text) ? text.toLatin1() : encodeText(text, utf8);
   const qsizetype end = bytes.indexOf('\0');
   data.u8(kind);
   data.u32(static_cast<quint32>(bytes.size()));

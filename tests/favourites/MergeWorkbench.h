@@ -21,8 +21,9 @@ struct MergeWorkbench : FavouritesWorkbench {
                             {[this] { return connected; }, [this](const QString &path) { return albums.value(path); },
                              [] { return std::stop_token(); }}};
 
-  explicit MergeWorkbench(FakeFileSystem &fake, const QString &product = QStringLiteral("Auralis 5"))
-      : FavouritesWorkbench(fake, product) {}
+  explicit MergeWorkbench(FakeFileSystem &fake, const QString &product = QStringLiteral("Auralis 5"),
+                          const QString &client = QStringLiteral("/Client"), int identifiersUsed = 0)
+      : FavouritesWorkbench(fake, product, client, identifiersUsed) {}
 
   // A transferred track of a playlist.
   void track(const QString &playlist, const QString &destination, const QString &album = {}) {

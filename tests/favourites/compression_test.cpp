@@ -75,6 +75,7 @@ TEST(ChunkWriter, ManyLargeContentsKeepTheirOrder) {
     contents.push_back(plain);
     expected += chunk(plain);
   }
-  const std::vector<QByteArray> chunks = compressedChunks(contents);
+  const std::vector<QByteArray> chunks =
+      compressedChunks(contents.size(), 2 * kParallelFrom, [&](std::size_t i) { return contents.at(i); });
   EXPECT_TRUE(assembledFile("head", chunks) == "head" + le32(static_cast<quint32>(expected.size())) + expected);
 }

@@ -112,6 +112,35 @@ TEST_F(Rewrite, AFullShareGetsTheOldFileBack) {
   EXPECT_FALSE(leftBehind());
 }
 
+TEST_F(Rewrite, AServerThatHoldsOtherBytesThanWereWrittenGetsTheOldFileBack) {
+  files.put(kServerFile, kOld);
+  files.beforeOperation = [&](int) {
+    if (files.log().last() == u"replace "_s + kServerFile) {
+      files.beforeOperation = nullptr;
+      files.put(kServerFile, kNew.chopped(1), files.nowSeconds);
+    }
+  };
+  EXPECT_THROW(write(kNew), Failure);
+  EXPECT_EQ(files.bytes(kServerFile), kOld);
+  EXPECT_FALSE(leftBehind());
+}
+
+TEST_F(Rewrite, AClientWhoseLockWasTakenOverDeletesNothing) {
+  files.put(kServerFile, kOld);
+  files.beforeOperation = [&](int) {
+    if (files.exists(client->backup(u".marker"_s))) {
+      files.beforeOperation = nullptr;
+      files.put(kServerLock, "FOREIGN/1", files.nowSeconds);
+    }
+  };
+  files.clearLog();
+  EXPECT_THROW(write(kNew), Failure);
+  EXPECT_EQ(files.bytes(kServerFile), kOld);
+  EXPECT_FALSE(files.log().contains(u"removeFile "_s + kServerFile));
+  EXPECT_EQ(files.bytes(kServerLock), "FOREIGN/1");
+  EXPECT_FALSE(leftBehind());
+}
+
 TEST_F(Rewrite, ADeleteThatFailsLeavesTheFileAndIsAFailure) {
   files.put(kServerFile, kOld);
   files.beforeOperation = [&](int) {
