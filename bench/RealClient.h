@@ -1,5 +1,5 @@
-// Intake and driver over the real file system, tools and tags of this machine, on the embedded product, without the fixed
-// pauses. Runs on the calling thread.
+// Intake and driver over the real file system, tools and tags of this machine, on the embedded product, without the
+// fixed pauses. Runs on the calling thread.
 #pragma once
 
 #include "bench/Bench.h"
@@ -40,13 +40,13 @@ public:
     session.setDeviceName(QStringLiteral("Auracore 5"));
     session.setIPAddressString(QStringLiteral("embedded"));
     files.createFolder(kMountPoint.toString(), kFolderMode);
-    const ToolResult mounted = processes.run({QStringLiteral("/sbin/mount"),
-                                              {QStringLiteral("-t"), QStringLiteral("smbfs"),
-                                               QStringLiteral("//user:x@embedded/VB-SHARE$"),
-                                               kMountPoint.toString() + QLatin1Char('/')},
-                                              std::nullopt,
-                                              {}},
-                                             {});
+    const ToolResult mounted =
+        processes.run({QStringLiteral("/sbin/mount"),
+                       {QStringLiteral("-t"), QStringLiteral("smbfs"), QStringLiteral("//user:x@embedded/VB-SHARE$"),
+                        kMountPoint.toString() + QLatin1Char('/')},
+                       std::nullopt,
+                       {}},
+                      {});
     if (!succeeded(mounted)) {
       throw Failure(QString::fromUtf8(mounted.output));
     }
@@ -80,21 +80,35 @@ public:
   ColourLimits limits{files, desktop, test::standardFolders(), [] {}};
   FavouritesMerge merge{
       {files, propertyLists, clock, desktop, settings, session, dictionary, dictionaryFile, rewrite, limits}};
-  PlaylistMetaData metaData{board,       merge,   settings, session,
-                            identifiers, desktop, {[this] { return isConnected(); },
-                                                   [this](const QString &path) {
-                                                     const auto tags = cache.tags(path);
-                                                     return tags ? tags->album : QString();
-                                                   },
-                                                   [] { return std::stop_token(); }}};
-  TransferDriver driver{tools,  transfer, log,
-                        strings, session,  view,
-                        worker,  test::standardFolders(), roots.data + QStringLiteral("/mainDict.xml"),
+  PlaylistMetaData metaData{board,
+                            merge,
+                            settings,
+                            session,
+                            identifiers,
+                            desktop,
+                            {[this] { return isConnected(); },
+                             [this](const QString &path) {
+                               const auto tags = cache.tags(path);
+                               return tags ? tags->album : QString();
+                             },
+                             [] { return std::stop_token(); }}};
+  TransferDriver driver{tools,
+                        transfer,
+                        log,
+                        strings,
+                        session,
+                        view,
+                        worker,
+                        test::standardFolders(),
+                        roots.data + QStringLiteral("/mainDict.xml"),
                         {[this] { return isConnected(); }, [this] { limits.enableCFLLimits(); },
                          [this](bool photos) { return metaData.sendMetaDataForPlaylist(photos); },
                          [](const TransferredKinds &) {}, [](quint32) {}}};
-  DropIntake intake{files, board, log, strings, session, view, desktop,
-                    {[this] { return isConnected(); }, [this] { driver.startTransfer(); }, [] {}, [](quint32) {}}};
+  DropIntake intake{
+      files,   board,
+      log,     strings,
+      session, view,
+      desktop, {[this] { return isConnected(); }, [this] { driver.startTransfer(); }, [] {}, [](quint32) {}}};
 
   [[nodiscard]] bool isConnected() {
     return files.presence(kMountPoint.toString() + QStringLiteral("/System")) == Presence::Present;

@@ -121,8 +121,8 @@ void Door::announce(const QVariantMap &changed, const QStringList &invalidated) 
   if (changed.isEmpty() && invalidated.isEmpty()) {
     return;
   }
-  QDBusMessage signal = QDBusMessage::createSignal(u"/com/orv/Sonorel"_s, u"org.freedesktop.DBus.Properties"_s,
-                                                   u"PropertiesChanged"_s);
+  QDBusMessage signal =
+      QDBusMessage::createSignal(u"/com/orv/Sonorel"_s, u"org.freedesktop.DBus.Properties"_s, u"PropertiesChanged"_s);
   signal << u"com.orv.Sonorel.Client"_s << changed << invalidated;
   m_bus.send(signal);
 }

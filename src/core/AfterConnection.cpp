@@ -53,9 +53,8 @@ void AfterConnection::storeCredentials(const QString &address) {
     values.insert(u"IPAddress"_s, address);
     values.insert(u"Password"_s, password);
   });
-  const QVariantMap machine{{u"IPAddress"_s, address},
-                            {u"Password"_s, password},
-                            {u"Username"_s, m_settings.text(u"Username"_s)}};
+  const QVariantMap machine{
+      {u"IPAddress"_s, address}, {u"Password"_s, password}, {u"Username"_s, m_settings.text(u"Username"_s)}};
   m_machinePreferences.write(machine, m_machinePreferences.exists() ? std::nullopt : std::optional(kFolderMode));
 }
 

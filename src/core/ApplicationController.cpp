@@ -39,7 +39,8 @@ void ApplicationController::post(const QString &name, std::function<void(ShareRo
 }
 
 void ApplicationController::reopen(bool hasVisibleWindows) {
-  post(u"reopen"_s, [hasVisibleWindows](ShareRoles &share) { share.events.applicationShouldHandleReopen(hasVisibleWindows); });
+  post(u"reopen"_s,
+       [hasVisibleWindows](ShareRoles &share) { share.events.applicationShouldHandleReopen(hasVisibleWindows); });
 }
 
 void ApplicationController::openFiles(const QStringList &paths) {
@@ -94,15 +95,20 @@ void ApplicationController::cancelPassword() {
 }
 
 void ApplicationController::addManualProduct(const QString &address, const QString &hostName) {
-  post(u"addManualProduct"_s, [address, hostName](ShareRoles &share) { share.products.AddManualProduct(address, hostName); });
+  post(u"addManualProduct"_s,
+       [address, hostName](ShareRoles &share) { share.products.AddManualProduct(address, hostName); });
 }
 
 void ApplicationController::addDetectedProduct(int row, const QString &text) {
-  post(u"addDetectedProduct"_s, [row, text](ShareRoles &share) { share.products.AddDetectedProductToProductsList({row, text}); });
+  post(u"addDetectedProduct"_s, [row, text](ShareRoles &share) {
+    share.products.AddDetectedProductToProductsList({row, text});
+  });
 }
 
 void ApplicationController::addAddedProduct(int row, const QString &text) {
-  post(u"addAddedProduct"_s, [row, text](ShareRoles &share) { share.products.AddManuallyAddedProductToProductsList({row, text}); });
+  post(u"addAddedProduct"_s, [row, text](ShareRoles &share) {
+    share.products.AddManuallyAddedProductToProductsList({row, text});
+  });
 }
 
 void ApplicationController::selectProduct(int row, const QString &text) {
@@ -110,11 +116,15 @@ void ApplicationController::selectProduct(int row, const QString &text) {
 }
 
 void ApplicationController::removeProduct(int row, const QString &text) {
-  post(u"removeProduct"_s, [row, text](ShareRoles &share) { share.selection.RemoveAProductProductsList({row, text}); });
+  post(u"removeProduct"_s, [row, text](ShareRoles &share) {
+    share.selection.RemoveAProductProductsList({row, text});
+  });
 }
 
 void ApplicationController::removeAddedProduct(int row, const QString &text) {
-  post(u"removeAddedProduct"_s, [row, text](ShareRoles &share) { share.products.RemoveAManualProductFromList({row, text}); });
+  post(u"removeAddedProduct"_s, [row, text](ShareRoles &share) {
+    share.products.RemoveAManualProductFromList({row, text});
+  });
 }
 
 void ApplicationController::removeAllProducts() {

@@ -97,6 +97,8 @@ void ApplicationEvents::reopen() {
   m_hooks.killTrackChuteAndLaunch();
 }
 
-void ApplicationEvents::windowWillClose() { m_parts.interface.windowWillClose(); }
+void ApplicationEvents::windowWillClose() {
+  m_parts.interface.windowWillClose();
+}
 
 } // namespace sonorel

@@ -1,4 +1,5 @@
-// What the desktop asks of the running program: to end, to show itself again, to hide its window. Controller's thread.
+// What the desktop asks of the running program: to end, to show itself again, to hide its window. Controller's
+// thread.
 #pragma once
 
 #include "core/ConnectFlow.h"

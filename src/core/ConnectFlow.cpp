@@ -124,7 +124,9 @@ void ConnectFlow::removeMainDictionary() {
   }
 }
 
-void ConnectFlow::createConnection() { m_checkConnection = std::make_unique<Connection>(m_tools); }
+void ConnectFlow::createConnection() {
+  m_checkConnection = std::make_unique<Connection>(m_tools);
+}
 
 bool ConnectFlow::isConnected() const {
   const bool connected = Connection(m_tools).isConnected();
@@ -161,9 +163,8 @@ void ConnectFlow::onDisconnect() {
 }
 
 void ConnectFlow::refuseDisconnect() {
-  m_parts.interface.alert(
-      withProductName(m_parts.strings.text(u"ErrorDisconnect1"_s), m_parts.session.deviceName()),
-      m_parts.strings.text(u"ErrorDisconnect2"_s));
+  m_parts.interface.alert(withProductName(m_parts.strings.text(u"ErrorDisconnect1"_s), m_parts.session.deviceName()),
+                          m_parts.strings.text(u"ErrorDisconnect2"_s));
 }
 
 void ConnectFlow::disconnectAndShow(bool resetWindow) {

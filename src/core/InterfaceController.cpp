@@ -19,7 +19,9 @@ InterfaceController::InterfaceController(Loop &loop, UserInterface &userInterfac
                                          const Strings &strings)
     : m_loop(loop), m_userInterface(userInterface), m_board(board), m_strings(strings) {}
 
-InterfaceController::~InterfaceController() { m_loop.cancel(m_pulsatingTimer); }
+InterfaceController::~InterfaceController() {
+  m_loop.cancel(m_pulsatingTimer);
+}
 
 // --- the order of changes ---
 

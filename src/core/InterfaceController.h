@@ -1,6 +1,6 @@
-// The window's values, and the one who changes them. Whoever wants a change asks for it, from any thread, and it takes
-// effect on the controller's thread, in the order asked; then a copy of all values is published. Questions are opened
-// and answered later; nobody waits. Read next: core/state/View.h, platform/UserInterface.h.
+// The window's values, and the one who changes them. Whoever wants a change asks for it, from any thread, and it
+// takes effect on the controller's thread, in the order asked; then a copy of all values is published. Questions are
+// opened and answered later; nobody waits. Read next: core/state/View.h, platform/UserInterface.h.
 #pragma once
 
 #include "core/state/Strings.h"

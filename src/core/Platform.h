@@ -47,7 +47,7 @@ struct Platform {
 struct ControllerValues {
   QString homePath; // the user's home folder, no "/" at the end
   QString bundlePath = QStringLiteral("/Applications/Sonorel/Sonorel.app");
-  QString backupFolder; // the old and new favourites files of each product, no "/" at the end
+  QString backupFolder;  // the old and new favourites files of each product, no "/" at the end
   QString temporaryMark; // stands in the names of this client's temporary files; empty: not known
   // Any thread: that many received drops have found their end.
   std::function<void(quint32)> dropsFinished = [](quint32) {};

@@ -18,7 +18,8 @@ inline constexpr qint64 kForeignTemporaryAge = 24LL * 60 * 60;  // seconds
 
 class ShareCleanup {
 public:
-  // All references must outlive the object. mark stands in the names of this client's own files; empty: none is known.
+  // All references must outlive the object. mark stands in the names of this client's own files; empty: none is
+  // known.
   ShareCleanup(FileSystem &files, Clock &clock, Desktop &desktop, ShareFolders folders, QString mark);
 
   void run();

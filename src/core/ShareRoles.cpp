@@ -36,9 +36,12 @@ ShareRoles::ShareRoles(Roles &owner)
              owner.settings, owner.session, dictionary, dictionaryFile, rewrite, limits}),
       playlists(owner.board, merge, owner.settings, owner.session, owner.platform.identifiers, owner.platform.desktop,
                 playlistHooks()),
-      metadataCache(owner.platform.files, owner.platform.metadata),
-      transferTools{owner.platform.files,   owner.platform.processes, owner.platform.clock,
-                    owner.platform.desktop, metadataCache,            owner.board},
+      metadataCache(owner.platform.files, owner.platform.metadata), transferTools{owner.platform.files,
+                                                                                  owner.platform.processes,
+                                                                                  owner.platform.clock,
+                                                                                  owner.platform.desktop,
+                                                                                  metadataCache,
+                                                                                  owner.board},
       transfer(transferTools, folders),
       driver(transferTools, transfer, owner.log, owner.strings, owner.session, owner.interface, owner.platform.worker,
              folders, owner.paths.mainDictPath, driverHooks()),
@@ -48,7 +51,8 @@ ShareRoles::ShareRoles(Roles &owner)
             owner.interface, owner.paths),
       clientAlive(owner.platform.loop,
                   {[this] { return isConnected(); }, [this] { messages.sendClientAliveMessage(); }}),
-      cleanup(owner.platform.files, owner.platform.clock, owner.platform.desktop, folders, owner.values.temporaryMark),
+      cleanup(owner.platform.files, owner.platform.clock, owner.platform.desktop, folders,
+              owner.values.temporaryMark),
       afterConnection({owner.platform.files, owner.platform.propertyLists, owner.platform.desktop, owner.paths},
                       owner.settings, owner.session, owner.interface, messages, deviceName, products, clientAlive,
                       afterConnectionHooks()),
@@ -65,8 +69,8 @@ ShareRoles::ShareRoles(Roles &owner)
                    {[this] { return isConnected(); }, [this] { connectFlow.onDisconnect(); }}) {}
 
 ConnectionTools ShareRoles::makeConnectionTools() {
-  return {roles.platform.files,    roles.platform.processes, roles.platform.clock,
-          roles.platform.desktop,  roles.settings,           [this] { return roles.interruption.token(); },
+  return {roles.platform.files,   roles.platform.processes, roles.platform.clock,
+          roles.platform.desktop, roles.settings,           [this] { return roles.interruption.token(); },
           isAuthenticationError};
 }
 
@@ -137,10 +141,8 @@ AutomaticConnection::Hooks ShareRoles::automaticHooks() {
 }
 
 ApplicationEvents::Hooks ShareRoles::eventHooks() {
-  return {[this] { roles.startUp.performFirstLaunchCheck(); },
-          [this] { roles.system.killTrackChuteAndLaunch(); },
-          [this] { roles.system.stopObservingSpaces(); },
-          [this] { return roles.interruption.token(); }};
+  return {[this] { roles.startUp.performFirstLaunchCheck(); }, [this] { roles.system.killTrackChuteAndLaunch(); },
+          [this] { roles.system.stopObservingSpaces(); }, [this] { return roles.interruption.token(); }};
 }
 
 void ShareRoles::observeNotifications() {

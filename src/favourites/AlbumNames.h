@@ -1,5 +1,5 @@
-// The album attribute of dropped files, from the tags that the transfer has read already. Worker thread; blocks on the
-// disk where a file was not read before.
+// The album attribute of dropped files, from the tags that the transfer has read already. Worker thread; blocks on
+// the disk where a file was not read before.
 #pragma once
 
 #include "platform/Desktop.h"

@@ -24,8 +24,8 @@ int limitFor(qsizetype titles) {
 
 ColourLimits::ColourLimits(FileSystem &files, Desktop &desktop, const ShareFolders &folders,
                            std::function<void()> quit)
-    : m_files(files), m_desktop(desktop), m_path(folders.system() + kLimitsFile.toString()),
-      m_quit(std::move(quit)) {}
+    : m_files(files), m_desktop(desktop), m_path(folders.system() + kLimitsFile.toString()), m_quit(std::move(quit)) {
+}
 
 bool ColourLimits::presentLimitSettings() {
   if (m_files.presence(m_path) != Presence::Present) {

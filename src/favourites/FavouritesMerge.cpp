@@ -17,7 +17,7 @@ namespace sonorel {
 namespace {
 
 constexpr std::chrono::milliseconds kPauseBeforeDelete{1000};
-constexpr int kAlbumLimit = 9;            // a key with this limit holds albums
+constexpr int kAlbumLimit = 9; // a key with this limit holds albums
 constexpr size_t kMostAlbumsOnAuralis5 = 9;
 constexpr size_t kMostSavedTitles = 99;
 

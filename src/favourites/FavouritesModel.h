@@ -12,9 +12,9 @@
 namespace sonorel {
 
 struct FavouriteTitle {
-  QString songPath;      // "SongPath": "@@@@@" or a backslash between folders, without the server's prefix
-  QByteArray checkSum;   // 36 bytes when made here
-  QByteArray guid;       // 16 bytes
+  QString songPath;                // "SongPath": "@@@@@" or a backslash between folders, without the server's prefix
+  QByteArray checkSum;             // 36 bytes when made here
+  QByteArray guid;                 // 16 bytes
   std::optional<QString> itemType; // "1" title, "2" album; none for "Vaultbox 1"
 
   bool operator==(const FavouriteTitle &) const = default;
@@ -37,8 +37,8 @@ using FavouriteLists = std::vector<FavouriteList>;
 // What list building hands to the merge: the new lists in order. A list without titles keeps its number and is
 // dropped.
 struct NewList {
-  QString name;         // a colour key by its bare name
-  QString playlistId;   // the number list building gave it; the merge gives its own
+  QString name;       // a colour key by its bare name
+  QString playlistId; // the number list building gave it; the merge gives its own
   QString locationId = QStringLiteral("6");
   QByteArray guid;
   std::vector<FavouriteTitle> titles;

@@ -1,5 +1,5 @@
-// The limits file "OrvSpecialFavouriteLimits.orv" as bytes: docs/formats/limits.md. Pure; any thread. Everything that is
-// not a value stays as it is, byte order mark and line ends included.
+// The limits file "OrvSpecialFavouriteLimits.orv" as bytes: docs/formats/limits.md. Pure; any thread. Everything that
+// is not a value stays as it is, byte order mark and line ends included.
 #pragma once
 
 #include <QByteArray>

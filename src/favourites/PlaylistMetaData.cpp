@@ -40,9 +40,8 @@ bool PlaylistMetaData::sendMetaDataForPlaylist(bool photos) {
 }
 
 bool PlaylistMetaData::sendPhotos(const QList<PlaylistInfo> &records) {
-  const bool transferred = std::any_of(records.begin(), records.end(), [](const PlaylistInfo &record) {
-    return record.songTransferFlag == u"Y";
-  });
+  const bool transferred = std::any_of(records.begin(), records.end(),
+                                       [](const PlaylistInfo &record) { return record.songTransferFlag == u"Y"; });
   if (transferred) {
     m_desktop.log(u"The albums of the transferred pictures were not written: this is not possible yet."_s);
   }
@@ -50,8 +49,7 @@ bool PlaylistMetaData::sendPhotos(const QList<PlaylistInfo> &records) {
 }
 
 bool PlaylistMetaData::sendMusic(const QList<PlaylistInfo> &records) {
-  const PlaylistDetails details =
-      makePlaylistDetailData(records, m_hooks.album, playerOf(m_session), m_identifiers);
+  const PlaylistDetails details = makePlaylistDetailData(records, m_hooks.album, playerOf(m_session), m_identifiers);
   m_board.replaceRecords(false, details.records);
   const std::vector<NewList> lists = newLists(details);
   if (m_hooks.isConnected()) {

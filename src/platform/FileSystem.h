@@ -24,15 +24,15 @@ struct FileAttributes {
   quint64 size = 0;
   qint64 modifiedSeconds = 0; // since 1970, UTC
   qint32 modifiedNanoseconds = 0;
-  quint32 mode = 0; // permission bits, 0 to 07777
+  quint32 mode = 0;   // permission bits, 0 to 07777
   quint64 fileId = 0; // changes when the name is given to another file
 };
 
 struct Volume {
-  QString mountRoot;    // the system's path of the mount point, no trailing "/"
-  QString typeName;     // "smbfs" for every kind of share mount
+  QString mountRoot;     // the system's path of the mount point, no trailing "/"
+  QString typeName;      // "smbfs" for every kind of share mount
   quint64 freeBytes = 0; // what this user may still write
-  quint64 mountId = 0;  // changes with every mount
+  quint64 mountId = 0;   // changes with every mount
 };
 
 // Held until destroyed; released by the operating system when the process dies.

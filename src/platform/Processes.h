@@ -16,8 +16,8 @@ namespace sonorel {
 struct ToolRequest {
   QString program;
   QStringList arguments;
-  std::optional<QByteArray> input;        // none: no standard input
-  std::chrono::milliseconds deadline{0};  // 0: none; when it passes the tool is killed
+  std::optional<QByteArray> input;       // none: no standard input
+  std::chrono::milliseconds deadline{0}; // 0: none; when it passes the tool is killed
 };
 
 enum class ToolEnding { Exited, DeadlinePassed, Stopped, NotStarted };

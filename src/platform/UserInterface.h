@@ -10,7 +10,7 @@ namespace sonorel {
 
 struct UserInterfaceState {
   QString deviceName;
-  QString dockImage;      // "Connect", "Disconnect", "NewAppIcon", "AppIcon"
+  QString dockImage; // "Connect", "Disconnect", "NewAppIcon", "AppIcon"
   QString messageLog;
   double progress = 0;    // 0 to 100
   int currentTab = 0;     // 0 about, 1 transfer, 2 connection, 3 preferences
@@ -23,7 +23,7 @@ struct UserInterfaceState {
   bool languageEnabled = true;
   bool passwordWanted = false;
   bool windowVisible = false;
-  quint32 pending = 0;    // drops received and not yet finished
+  quint32 pending = 0; // drops received and not yet finished
   QString languageFile;
   QMap<QString, QString> labels; // strings-table key to text, placeholders replaced
   QStringList detectedProducts;
@@ -46,8 +46,8 @@ public:
   virtual void close(quint32 serial) = 0;
   // Sent after every state of that transfer has been published.
   virtual void transferComplete() = 0;
-  virtual void raise() = 0;     // activate and bring the main window to the front
-  virtual void attention() = 0; // informational request
+  virtual void raise() = 0;          // activate and bring the main window to the front
+  virtual void attention() = 0;      // informational request
   virtual void quit(int status) = 0; // the program ends
 };
 

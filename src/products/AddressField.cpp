@@ -8,7 +8,9 @@ namespace {
 
 constexpr qsizetype kAddressParts = 4;
 
-bool isLetter(char32_t character) { return QChar::isLetter(character) || QChar::isMark(character); }
+bool isLetter(char32_t character) {
+  return QChar::isLetter(character) || QChar::isMark(character);
+}
 
 bool isRefusedPunctuation(char32_t character) {
   return character < 0x80 &&
@@ -20,7 +22,9 @@ bool isControl(char32_t character) {
   return category == QChar::Other_Control || category == QChar::Other_Format;
 }
 
-bool isWhiteSpaceOrLineEnd(char32_t character) { return QChar::isSpace(character); }
+bool isWhiteSpaceOrLineEnd(char32_t character) {
+  return QChar::isSpace(character);
+}
 
 void deleteFirst(QString &text, bool (*matches)(char32_t)) {
   for (qsizetype i = 0; i < text.size();) {

@@ -2,7 +2,9 @@
 
 namespace sonorel {
 
-QByteArray encrypt(PropertyLists &lists, const QString &password) { return lists.archive(password); }
+QByteArray encrypt(PropertyLists &lists, const QString &password) {
+  return lists.archive(password);
+}
 
 QString decrypt(PropertyLists &lists, const QVariant &stored) {
   if (stored.typeId() == QMetaType::QString) {

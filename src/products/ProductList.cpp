@@ -79,7 +79,9 @@ void ProductList::removeDetectedDevices() {
   change(u"removeDetectedDevices"_s, [](QVariantMap &lists) { lists.remove(kDetectedDevices.toString()); });
 }
 
-void ProductList::reloadSelectedProducts() { m_show(m_tables); }
+void ProductList::reloadSelectedProducts() {
+  m_show(m_tables);
+}
 
 void ProductList::AddManualProduct(const QString &address, const QString &hostName) {
   if (address.isEmpty() && hostName.isEmpty()) {
@@ -144,8 +146,7 @@ void ProductList::addToSelected(const QString &operation, ProductTable table, co
 
 void ProductList::alertAlreadyAdded() {
   m_tools.strings.reload();
-  m_tools.view.alert(m_tools.strings.text(u"AlertText"_s),
-                     m_tools.strings.text(u"productAlreadyAddedMessageText"_s));
+  m_tools.view.alert(m_tools.strings.text(u"AlertText"_s), m_tools.strings.text(u"productAlreadyAddedMessageText"_s));
 }
 
 void ProductList::RemoveAManualProductFromList(const ProductRow &row) {

@@ -33,7 +33,9 @@ void setProductText(ProductRecord &record, QStringView key, QStringView text) {
   record.insert(key.toString(), text.toString());
 }
 
-bool isActive(const ProductRecord &record) { return productText(record, kIsSelectedKey) == kSelectedYes; }
+bool isActive(const ProductRecord &record) {
+  return productText(record, kIsSelectedKey) == kSelectedYes;
+}
 
 qsizetype activeIndex(const ProductRecords &records) {
   const auto found = std::find_if(records.begin(), records.end(), isActive);

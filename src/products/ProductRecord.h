@@ -1,6 +1,6 @@
-// One product as the product list file holds it: a dictionary of texts, of which any may be missing and which may hold
-// keys that nobody here knows. The keys, the default texts and the rules by which two records mean the same product.
-// Pure. Read next: ProductListFile.h.
+// One product as the product list file holds it: a dictionary of texts, of which any may be missing and which may
+// hold keys that nobody here knows. The keys, the default texts and the rules by which two records mean the same
+// product. Pure. Read next: ProductListFile.h.
 #pragma once
 
 #include <QList>
@@ -52,7 +52,7 @@ inline constexpr QStringView kNoDetectionType = u"NODETECTIONTYPESET";
 [[nodiscard]] QString productText(const ProductRecord &record, QStringView key, QStringView absent);
 void setProductText(ProductRecord &record, QStringView key, QStringView text);
 
-[[nodiscard]] bool isActive(const ProductRecord &record); // "Is Selected" is "Yes"
+[[nodiscard]] bool isActive(const ProductRecord &record);           // "Is Selected" is "Yes"
 [[nodiscard]] qsizetype activeIndex(const ProductRecords &records); // the first active one; -1 when there is none
 
 // The address to connect to: the IP address, else the host name; default texts are none. May be empty.

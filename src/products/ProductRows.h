@@ -35,7 +35,8 @@ inline constexpr QStringView kAddedByHandMark = u" * ";
 [[nodiscard]] QString productRowText(ProductTable table, const ProductRecord &record);
 [[nodiscard]] QStringList productRowTexts(ProductTable table, const ProductRecords &records);
 
-// The longest beginning that fits, with "..." when something was cut; fits tells whether a text has room beside the mark.
+// The longest beginning that fits, with "..." when something was cut; fits tells whether a text has room beside the
+// mark.
 [[nodiscard]] QString chopStringforStar(const QString &text, const std::function<bool(const QString &)> &fits);
 
 // "Product Name (Location, Host Name)", by hand "Host Name (IP Address)"; what is not known is left out.

@@ -12,8 +12,7 @@ constexpr int kYesButton = 1; // behind "NoText"
 
 } // namespace
 
-ProductSelection::ProductSelection(ProductList &products, Session &session, Strings &strings, View &view,
-                                   Hooks hooks)
+ProductSelection::ProductSelection(ProductList &products, Session &session, Strings &strings, View &view, Hooks hooks)
     : m_products(products), m_session(session), m_strings(strings), m_view(view), m_hooks(std::move(hooks)) {}
 
 void ProductSelection::onProductSelection(const ProductRow &row) {
@@ -55,7 +54,9 @@ void ProductSelection::OkEnterPasswordPanel(const QString &password) {
   m_hooks.onConnect();
 }
 
-void ProductSelection::CancelEnterPasswordPanel() { m_hooks.showPasswordPanel(false); }
+void ProductSelection::CancelEnterPasswordPanel() {
+  m_hooks.showPasswordPanel(false);
+}
 
 void ProductSelection::RemoveAProductProductsList(const ProductRow &row) {
   const auto record = m_products.selectedProduct(row);

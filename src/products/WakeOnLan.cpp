@@ -12,7 +12,9 @@ namespace {
 constexpr qsizetype kDigits = 2 * kHardwareBytes;
 constexpr int kRepetitions = 16;
 
-QString withoutSeparators(QString address) { return address.remove(u'-'); }
+QString withoutSeparators(QString address) {
+  return address.remove(u'-');
+}
 
 // -1 for anything else.
 int digitValue(QChar digit) {

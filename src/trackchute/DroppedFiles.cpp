@@ -17,8 +17,8 @@ namespace sonorel::trackchute {
 
 namespace {
 
-constexpr std::array<QStringView, 14> kPictureExtensions{u"jpeg", u"jpg", u"gif", u"tiff", u"tif",  u"png", u"bmp",
-                                                         u"avi",  u"mpeg", u"mpg", u"m1v", u"mpe", u"asf", u"wmv"};
+constexpr std::array<QStringView, 14> kPictureExtensions{u"jpeg", u"jpg",  u"gif", u"tiff", u"tif", u"png", u"bmp",
+                                                         u"avi",  u"mpeg", u"mpg", u"m1v",  u"mpe", u"asf", u"wmv"};
 
 std::optional<QString> decoded(const std::string &bytes) {
   QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
@@ -36,9 +36,8 @@ QString shown(const std::string &bytes) {
 bool isPicture(const QString &path) {
   const qsizetype dot = path.lastIndexOf(u'.');
   const QStringView extension = dot < 0 ? QStringView() : QStringView(path).sliced(dot + 1);
-  return std::any_of(kPictureExtensions.begin(), kPictureExtensions.end(), [&](QStringView known) {
-    return extension.compare(known, Qt::CaseInsensitive) == 0;
-  });
+  return std::any_of(kPictureExtensions.begin(), kPictureExtensions.end(),
+                     [&](QStringView known) { return extension.compare(known, Qt::CaseInsensitive) == 0; });
 }
 
 class Expansion {

@@ -12,7 +12,7 @@ namespace sonorel::trackchute {
 
 struct DroppedFiles {
   QStringList paths;
-  QStringList leftOut; // what lay in a folder and is no regular file or has no UTF-8 name
+  QStringList leftOut;        // what lay in a folder and is no regular file or has no UTF-8 name
   bool holdsPictures = false; // pictures or films among the paths
 };
 

@@ -19,8 +19,8 @@ std::optional<QString> refusalOfPlaylistName(const QString &name) {
   if (name.contains(QChar(u'\0'))) {
     return u"a playlist's name cannot contain a NUL character"_s;
   }
-  const bool isMarker = colourIndex(name) >= 0 || name == u"Finder" || name == u"TV Shows" ||
-                        name == u"iPod Games" || name == kNoPlaylist;
+  const bool isMarker = colourIndex(name) >= 0 || name == u"Finder" || name == u"TV Shows" || name == u"iPod Games" ||
+                        name == kNoPlaylist;
   if (isMarker) {
     return u"\"%1\" has a meaning of its own and cannot name a playlist"_s.replace(u"%1"_s, name);
   }

@@ -56,8 +56,8 @@ void Poster::postDrag(const QString &object, const QStringList &draggedFiles) {
   if (bytes > kLargestNotification) {
     throw Failure(u"this is more than one drop can hold; drop it in smaller portions"_s);
   }
-  QDBusMessage drag = QDBusMessage::createSignal(u"/com/orv/TrackChute"_s, u"com.orv.TrackChute"_s,
-                                                 u"TrackChute_DragRecieved"_s);
+  QDBusMessage drag =
+      QDBusMessage::createSignal(u"/com/orv/TrackChute"_s, u"com.orv.TrackChute"_s, u"TrackChute_DragRecieved"_s);
   drag << object << QVariantMap{{u"draggedFiles"_s, draggedFiles}};
   if (!QDBusConnection::sessionBus().send(drag)) {
     throw Failure(u"the session bus did not take the drop"_s);

@@ -42,9 +42,7 @@ void DropIntake::whenReady(std::function<void()> handling) {
 }
 
 void DropIntake::handleiTunesDragAndDrop(const Notification &notification) {
-  whenReady([this, notification] {
-    guarded(u"handleiTunesDragAndDrop"_s, [&] { handleMusic(notification); });
-  });
+  whenReady([this, notification] { guarded(u"handleiTunesDragAndDrop"_s, [&] { handleMusic(notification); }); });
 }
 
 void DropIntake::handleiPhotoDragAndDrop(const Notification & /*notification*/) {

@@ -15,8 +15,8 @@ std::optional<TrackTags> MetadataCache::tags(const QString &path) {
     return std::nullopt;
   }
   const auto known = m_entries.constFind(path);
-  if (known != m_entries.constEnd() && known->size == facts->size && known->modifiedSeconds == facts->modifiedSeconds &&
-      known->modifiedNanoseconds == facts->modifiedNanoseconds) {
+  if (known != m_entries.constEnd() && known->size == facts->size &&
+      known->modifiedSeconds == facts->modifiedSeconds && known->modifiedNanoseconds == facts->modifiedNanoseconds) {
     return known->tags;
   }
   Entry entry{facts->size, facts->modifiedSeconds, facts->modifiedNanoseconds, m_metadata.read(path)};

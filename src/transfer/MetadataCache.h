@@ -1,4 +1,5 @@
-// The tags of the files of one transfer: each file is read once, however often its names are asked for. Worker thread.
+// The tags of the files of one transfer: each file is read once, however often its names are asked for. Worker
+// thread.
 #pragma once
 
 #include "platform/FileSystem.h"

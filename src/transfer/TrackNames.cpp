@@ -138,7 +138,8 @@ QString withinNameLimit(const QString &relativeName) {
   }
   const qsizetype slash = relativeName.lastIndexOf(u'/');
   const QString name = relativeName.mid(slash + 1);
-  return relativeName.left(slash + 1) + withExtension(truncateFileName(nameWithoutExtension(name)), pathExtension(name));
+  return relativeName.left(slash + 1) +
+         withExtension(truncateFileName(nameWithoutExtension(name)), pathExtension(name));
 }
 
 QString shortenedRelativeName(const QString &relativeName) {

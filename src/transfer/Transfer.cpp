@@ -26,10 +26,10 @@ QString relativeTo(const QString &literal, const QString &path) {
 
 struct Transfer::Track {
   QString source;
-  QString newName;        // N
-  QString ownName;        // S
-  QString parenthesised;  // P
-  QString olderName;      // O
+  QString newName;       // N
+  QString ownName;       // S
+  QString parenthesised; // P
+  QString olderName;     // O
   int artworkMode = 0;
   bool useArtistFolder = false;
 };
@@ -92,8 +92,7 @@ bool Transfer::transferSoundFile(const QString &sourcePath, const QString &chang
   track.useArtistFolder = flag == 1;
   track.newName = cleanedName(changedSongFileNameFromAppCtrl);
   track.ownName = lastPathComponent(sourcePath);
-  track.parenthesised =
-      withExtension(u'(' + nameWithoutExtension(sourcePath) + u')', pathExtension(sourcePath));
+  track.parenthesised = withExtension(u'(' + nameWithoutExtension(sourcePath) + u')', pathExtension(sourcePath));
   track.olderName = cleanedName(changeSongFileNameOlderWay(sourcePath, m_tools.metadata.tags(sourcePath)));
 
   createFolderIfMissing(music.chopped(music.endsWith(u'/') ? 1 : 0));

@@ -121,8 +121,7 @@ TransferDriver::After TransferDriver::carryItem(const QueueEntry &entry) {
   m_view.setHighlightCancelBtn(true);
   m_view.setLanguageEnabled(false);
   m_transfer.isValidFile(item.extension);
-  item.isAppleLossless =
-      item.extension.compare(u"m4a", Qt::CaseInsensitive) == 0 && checkAppleLossless(item.path);
+  item.isAppleLossless = item.extension.compare(u"m4a", Qt::CaseInsensitive) == 0 && checkAppleLossless(item.path);
   if (m_tools.board.track(m_trackCounter) == item.path) {
     ++m_trackCounter;
     item.hierarchyFlag = 1;

@@ -148,7 +148,8 @@ bool TransferDriver::appendRemainingList() {
   const QList<QueueEntry> remaining = m_tools.board.entriesFrom(m_tools.board.fileIndex);
   QString lines;
   for (const QueueEntry &entry : remaining) {
-    lines += entry.kind == QueueEntry::Kind::Radio ? entry.item.mid(kRadioPrefix.size()) : lastPathComponent(entry.item);
+    lines +=
+        entry.kind == QueueEntry::Kind::Radio ? entry.item.mid(kRadioPrefix.size()) : lastPathComponent(entry.item);
     lines += u'\n';
   }
   m_log.append(lines);

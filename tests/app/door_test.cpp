@@ -25,8 +25,8 @@ class Caller final : public QObject {
 
 public:
   Caller() : m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"caller"_s)) {
-    m_bus.connect(QString(), u"/com/orv/Sonorel"_s, u"org.freedesktop.DBus.Properties"_s, u"PropertiesChanged"_s, this,
-                  SLOT(changed(QString, QVariantMap, QStringList)));
+    m_bus.connect(QString(), u"/com/orv/Sonorel"_s, u"org.freedesktop.DBus.Properties"_s, u"PropertiesChanged"_s,
+                  this, SLOT(changed(QString, QVariantMap, QStringList)));
     m_bus.connect(QString(), u"/com/orv/Sonorel"_s, u"com.orv.Sonorel.Client"_s, u"TransferComplete"_s, this,
                   SLOT(complete()));
   }
@@ -43,7 +43,8 @@ public:
     return call(u"com.orv.Sonorel.Client"_s, method, arguments);
   }
   QVariant property(const QString &name) {
-    const QDBusMessage reply = call(u"org.freedesktop.DBus.Properties"_s, u"Get"_s, {u"com.orv.Sonorel.Client"_s, name});
+    const QDBusMessage reply =
+        call(u"org.freedesktop.DBus.Properties"_s, u"Get"_s, {u"com.orv.Sonorel.Client"_s, name});
     return reply.arguments().isEmpty() ? QVariant() : reply.arguments().constFirst().value<QDBusVariant>().variant();
   }
   bool wait(const std::function<bool()> &done) {
@@ -55,9 +56,9 @@ public:
     return done();
   }
 
-  QVariantMap values;       // the last announced value of each property
-  QStringList invalidated;  // in order, repeats included
-  QStringList order;        // names of announced properties and "TransferComplete"
+  QVariantMap values;      // the last announced value of each property
+  QStringList invalidated; // in order, repeats included
+  QStringList order;       // names of announced properties and "TransferComplete"
 
 private Q_SLOTS:
   void changed(const QString &, const QVariantMap &properties, const QStringList &names) {
@@ -202,9 +203,10 @@ TEST_F(DoorTest, WhileConnectingOnlyCancelQuitAndCancelPasswordWork) {
     EXPECT_EQ(reply.errorName(), u"com.orv.Sonorel.Error.Busy"_s);
   }
   for (const QString &action : {u"cancel"_s, u"quit"_s}) {
-    EXPECT_EQ(caller.call(u"org.freedesktop.Application"_s, u"ActivateAction"_s, {action, QVariantList(), QVariantMap()})
-                  .type(),
-              QDBusMessage::ReplyMessage);
+    EXPECT_EQ(
+        caller.call(u"org.freedesktop.Application"_s, u"ActivateAction"_s, {action, QVariantList(), QVariantMap()})
+            .type(),
+        QDBusMessage::ReplyMessage);
   }
   EXPECT_EQ(caller.client(u"CancelPassword"_s).type(), QDBusMessage::ReplyMessage);
   EXPECT_EQ(done, (QStringList{u"cancel"_s, u"quit"_s, u"cancelPassword"_s}));
@@ -246,15 +248,15 @@ TEST_F(DoorTest, ConnectIsRefusedDuringATransferAndUnknownActionsAlways) {
   state.transferring = true;
   door.publish(state);
   const auto action = [&](const QString &name) {
-    return caller
-        .call(u"org.freedesktop.Application"_s, u"ActivateAction"_s, {name, QVariantList(), QVariantMap()})
+    return caller.call(u"org.freedesktop.Application"_s, u"ActivateAction"_s, {name, QVariantList(), QVariantMap()})
         .errorName();
   };
   EXPECT_EQ(action(u"connect"_s), u"com.orv.Sonorel.Error.Busy"_s);
   EXPECT_EQ(action(u"dance"_s), u"com.orv.Sonorel.Error.Invalid"_s);
   EXPECT_EQ(action(u"disconnect"_s), u""_s);
   caller.call(u"org.freedesktop.Application"_s, u"Activate"_s, {QVariantMap()});
-  caller.call(u"org.freedesktop.Application"_s, u"Open"_s, {QStringList{u"file:///music/a%20b.mp3"_s}, QVariantMap()});
+  caller.call(u"org.freedesktop.Application"_s, u"Open"_s,
+              {QStringList{u"file:///music/a%20b.mp3"_s}, QVariantMap()});
   EXPECT_EQ(done, (QStringList{u"disconnect"_s, u"reopen"_s, u"open /music/a b.mp3"_s}));
 }
 

@@ -31,8 +31,7 @@ protected:
                        return agrees;
                      },
                      [this](bool hurry) { ran.append(hurry ? u"cancel at once"_s : u"cancel"_s); },
-                     [this] { ran.append(u"join"_s); },
-                     [this] { ran.append(u"terminate"_s); }}};
+                     [this] { ran.append(u"join"_s); }, [this] { ran.append(u"terminate"_s); }}};
 };
 
 } // namespace

@@ -21,8 +21,9 @@ protected:
                            ran.append(u"connect "_s + password + u' ' + address);
                            return connects;
                          },
-                         [this] { ran.append(u"connected"_s); }, [this] { return givenUp; }, [this] { return refused; },
-                         [this] { ran.append(u"password panel"_s); }, [this] { ran.append(u"ErrorConnect"_s); }})
+                         [this] { ran.append(u"connected"_s); }, [this] { return givenUp; },
+                         [this] { return refused; }, [this] { ran.append(u"password panel"_s); },
+                         [this] { ran.append(u"ErrorConnect"_s); }})
         .run();
     return ran;
   }

@@ -16,8 +16,14 @@ struct MergeWorkbench : FavouritesWorkbench {
   QHash<QString, QString> albums; // album attribute by source path
   TransferBoard board;
   ColourLimits limits{files, desktop, standardFolders(), [this] { quitAsked = true; }};
-  FavouritesMerge merge{{files, propertyLists, clock, desktop, settings, session, dictionary, dictionaryFile, rewrite, limits}};
-  PlaylistMetaData metaData{board, merge, settings, session, identifiers, desktop,
+  FavouritesMerge merge{
+      {files, propertyLists, clock, desktop, settings, session, dictionary, dictionaryFile, rewrite, limits}};
+  PlaylistMetaData metaData{board,
+                            merge,
+                            settings,
+                            session,
+                            identifiers,
+                            desktop,
                             {[this] { return connected; }, [this](const QString &path) { return albums.value(path); },
                              [] { return std::stop_token(); }}};
 
@@ -36,7 +42,9 @@ struct MergeWorkbench : FavouritesWorkbench {
     return metaData.sendMetaDataForPlaylist(false);
   }
   // What the server's file holds.
-  [[nodiscard]] FavouriteLists server() { return decodeMusicFavourites(files.bytes(kServerFile), playerOf(session)).lists; }
+  [[nodiscard]] FavouriteLists server() {
+    return decodeMusicFavourites(files.bytes(kServerFile), playerOf(session)).lists;
+  }
   // "ID name: path/type, path/type" for each list.
   [[nodiscard]] QStringList shown() {
     QStringList lines;
@@ -45,7 +53,8 @@ struct MergeWorkbench : FavouritesWorkbench {
       for (const FavouriteTitle &title : list.songs) {
         titles.append(title.songPath + QLatin1Char('/') + title.itemType.value_or(QStringLiteral("-")));
       }
-      lines.append(list.playlistId + QLatin1Char(' ') + list.playlistName + QStringLiteral(": ") + titles.join(QStringLiteral(", ")));
+      lines.append(list.playlistId + QLatin1Char(' ') + list.playlistName + QStringLiteral(": ") +
+                   titles.join(QStringLiteral(", ")));
     }
     return lines;
   }

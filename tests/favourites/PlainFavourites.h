@@ -13,8 +13,8 @@
 namespace sonorel::test {
 
 struct PlainTitle {
-  QString path; // as the server gives it back, without the prefix
-  QString type; // empty for "Vaultbox 1"
+  QString path;   // as the server gives it back, without the prefix
+  QString type;   // empty for "Vaultbox 1"
   int serial = 0; // stands for the GUID
 };
 
@@ -42,9 +42,9 @@ public:
   explicit PlainFavourites(QString product) : m_product(std::move(product)) {}
 
   std::optional<QList<PlainList>> file;
-  std::optional<QList<PlainList>> copy; // of the four keys
+  std::optional<QList<PlainList>> copy;                // of the four keys
   std::optional<std::array<PlainLimit, 4>> limitsFile; // Red, Green, Yellow, Blue
-  int nextId = 0;     // the "PlaylistID" setting
+  int nextId = 0;                                      // the "PlaylistID" setting
   int nextSerial = 1;
 
   void connect();

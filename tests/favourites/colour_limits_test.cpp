@@ -15,8 +15,8 @@ namespace {
 const QString kPath = u"/Volumes/VB-SHARE$/System/OrvSpecialFavouriteLimits.orv"_s;
 
 QByteArray limitsFile(const QByteArray &red, const QByteArray &redEnable = "1", const QByteArray &end = "\r\n") {
-  return "GREEN_ENABLED=1" + end + "YELLOW_ENABLED=0" + end + "RED_ENABLED=" + redEnable + end + "BLUE_ENABLED=1" + end +
-         "GREEN_LIMIT=100" + end + "YELLOW_LIMIT=20" + end + "RED_LIMIT=" + red + end + "BLUE_LIMIT=40" + end;
+  return "GREEN_ENABLED=1" + end + "YELLOW_ENABLED=0" + end + "RED_ENABLED=" + redEnable + end + "BLUE_ENABLED=1" +
+         end + "GREEN_LIMIT=100" + end + "YELLOW_LIMIT=20" + end + "RED_LIMIT=" + red + end + "BLUE_LIMIT=40" + end;
 }
 
 class ColourLimitsTest : public testing::Test {
@@ -93,7 +93,8 @@ TEST_F(ColourLimitsTest, AFileThatLacksAKeyEndsTheProgramAndStaysAsItWas) {
   limits.enableCFLLimits();
   EXPECT_EQ(quits, 1);
   EXPECT_EQ(files.bytes(kPath), damaged);
-  EXPECT_TRUE(desktop.lines.last().startsWith(u"Exception in ---> <AppController><problem while setting limits(setLimitInOrvFile)> "_s));
+  EXPECT_TRUE(desktop.lines.last().startsWith(
+      u"Exception in ---> <AppController><problem while setting limits(setLimitInOrvFile)> "_s));
 }
 
 } // namespace sonorel::test

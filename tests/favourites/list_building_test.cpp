@@ -35,7 +35,8 @@ protected:
 } // namespace
 
 TEST_F(ListBuildingTest, OnlyTransferredItemsTakePartInTheOrderOfTheDrop) {
-  const PlaylistDetails details = build({item(u"P"_s, u"b/x.mp3"_s), item(u"Q"_s, u"q.mp3"_s), item(u"P"_s, u"n.mp3"_s, u"N"_s), item(u"P"_s, u"a.mp3"_s)});
+  const PlaylistDetails details = build({item(u"P"_s, u"b/x.mp3"_s), item(u"Q"_s, u"q.mp3"_s),
+                                         item(u"P"_s, u"n.mp3"_s, u"N"_s), item(u"P"_s, u"a.mp3"_s)});
   EXPECT_EQ(paths(details.titles.value(u"P"_s)), (QStringList{u"b_x.mp3/1"_s, u"a.mp3/1"_s}));
   const FavouriteTitle first = details.titles.value(u"P"_s).front();
   EXPECT_EQ(first.checkSum, QByteArray(36, '\0'));
@@ -63,19 +64,23 @@ TEST_F(ListBuildingTest, SongsWithoutAnAlbumAreUnknown) {
 
 TEST_F(ListBuildingTest, AnAlbumDroppedTwiceOnAKeyStandsOnceAtTheEnd) {
   albums = {{u"1.mp3"_s, u"Gold"_s}, {u"2.mp3"_s, u"Arrival"_s}, {u"3.mp3"_s, u"Gold"_s}};
-  const PlaylistDetails details = build({item(u"@!!!Red!!!@"_s, u"1.mp3"_s), item(u"@!!!Red!!!@"_s, u"2.mp3"_s), item(u"@!!!Red!!!@"_s, u"3.mp3"_s)});
+  const PlaylistDetails details = build(
+      {item(u"@!!!Red!!!@"_s, u"1.mp3"_s), item(u"@!!!Red!!!@"_s, u"2.mp3"_s), item(u"@!!!Red!!!@"_s, u"3.mp3"_s)});
   EXPECT_EQ(paths(details.titles.value(u"Red"_s)), (QStringList{u"Arrival/2"_s, u"Gold/2"_s}));
 }
 
 TEST_F(ListBuildingTest, Vaultbox1GetsNoTypesAndNoAlbumLists) {
-  const PlaylistDetails details = build({item(u"P"_s, u"a.mp3"_s), item(u"N0PL@YL!ST"_s, u"1.mp3"_s), item(u"N0PL@YL!ST"_s, u"2.mp3"_s)}, u"Vaultbox 1"_s);
+  const PlaylistDetails details =
+      build({item(u"P"_s, u"a.mp3"_s), item(u"N0PL@YL!ST"_s, u"1.mp3"_s), item(u"N0PL@YL!ST"_s, u"2.mp3"_s)},
+            u"Vaultbox 1"_s);
   EXPECT_EQ(paths(details.titles.value(u"P"_s)), QStringList{u"a.mp3/-"_s});
   EXPECT_EQ(details.titles.size(), 1);
   EXPECT_EQ(getAllPlaylistName(details.records), (QStringList{u"P"_s, u"N0PL@YL!ST"_s}));
 }
 
 TEST_F(ListBuildingTest, NamesAreNumberedAndColourMarkersNamed) {
-  const auto lists = makePlaylistDataArrays({item(u"P"_s, u"a"_s), item(u"@!!!Blue!!!@"_s, u"b"_s), item(u"P"_s, u"c"_s)}, 41, identifiers);
+  const auto lists = makePlaylistDataArrays(
+      {item(u"P"_s, u"a"_s), item(u"@!!!Blue!!!@"_s, u"b"_s), item(u"P"_s, u"c"_s)}, 41, identifiers);
   ASSERT_EQ(lists.size(), 2U);
   EXPECT_EQ(lists[0].name, u"P"_s);
   EXPECT_EQ(lists[0].playlistId, u"41"_s);

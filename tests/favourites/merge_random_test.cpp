@@ -14,10 +14,28 @@ namespace sonorel::test {
 
 namespace {
 
-const QStringList kNames{u"P"_s, u"Q"_s, u"@~P@~"_s, u"@~Old@~"_s, u"Red"_s, u"N0PL@YL!ST"_s, u"N0PL@YL!ST"_s, u"\u6771\u4EAC"_s,
-                         u"@!!!Red!!!@"_s, u"@!!!Red!!!@"_s, u"@!!!Green!!!@"_s, u"@!!!Yellow!!!@"_s, u"@!!!Blue!!!@"_s};
-const QStringList kAlbums{u""_s, u"Gold"_s, u"GOLD"_s, u"Blue_Train"_s, u"Old"_s, u"P"_s, u"Bj\u00F6rk"_s, u"\u6771\u4EAC"_s, u"\u5927\u962A"_s,
-                          u"1"_s, u"2"_s, u"3"_s, u"4"_s, u"5"_s, u"6"_s, u"7"_s, u"8"_s, u"9"_s};
+const QStringList kNames{u"P"_s,           u"Q"_s,           u"@~P@~"_s,         u"@~Old@~"_s,
+                         u"Red"_s,         u"N0PL@YL!ST"_s,  u"N0PL@YL!ST"_s,    u"\u6771\u4EAC"_s,
+                         u"@!!!Red!!!@"_s, u"@!!!Red!!!@"_s, u"@!!!Green!!!@"_s, u"@!!!Yellow!!!@"_s,
+                         u"@!!!Blue!!!@"_s};
+const QStringList kAlbums{u""_s,
+                          u"Gold"_s,
+                          u"GOLD"_s,
+                          u"Blue_Train"_s,
+                          u"Old"_s,
+                          u"P"_s,
+                          u"Bj\u00F6rk"_s,
+                          u"\u6771\u4EAC"_s,
+                          u"\u5927\u962A"_s,
+                          u"1"_s,
+                          u"2"_s,
+                          u"3"_s,
+                          u"4"_s,
+                          u"5"_s,
+                          u"6"_s,
+                          u"7"_s,
+                          u"8"_s,
+                          u"9"_s};
 
 class RandomMerge {
 public:
@@ -120,7 +138,9 @@ private:
       }
       break;
     default:
-      lists.append({oneOf({u"P"_s, u"Old"_s, u"Red"_s, u"A@~B"_s, u""_s}), QString::number(1 + below(12)), m_model.nextSerial++,
+      lists.append({oneOf({u"P"_s, u"Old"_s, u"Red"_s, u"A@~B"_s, u""_s}),
+                    QString::number(1 + below(12)),
+                    m_model.nextSerial++,
                     {{u"x\\y.mp3"_s, m_vaultbox ? QString() : u"1"_s, m_model.nextSerial++}}});
     }
     if (lists.isEmpty()) {
@@ -170,7 +190,8 @@ private:
   }
   QByteArray limitsBytes() const {
     const auto &keys = *m_model.limitsFile;
-    const std::array<std::pair<const char *, size_t>, 4> order{{{"GREEN", 1}, {"YELLOW", 2}, {"RED", 0}, {"BLUE", 3}}};
+    const std::array<std::pair<const char *, size_t>, 4> order{
+        {{"GREEN", 1}, {"YELLOW", 2}, {"RED", 0}, {"BLUE", 3}}};
     QByteArray bytes;
     for (const auto &[name, index] : order) {
       bytes += QByteArray(name) + "_ENABLED=" + QByteArray::number(keys[index].enable) + "\r\n";

@@ -28,7 +28,9 @@ protected:
     client.track(u"Party"_s, u"Björk@@@@@Debut@@@@@Björk-Debut-Human Behaviour.mp3"_s);
     client.track(u"@!!!Red!!!@"_s, u"Coltrane@@@@@Blue Train@@@@@x.mp3"_s, u"Blue_Train"_s);
   }
-  QByteArray redLimit() { return files.bytes(kLimitsPath).mid(files.bytes(kLimitsPath).indexOf("RED_LIMIT=")).split('\r').first(); }
+  QByteArray redLimit() {
+    return files.bytes(kLimitsPath).mid(files.bytes(kLimitsPath).indexOf("RED_LIMIT=")).split('\r').first();
+  }
 
   FakeFileSystem files;
   MergeWorkbench client{files};
@@ -50,24 +52,34 @@ TEST_F(MergeTest, TwoDropsIntoAStoredFileGiveTheseBytes) {
     sizes.append(content.size());
   }
   EXPECT_EQ(sizes, (QList<qsizetype>{305, 114, 27, 27, 27, 158, 329}));
-  const QByteArray start = QByteArray::fromHex("07000000" "4e12000000") + "FavoriteAlbums-1.2" +
-                           QByteArray::fromHex("4c03000000") + "Red" + QByteArray::fromHex("03000000" "4e0100000031" "4e0100000036" "4e10000000") + guid('r');
+  const QByteArray start = QByteArray::fromHex("07000000"
+                                               "4e12000000") +
+                           "FavoriteAlbums-1.2" + QByteArray::fromHex("4c03000000") + "Red" +
+                           QByteArray::fromHex("03000000"
+                                               "4e0100000031"
+                                               "4e0100000036"
+                                               "4e10000000") +
+                           guid('r');
   EXPECT_EQ(contents[0].left(start.size()).toHex(), start.toHex());
   EXPECT_EQ(contents[0].indexOf(field('L', "Old")), 213);
   EXPECT_EQ(contents[0].indexOf(field('L', "Party")), 258);
   EXPECT_TRUE(contents[1].contains(field('L', "Blue Train")));
   EXPECT_EQ(contents[5], titles({titleRecord(kOldTitle, zeros36(), guid('t'), "1")}));
-  EXPECT_TRUE(contents[6].contains(field('L', "E:\\vb-share\\Music\\Mac\\Miles Davis\\Kind of Blue\\Miles Davis-Kind of Blue-So What.mp3")));
-  EXPECT_TRUE(contents[6].contains(field('L', "E:\\vb-share\\Music\\Mac\\Bj\xF6rk\\Debut\\Bj\xF6rk-Debut-Human Behaviour.mp3")));
+  EXPECT_TRUE(contents[6].contains(
+      field('L', "E:\\vb-share\\Music\\Mac\\Miles Davis\\Kind of Blue\\Miles Davis-Kind of Blue-So What.mp3")));
+  EXPECT_TRUE(contents[6].contains(
+      field('L', "E:\\vb-share\\Music\\Mac\\Bj\xF6rk\\Debut\\Bj\xF6rk-Debut-Human Behaviour.mp3")));
 
-  EXPECT_EQ(client.shown(), (QStringList{u"1 Red: Blue Train/2"_s, u"2 Green: "_s, u"3 Yellow: "_s, u"4 Blue: "_s,
-                                         u"7 @~Old@~: ABBA\\Gold\\ABBA-Gold-Waterloo.mp3/1"_s,
-                                         u"8 @~Party@~: Miles Davis\\Kind of Blue\\Miles Davis-Kind of Blue-So What.mp3/1, Björk\\Debut\\Björk-Debut-Human Behaviour.mp3/1"_s}));
+  EXPECT_EQ(
+      client.shown(),
+      (QStringList{
+          u"1 Red: Blue Train/2"_s, u"2 Green: "_s, u"3 Yellow: "_s, u"4 Blue: "_s,
+          u"7 @~Old@~: ABBA\\Gold\\ABBA-Gold-Waterloo.mp3/1"_s,
+          u"8 @~Party@~: Miles Davis\\Kind of Blue\\Miles Davis-Kind of Blue-So What.mp3/1, Björk\\Debut\\Björk-Debut-Human Behaviour.mp3/1"_s}));
   EXPECT_EQ(files.bytes(client.folder + u"NetMusicFavorites.orv"_s), file);
   EXPECT_EQ(client.settings.text(u"PlaylistID"_s), u"10"_s);
-  EXPECT_EQ(files.bytes(kLimitsPath),
-            "GREEN_ENABLED=1\r\nYELLOW_ENABLED=1\r\nRED_ENABLED=1\r\nBLUE_ENABLED=1\r\n"
-            "GREEN_LIMIT=50\r\nYELLOW_LIMIT=50\r\nRED_LIMIT=9\r\nBLUE_LIMIT=50\r\n");
+  EXPECT_EQ(files.bytes(kLimitsPath), "GREEN_ENABLED=1\r\nYELLOW_ENABLED=1\r\nRED_ENABLED=1\r\nBLUE_ENABLED=1\r\n"
+                                      "GREEN_LIMIT=50\r\nYELLOW_LIMIT=50\r\nRED_LIMIT=9\r\nBLUE_LIMIT=50\r\n");
   const QVariantMap copy = client.propertyLists.decode(files.bytes(kColourCopyPath.toString())).toMap();
   EXPECT_EQ(copy.keys(), (QStringList{u"0"_s, u"1"_s, u"2"_s, u"3"_s}));
   EXPECT_EQ(copy[u"0"_s].toMap()[u"Songs"_s].toList().first().toMap()[u"SongPath"_s].toString(), u"Blue Train"_s);
@@ -144,9 +156,11 @@ TEST_F(MergeTest, NothingIsWrittenWhileTheShareIsNotThere) {
 }
 
 TEST_F(MergeTest, DuplicateNumbersOfAnotherClientLoseNoList) {
-  files.put(kServerFile, wholeFile(musicHeader(), {albums({listRecord("A", "7", "6", guid('a')), listRecord("B", "7", "6", guid('b'))}),
-                                                   titles({titleRecord("a", zeros36(), guid('1'), "1")}),
-                                                   titles({titleRecord("b", zeros36(), guid('2'), "1")})}));
+  files.put(
+      kServerFile,
+      wholeFile(musicHeader(), {albums({listRecord("A", "7", "6", guid('a')), listRecord("B", "7", "6", guid('b'))}),
+                                titles({titleRecord("a", zeros36(), guid('1'), "1")}),
+                                titles({titleRecord("b", zeros36(), guid('2'), "1")})}));
   client.track(u"Party"_s, u"c.mp3"_s);
   ASSERT_TRUE(client.send());
   EXPECT_EQ(client.shown().mid(4), (QStringList{u"7 @~A@~: a/1"_s, u"8 @~B@~: b/1"_s, u"9 @~Party@~: c.mp3/1"_s}));

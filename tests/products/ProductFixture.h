@@ -73,10 +73,11 @@ protected:
   Session session;
   ProductTables tables;
   int shown = 0;
-  ProductList products{{files, lists, desktop, strings, view, settings, session}, path, [this](const ProductTables &now) {
-                         tables = now;
-                         ++shown;
-                       }};
+  ProductList products{
+      {files, lists, desktop, strings, view, settings, session}, path, [this](const ProductTables &now) {
+        tables = now;
+        ++shown;
+      }};
 };
 
 } // namespace sonorel::test

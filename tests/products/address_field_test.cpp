@@ -30,7 +30,9 @@ TEST(AddressFieldTest, EachRuleDeletesOneCharacter) {
   EXPECT_EQ(controlTextDidChange(u"a+: \u0007"_s), QString());
 }
 
-TEST(AddressFieldTest, LineEndFallsUnderTwoRules) { EXPECT_EQ(controlTextDidChange(u"1\n\n2"_s), u"12"_s); }
+TEST(AddressFieldTest, LineEndFallsUnderTwoRules) {
+  EXPECT_EQ(controlTextDidChange(u"1\n\n2"_s), u"12"_s);
+}
 
 TEST(AddressFieldTest, EveryRefusedSignIsDeletedTheBackslashIncluded) {
   for (const QChar sign : u"\"!%'(),-/:;?[\\]{}@#&*_"_s) {

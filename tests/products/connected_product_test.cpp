@@ -50,16 +50,16 @@ TEST_F(ConnectedProductTest, NoActiveProduct) {
 TEST_F(ConnectedProductTest, RefreshesTheActiveRecordAndRemembersTheConnection) {
   put(u"Selected Devices"_s, {passive(byHand(u"10.0.0.1"_s)), active(byHand(u"10.0.0.2"_s, u"box"_s))});
   products.updateProductInfoInProductsLists(u"10.0.0.2"_s);
-  EXPECT_EQ(selected(), QVariantList({passive(byHand(u"10.0.0.1"_s)), updated(active(byHand(u"10.0.0.2"_s, u"box"_s)))}));
+  EXPECT_EQ(selected(),
+            QVariantList({passive(byHand(u"10.0.0.1"_s)), updated(active(byHand(u"10.0.0.2"_s, u"box"_s)))}));
   EXPECT_EQ(earlier(), QVariantList({updated(byHand(u"10.0.0.2"_s))}));
   EXPECT_EQ(files.mode(path), 0600U);
 }
 
 TEST_F(ConnectedProductTest, SameAddressAndTypeIsUpdatedNotDuplicated) {
   put({{u"Selected Devices"_s, QVariantList{active(byHand(u"10.0.0.2"_s))}},
-       {u"Earlier Connected Devices"_s,
-        QVariantList{with(byHand(u"10.0.0.2"_s), u"Detection Type"_s, u"0"_s),
-                     with(byHand(u"10.0.0.2"_s), u"Kept"_s, u"yes"_s)}}});
+       {u"Earlier Connected Devices"_s, QVariantList{with(byHand(u"10.0.0.2"_s), u"Detection Type"_s, u"0"_s),
+                                                     with(byHand(u"10.0.0.2"_s), u"Kept"_s, u"yes"_s)}}});
   products.updateProductInfoInProductsLists(u"10.0.0.2"_s);
   products.updateProductInfoInProductsLists(u"10.0.0.2"_s);
   EXPECT_EQ(earlier(), QVariantList({with(byHand(u"10.0.0.2"_s), u"Detection Type"_s, u"0"_s),
@@ -83,7 +83,8 @@ TEST_F(ConnectedProductTest, AddressFileWithoutAWholeAddressCountsAsNone) {
     settings.set(u"MACAdress"_s, bytes);
     put(u"Selected Devices"_s, {active(byHand(u"10.0.0.2"_s))});
     products.updateProductInfoInProductsLists(u"10.0.0.2"_s);
-    EXPECT_EQ(selected(), QVariantList({updated(active(byHand(u"10.0.0.2"_s)), u"NOMACADDRESS"_s)})) << bytes.toStdString();
+    EXPECT_EQ(selected(), QVariantList({updated(active(byHand(u"10.0.0.2"_s)), u"NOMACADDRESS"_s)}))
+        << bytes.toStdString();
   }
 }
 

@@ -108,8 +108,7 @@ TEST_F(ProductListTest, MarksOneAndUnmarksTheOthers) {
   ASSERT_TRUE(marked);
   EXPECT_FALSE(marked->wasActive);
   EXPECT_EQ(marked->record, active(byHand(u"3"_s)));
-  EXPECT_EQ(selected(),
-            QVariantList({passive(byHand(u"1"_s)), passive(byHand(u"2"_s)), active(byHand(u"3"_s))}));
+  EXPECT_EQ(selected(), QVariantList({passive(byHand(u"1"_s)), passive(byHand(u"2"_s)), active(byHand(u"3"_s))}));
   EXPECT_EQ(tables.active, 2);
   EXPECT_TRUE(products.markActive({2, {}})->wasActive);
 }

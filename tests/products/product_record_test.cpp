@@ -45,8 +45,8 @@ TEST_F(ProductRecordTest, SelectedListComparesWhatIsGiven) {
 
 TEST_F(ProductRecordTest, DetectedProductIsNeverTheSameAsOneAddedByHand) {
   EXPECT_FALSE(sameSelectedProduct(detected(u"A"_s, u"00-11"_s), byHand(u"10.0.0.1"_s)));
-  EXPECT_FALSE(sameSelectedProduct(with(byHand(u"10.0.0.1"_s), u"Mac Address"_s, u"00-11"_s),
-                                   detected(u"A"_s, u"00-11"_s)));
+  EXPECT_FALSE(
+      sameSelectedProduct(with(byHand(u"10.0.0.1"_s), u"Mac Address"_s, u"00-11"_s), detected(u"A"_s, u"00-11"_s)));
 }
 
 TEST_F(ProductRecordTest, AddressIsTheIpAddressElseTheHostName) {

@@ -29,7 +29,8 @@ protected:
                              view,
                              {[this] { return connected; },
                               [this] {
-                                did.append(u"connect %1 %2"_s.arg(session.IPAddressString(), session.PasswordString()));
+                                did.append(
+                                    u"connect %1 %2"_s.arg(session.IPAddressString(), session.PasswordString()));
                                 connected = true;
                               },
                               [this] {

@@ -20,9 +20,7 @@ protected:
     WakeOnLan(products, datagrams, clock, desktop, [] { return std::stop_token(); }).WakeupOnLanAProduct(address);
   }
   // The six bytes of the one packet that was sent; empty when there was none.
-  QByteArray woken() {
-    return datagrams.sent.size() == 1 ? datagrams.sent.first().bytes.mid(6, 6) : QByteArray();
-  }
+  QByteArray woken() { return datagrams.sent.size() == 1 ? datagrams.sent.first().bytes.mid(6, 6) : QByteArray(); }
 
   FakeDatagrams datagrams;
   FakeClock clock;

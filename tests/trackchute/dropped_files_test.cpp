@@ -50,7 +50,8 @@ TEST_F(DroppedFilesTest, PathsAreAbsoluteAndClean) {
 }
 
 TEST_F(DroppedFilesTest, FoldersAreExpandedInNaturalOrder) {
-  for (const char *name : {"album/10 ten.mp3", "album/2 two.mp3", "album/CD 1/b.mp3", "album/1 one.mp3", "album/.hidden"}) {
+  for (const char *name :
+       {"album/10 ten.mp3", "album/2 two.mp3", "album/CD 1/b.mp3", "album/1 one.mp3", "album/.hidden"}) {
     file(name);
   }
   const auto found = expandDroppedFiles(std::vector{(m_folder / "album").string()});

@@ -13,8 +13,8 @@ TEST(PlaylistName, OrdinaryNamesPass) {
 }
 
 TEST(PlaylistName, WhatTheClientCouldMisreadIsRefused) {
-  for (const QString &name : {u"Red"_s, u"Green"_s, u"Yellow"_s, u"Blue"_s, u"Finder"_s, u"TV Shows"_s, u"iPod Games"_s,
-                              u"N0PL@YL!ST"_s, u"A@~B"_s, u"@home"_s, u"@~Jazz"_s, u""_s, u"  "_s}) {
+  for (const QString &name : {u"Red"_s, u"Green"_s, u"Yellow"_s, u"Blue"_s, u"Finder"_s, u"TV Shows"_s,
+                              u"iPod Games"_s, u"N0PL@YL!ST"_s, u"A@~B"_s, u"@home"_s, u"@~Jazz"_s, u""_s, u"  "_s}) {
     EXPECT_TRUE(refusalOfPlaylistName(name).has_value()) << name.toStdString();
   }
 }

@@ -7,7 +7,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace sonorel::test {
 
 TransferWorkbench::TransferWorkbench(const QString &product)
-    : driver(tools, transfer, log, strings, session, view, worker, standardFolders(), u"/mainDict.xml"_s, driverHooks()),
+    : driver(tools, transfer, log, strings, session, view, worker, standardFolders(), u"/mainDict.xml"_s,
+             driverHooks()),
       intake(files, board, log, strings, session, view, desktop, intakeHooks()) {
   mountShare(files, product);
   installStrings(files);

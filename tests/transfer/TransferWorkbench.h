@@ -1,5 +1,5 @@
-// One client without a window: intake, driver and Transfer over the fakes, with a mounted share and the shipped English
-// texts. deliver drops, run carries what was dropped on the test's own thread.
+// One client without a window: intake, driver and Transfer over the fakes, with a mounted share and the shipped
+// English texts. deliver drops, run carries what was dropped on the test's own thread.
 #pragma once
 
 #include "platform/linux/LibplistPropertyLists.h"

@@ -48,7 +48,8 @@ TEST_F(DropIntakeTest, APlaylistDroppedTwiceHasOneSetOfRecordsColoursAccumulate)
 
 TEST_F(DropIntakeTest, PicturesOfANamedPlaylistMakeAnAlbum) {
   bench.deliver(u"@~Jazz"_s, {file(u"/m/A/p.JPG"_s)});
-  EXPECT_EQ(bench.board.records(true), (QList<PlaylistInfo>{{u"@~Jazz"_s, u"/m/A/p.JPG"_s, {}, u"/m/A/p.JPG"_s, u"N"_s}, {}}));
+  EXPECT_EQ(bench.board.records(true),
+            (QList<PlaylistInfo>{{u"@~Jazz"_s, u"/m/A/p.JPG"_s, {}, u"/m/A/p.JPG"_s, u"N"_s}, {}}));
   EXPECT_TRUE(bench.board.takeVideoPresent());
 }
 
@@ -94,7 +95,8 @@ TEST_F(DropIntakeTest, ADropDuringACancelIsLostWhole) {
   bench.board.isCancel = true;
   bench.deliver(u"Party"_s, {file(u"/m/2.mp3"_s)});
   EXPECT_EQ(names(), QStringList{u"Party /m/1.mp3"_s});
-  EXPECT_EQ(bench.view.lastLog, u"The running transfer is still being cancelled. Please drop the items again in a moment."_s);
+  EXPECT_EQ(bench.view.lastLog,
+            u"The running transfer is still being cancelled. Please drop the items again in a moment."_s);
   EXPECT_EQ(bench.dropsFinished, 1U);
 }
 
@@ -114,8 +116,10 @@ TEST_F(DropIntakeTest, AnExceptionIsLoggedAndShown) {
                     {[]() -> bool { throw Failure(u"no answer"_s); }, [] {}, [] {}, [](quint32) {}});
   intake.setReady();
   intake.handleiTunesDragAndDrop({u"Party"_s, {}});
-  EXPECT_TRUE(bench.desktop.lines.contains(u"Exception in ---> <AppController><handleiTunesDragAndDrop> no answer"_s));
-  EXPECT_TRUE(bench.view.calls.contains(u"alert Something went wrong|The dropped items could not be read. Please drop them again."_s));
+  EXPECT_TRUE(
+      bench.desktop.lines.contains(u"Exception in ---> <AppController><handleiTunesDragAndDrop> no answer"_s));
+  EXPECT_TRUE(bench.view.calls.contains(
+      u"alert Something went wrong|The dropped items could not be read. Please drop them again."_s));
 }
 
 } // namespace sonorel::test

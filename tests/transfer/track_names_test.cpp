@@ -19,12 +19,15 @@ TrackTags tagged(const QStringList &authors, const QString &album, const QString
 } // namespace
 
 TEST(NewStyleName, JoinsArtistAlbumAndTitle) {
-  EXPECT_EQ(changeSongFileName(u"/m/01.mp3"_s, tagged({u"ABBA"_s}, u"Gold"_s, u"Waterloo"_s)), u"ABBA-Gold-Waterloo.mp3"_s);
-  EXPECT_EQ(changeSongFileName(u"/m/01.mp3"_s, tagged({u"A"_s, u"B"_s}, u"Gold"_s, u"Waterloo"_s)), u"A, B-Gold-Waterloo.mp3"_s);
+  EXPECT_EQ(changeSongFileName(u"/m/01.mp3"_s, tagged({u"ABBA"_s}, u"Gold"_s, u"Waterloo"_s)),
+            u"ABBA-Gold-Waterloo.mp3"_s);
+  EXPECT_EQ(changeSongFileName(u"/m/01.mp3"_s, tagged({u"A"_s, u"B"_s}, u"Gold"_s, u"Waterloo"_s)),
+            u"A, B-Gold-Waterloo.mp3"_s);
 }
 
 TEST(NewStyleName, OneAuthorKeepsItsMarksAlbumAndTitleLoseThem) {
-  EXPECT_EQ(changeSongFileName(u"/m/01.mp3"_s, tagged({u"Wham!"_s}, u"Fantastic!"_s, u"(Young) Guns?"_s)), u"Wham!-Fantastic-Young) Guns.mp3"_s);
+  EXPECT_EQ(changeSongFileName(u"/m/01.mp3"_s, tagged({u"Wham!"_s}, u"Fantastic!"_s, u"(Young) Guns?"_s)),
+            u"Wham!-Fantastic-Young) Guns.mp3"_s);
   EXPECT_EQ(changeSongFileName(u"/m/01.mp3"_s, tagged({u" \"Wham!\" "_s}, {}, u"x"_s)), u"Wham!-x.mp3"_s);
 }
 
@@ -60,7 +63,8 @@ TEST(ReturnsTitle, TakesWhatStandsInParentheses) {
 }
 
 TEST(OlderName, WrapsThePartsAndMarksTheArtist) {
-  EXPECT_EQ(changeSongFileNameOlderWay(u"/m/1.mp3"_s, tagged({u"Wham!"_s}, u"Gold_1"_s, u"a"_s)), u"(_Wham!_)-(Gold 1)-(a).mp3"_s);
+  EXPECT_EQ(changeSongFileNameOlderWay(u"/m/1.mp3"_s, tagged({u"Wham!"_s}, u"Gold_1"_s, u"a"_s)),
+            u"(_Wham!_)-(Gold 1)-(a).mp3"_s);
   EXPECT_EQ(changeSongFileNameOlderWay(u"/m/1 x.mp3"_s, TrackTags()), u"(1 x).mp3"_s);
   EXPECT_EQ(changeSongFileNameOlderWay(u"/m/1_x.mp3"_s, std::nullopt), u"1_x.mp3"_s);
 }
@@ -80,7 +84,8 @@ TEST(NameLimit, APlainNameIsNeverCut) {
 
 TEST(NameLimit, LeadingPartsAreDroppedUntilItFits) {
   const QString last = u'(' + QString(100, u'c') + u')';
-  EXPECT_EQ(truncateFileName(u"("_s + QString(60, u'a') + u")-("_s + QString(64, u'b') + u")-"_s + last), u"("_s + QString(64, u'b') + u")-"_s + last);
+  EXPECT_EQ(truncateFileName(u"("_s + QString(60, u'a') + u")-("_s + QString(64, u'b') + u")-"_s + last),
+            u"("_s + QString(64, u'b') + u")-"_s + last);
   EXPECT_EQ(truncateFileName(u"(a)-("_s + QString(230, u'b') + u")"_s), u'(' + QString(218, u'b') + u')');
 }
 
@@ -96,11 +101,13 @@ TEST(NameLimit, FoldersAreDroppedBeforeTheNameIsCut) {
   const QString name = QString(200, u'n') + u".mp3"_s;
   EXPECT_EQ(shortenedRelativeName(u"Artist Name/Album Name/"_s + name), u"Album Name/"_s + name);
   EXPECT_EQ(shortenedRelativeName(u"A/B/"_s + name), u"A/B/"_s + name);
-  EXPECT_EQ(shortenedRelativeName(u"A/B/("_s + QString(230, u'n') + u").mp3"_s), u"("_s + QString(218, u'n') + u").mp3"_s);
+  EXPECT_EQ(shortenedRelativeName(u"A/B/("_s + QString(230, u'n') + u").mp3"_s),
+            u"("_s + QString(218, u'n') + u").mp3"_s);
 }
 
 TEST(NameLimit, TheFolderOfALimitedNameStays) {
-  EXPECT_EQ(withinNameLimit(u"Album/("_s + QString(230, u'n') + u").mp3"_s), u"Album/("_s + QString(218, u'n') + u").mp3"_s);
+  EXPECT_EQ(withinNameLimit(u"Album/("_s + QString(230, u'n') + u").mp3"_s),
+            u"Album/("_s + QString(218, u'n') + u").mp3"_s);
 }
 
 TEST(HierarchyFolder, ComesFromTheSourcePath) {

@@ -29,13 +29,15 @@ TEST_F(TransferDriverTest, CarriesAPlaylistAndSaysSo) {
   EXPECT_EQ(bench.view.lastLog, u"The transfer has ended."_s);
   EXPECT_EQ(bench.sent, (QStringList{u"music"_s, u"collections sound"_s}));
   ASSERT_EQ(bench.sentRecords.size(), 2);
-  EXPECT_EQ(bench.sentRecords[0], (PlaylistInfo{u"@~Party@~"_s, u"/m/A/B/1.mp3"_s, {}, u"A@@@@@B@@@@@A-B-T1.mp3"_s, u"Y"_s}));
+  EXPECT_EQ(bench.sentRecords[0],
+            (PlaylistInfo{u"@~Party@~"_s, u"/m/A/B/1.mp3"_s, {}, u"A@@@@@B@@@@@A-B-T1.mp3"_s, u"Y"_s}));
   EXPECT_EQ(bench.board.state(), TransferState::Idle);
   EXPECT_FALSE(bench.board.hasRecords(false));
   EXPECT_EQ(bench.dropsFinished, 1U);
   EXPECT_EQ(bench.view.transfersCompleted, 1);
-  EXPECT_EQ(bench.view.callsStartingWith(u"setProgressBar"_s),
-            (QStringList{u"setProgressBar 0"_s, u"setProgressBar 50"_s, u"setProgressBar 100"_s, u"setProgressBar 0"_s}));
+  EXPECT_EQ(
+      bench.view.callsStartingWith(u"setProgressBar"_s),
+      (QStringList{u"setProgressBar 0"_s, u"setProgressBar 50"_s, u"setProgressBar 100"_s, u"setProgressBar 0"_s}));
   EXPECT_EQ(bench.view.icon, u"Connect"_s);
   EXPECT_EQ(bench.tags.reads(u"/m/A/B/1.mp3"_s), 1);
 }
@@ -61,7 +63,7 @@ TEST_F(TransferDriverTest, AnEmptyQueueEndsAfterASecondAndTheMetadataCalls) {
 TEST_F(TransferDriverTest, RadioEntriesAreOnlyReported) {
   bench.drop(u"Party"_s, {u"@~Radio One"_s, u"@~RadioTwo"_s});
   EXPECT_EQ(bench.view.lastLog, u"\" One\" was not transferred because it is a radio station.\n"
-                                 "\"Two\" was not transferred because it is a radio station."_s);
+                                "\"Two\" was not transferred because it is a radio station."_s);
   EXPECT_TRUE(bench.processes.requests.isEmpty());
 }
 
@@ -73,13 +75,14 @@ TEST_F(TransferDriverTest, SizesAtTheBorder) {
   bench.files.put(u"/m/e.WAV"_s, QByteArray(131071, 'x'));
   bench.files.put(u"/m/f.WAV"_s, QByteArray(131072, 'x'));
   bench.files.put(u"/m/g.wav"_s, QByteArray(131071, 'x'));
-  bench.drop(u"Party"_s, {u"/m/a.mp3"_s, u"/m/b.mp3"_s, u"/m/c.wav"_s, u"/m/d.wav"_s, u"/m/e.WAV"_s, u"/m/f.WAV"_s, u"/m/g.wav"_s});
+  bench.drop(u"Party"_s, {u"/m/a.mp3"_s, u"/m/b.mp3"_s, u"/m/c.wav"_s, u"/m/d.wav"_s, u"/m/e.WAV"_s, u"/m/f.WAV"_s,
+                          u"/m/g.wav"_s});
   EXPECT_EQ(bench.musicTree().size(), 3);
   EXPECT_EQ(bench.view.lastLog, u"\"a.mp3\" was not transferred: music files must be at least 128 KB in size.\n"
-                                 "\"c.wav\" was not transferred: WAV files must be at least 5 MB in size.\n"
-                                 "\"e.WAV\" was not transferred: music files must be at least 128 KB in size.\n"
-                                 "\"g.wav\" was not transferred: WAV files must be at least 5 MB in size.\n"
-                                 "The transfer has ended."_s);
+                                "\"c.wav\" was not transferred: WAV files must be at least 5 MB in size.\n"
+                                "\"e.WAV\" was not transferred: music files must be at least 128 KB in size.\n"
+                                "\"g.wav\" was not transferred: WAV files must be at least 5 MB in size.\n"
+                                "The transfer has ended."_s);
 }
 
 TEST_F(TransferDriverTest, RejectedItemsSayWhy) {
@@ -90,9 +93,10 @@ TEST_F(TransferDriverTest, RejectedItemsSayWhy) {
   bench.files.put(u"/m/p.m4p"_s, "x");
   bench.files.put(u"/m/t.txt"_s, "x");
   bench.drop(u"Party"_s, {u"/m/l.M4A"_s, u"/m/p.m4p"_s, u"/m/t.txt"_s});
-  EXPECT_EQ(bench.view.lastLog, u"\"l.M4A\" was not transferred because Auracore 5 cannot play Apple Lossless files.\n"
-                                 "\"p.m4p\" was not transferred because it is a protected file.\n"
-                                 "\"t.txt\" was not transferred because this kind of file or bookmark is not supported."_s);
+  EXPECT_EQ(bench.view.lastLog,
+            u"\"l.M4A\" was not transferred because Auracore 5 cannot play Apple Lossless files.\n"
+            "\"p.m4p\" was not transferred because it is a protected file.\n"
+            "\"t.txt\" was not transferred because this kind of file or bookmark is not supported."_s);
 }
 
 TEST_F(TransferDriverTest, AMissingFileIsReportedAndTheRestGoesOn) {
@@ -102,7 +106,7 @@ TEST_F(TransferDriverTest, AMissingFileIsReportedAndTheRestGoesOn) {
   bench.files.removeFile(gone);
   bench.run();
   EXPECT_EQ(bench.view.lastLog, u"\"1.mp3\" was not transferred because the file could not be found.\n"
-                                 "The transfer has ended."_s);
+                                "The transfer has ended."_s);
   // The order of the tracks is strict: behind a missing one only the album folder is used.
   EXPECT_TRUE(bench.files.exists(kMusic + u"B/A-B-T2.mp3"_s));
 }
@@ -113,7 +117,7 @@ TEST_F(TransferDriverTest, AFullDiskEndsTheTransferWithTheList) {
   bench.files.setFreeBytes(kMountPoint.toString(), 200'000);
   bench.run();
   EXPECT_EQ(bench.view.lastLog, u"There is not enough free space on Auracore 5. These items were not transferred:\n"
-                                 "1.mp3\n2.mp3\nX\n"_s);
+                                "1.mp3\n2.mp3\nX\n"_s);
   EXPECT_TRUE(bench.view.calls.contains(u"setProgressBar 100"_s));
   EXPECT_EQ(bench.sentRecords.first().songTransferFlag, u"N"_s);
 }
@@ -129,7 +133,7 @@ TEST_F(TransferDriverTest, ALostShareEndsTheTransferWithTheListAndCorrectsTheIco
   };
   bench.drop(u"Party"_s, songs);
   EXPECT_EQ(bench.view.lastLog, u"The connection to the product was lost. These items were not transferred:\n"
-                                 "2.mp3\n3.mp3\n\nThe transfer has ended."_s);
+                                "2.mp3\n3.mp3\n\nThe transfer has ended."_s);
   const QStringList icons = bench.view.callsStartingWith(u"setDockIcon"_s);
   EXPECT_EQ(icons.mid(icons.size() - 2), (QStringList{u"setDockIcon Connect"_s, u"setDockIcon Disconnect"_s}));
   EXPECT_EQ(bench.sentRecords[0].songTransferFlag, u"Y"_s);
@@ -156,7 +160,8 @@ TEST_F(TransferDriverTest, TheShareUnmountedBetweenTwoTracksLeavesNothingBelowIt
 TEST_F(TransferDriverTest, AFailedCopyIsNamedAndNotCalledDone) {
   bench.processes.onRun = [](const ToolRequest &) { return exited(1); };
   bench.drop(u"Party"_s, {song(1), song(2)});
-  EXPECT_EQ(bench.view.lastLog, u"\"1.mp3\" could not be transferred.\n"_s + kDashes + u"\"2.mp3\" could not be transferred."_s);
+  EXPECT_EQ(bench.view.lastLog,
+            u"\"1.mp3\" could not be transferred.\n"_s + kDashes + u"\"2.mp3\" could not be transferred."_s);
   EXPECT_EQ(bench.sent.last(), u"collections"_s);
 }
 
@@ -193,9 +198,7 @@ TEST_F(TransferDriverTest, LimitsAreEnabledWhileOneTrackHasBeenMatched) {
 TEST_F(TransferDriverTest, ADropDuringTheEndingBecomesTheNextTransfer) {
   const QString second = song(2);
   bench.deliver(u"Party"_s, {song(1)});
-  bench.onSend = [this, second] {
-    bench.deliver(u"Later"_s, {second});
-  };
+  bench.onSend = [this, second] { bench.deliver(u"Later"_s, {second}); };
   bench.run();
   EXPECT_EQ(bench.musicTree().size(), 2);
   EXPECT_EQ(bench.sentRecords.first().playlistName, u"Later"_s);
@@ -205,9 +208,7 @@ TEST_F(TransferDriverTest, ADropDuringTheEndingBecomesTheNextTransfer) {
 
 TEST_F(TransferDriverTest, AnEscapingExceptionLeavesAUsableClient) {
   bench.deliver(u"Party"_s, {song(1)});
-  bench.onSend = [this] {
-    throw Failure(u"boom"_s);
-  };
+  bench.onSend = [this] { throw Failure(u"boom"_s); };
   bench.run();
   EXPECT_TRUE(bench.desktop.lines.contains(u"Exception in ---> <AppController><transferToVaultbox> boom"_s));
   EXPECT_EQ(bench.board.state(), TransferState::Idle);

@@ -67,7 +67,8 @@ TEST_F(TransferTest, SettlesOnTheParenthesisedFormAndRecordsIt) {
 }
 
 TEST_F(TransferTest, SettlesOnTheFlatLevelFirst) {
-  for (const QString &flat : {u"ABBA-Gold-Waterloo.mp3"_s, u"01.mp3"_s, u"(01).mp3"_s, u"(_ABBA_)-(Gold)-(Waterloo).mp3"_s}) {
+  for (const QString &flat :
+       {u"ABBA-Gold-Waterloo.mp3"_s, u"01.mp3"_s, u"(01).mp3"_s, u"(_ABBA_)-(Gold)-(Waterloo).mp3"_s}) {
     TransferWorkbench fresh;
     const QString song = fresh.song(u"/m/ABBA/Gold/01.mp3"_s, waterloo());
     fresh.files.put(kMusic + flat, QByteArray(200'000, 'm'), 1000);

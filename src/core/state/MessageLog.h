@@ -36,11 +36,11 @@ private:
   void handOver();
 
   std::function<void(const QString &)> m_show;
-  mutable std::mutex m_GUILock;    // guards m_fileInvalid
+  mutable std::mutex m_GUILock; // guards m_fileInvalid
   QString m_fileInvalid;
   mutable std::mutex m_threadLock; // guards everything below
   QString m_viewText;
-  QStringList m_toShow; // set and not yet handed over
+  QStringList m_toShow;   // set and not yet handed over
   bool m_showing = false; // somebody hands over, in order; the others leave it to him
 };
 

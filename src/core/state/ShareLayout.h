@@ -42,7 +42,7 @@ struct ShareFolders {
   QString photoFolder;
   QString videoFolder;
   QString favoriteFolder;
-  QString macFolder;    // "MacFolder", "Mac/"
+  QString macFolder; // "MacFolder", "Mac/"
 
   [[nodiscard]] QString share() const { return volume + sharedFolder; }
   [[nodiscard]] QString system() const { return share() + systemFolder; }

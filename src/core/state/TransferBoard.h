@@ -55,8 +55,8 @@ public:
   std::atomic<bool> manualSleepWasConnected{false};
 
   // --- worker ---
-  [[nodiscard]] qsizetype count() const;    // entries
-  [[nodiscard]] qsizetype places() const;   // entries of `sharedFileQ`, a bookmark pair counting twice
+  [[nodiscard]] qsizetype count() const;  // entries
+  [[nodiscard]] qsizetype places() const; // entries of `sharedFileQ`, a bookmark pair counting twice
   [[nodiscard]] std::optional<QueueEntry> at(qsizetype index) const;
   [[nodiscard]] QList<QueueEntry> entriesFrom(qsizetype index) const;
   [[nodiscard]] qsizetype trackCount() const;
