@@ -19,16 +19,22 @@ void ApplicationController::start() {
   const bool initialised = roles.startUp.init();
   roles.interface.showConnecting(initialised); // before the door opens: what comes now waits
   roles.values.initialised(initialised);
-  if (initialised) {
-    roles.startUp.awakeFromNib();
-    roles.share->intake.setReady();
+  if (!initialised) {
+    return;
   }
+  roles.startUp.awakeFromNib();
+  if (roles.interface.state().busy) {
+    // It ended early: the indicator stays, but people may act.
+    roles.interface.showConnecting(false);
+    roles.interface.showConnectionIndicator(true);
+  }
+  roles.share->intake.setReady();
 }
 
 void ApplicationController::post(const QString &name, std::function<void(ShareRoles &)> operation) {
   m_roles->platform.loop.post([this, name, operation = std::move(operation)] {
-    if (!m_roles->share) {
-      return; // the start-up has failed
+    if (!m_roles->share || m_roles->quitRequests.isTerminated()) {
+      return; // the start-up has failed, or the program is about to end
     }
     try {
       operation(*m_roles->share);

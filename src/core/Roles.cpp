@@ -2,6 +2,13 @@
 
 namespace sonorel {
 
+namespace {
+
+constexpr int kEnded = 0;
+constexpr int kNotStarted = 1;
+
+} // namespace
+
 Roles::Roles(const Platform &given, const ControllerValues &givenValues)
     : platform(given), values(givenValues), paths(values.homePath, values.bundlePath),
       settings(platform.files, platform.propertyLists, paths.PFPath),
@@ -18,7 +25,7 @@ StartUp::Steps Roles::steps() {
   StartUp::Steps steps;
   steps.createRoles = [this] { share = std::make_unique<ShareRoles>(*this); };
   steps.observeNotifications = [this] { share->observeNotifications(); };
-  steps.terminate = [this] { terminate(); };
+  steps.terminate = [this] { interface.quit(kNotStarted); };
   steps.prepareProducts = [this] { share->prepareProducts(); };
   steps.updateDeviceName = [this] { share->texts.updateDeviceName(); };
   steps.registerForPower = [this] { return share->registerForPower(); };
@@ -53,7 +60,7 @@ void Roles::terminate() {
     share->connectFlow.disconnect();
   }
   interface.closeQuestions();
-  interface.quit(0);
+  interface.quit(kEnded);
 }
 
 } // namespace sonorel

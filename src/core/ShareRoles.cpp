@@ -27,11 +27,7 @@ ShareRoles::ShareRoles(Roles &owner)
                  dictionaryFile),
       productVersion(owner.platform.files, owner.platform.desktop, owner.settings, owner.session, folders),
       limits(owner.platform.files, owner.platform.desktop, folders,
-             [&owner] {
-               // The user cannot refuse this end: the second request ends the transfer as well.
-               owner.quitRequests.bySystem();
-               owner.quitRequests.bySystem();
-             }),
+             [&owner] { owner.quitRequests.unconditionally(); }),
       merge({owner.platform.files, owner.platform.propertyLists, owner.platform.clock, owner.platform.desktop,
              owner.settings, owner.session, dictionary, dictionaryFile, rewrite, limits}),
       playlists(owner.board, merge, owner.settings, owner.session, owner.platform.identifiers, owner.platform.desktop,
@@ -50,7 +46,7 @@ ShareRoles::ShareRoles(Roles &owner)
       texts(owner.platform.files, owner.platform.desktop, owner.settings, owner.strings, owner.session,
             owner.interface, owner.paths),
       clientAlive(owner.platform.loop,
-                  {[this] { return isConnected(); }, [this] { messages.sendClientAliveMessage(); }}),
+                  {[this] { return connectFlow.isConnected(); }, [this] { messages.sendClientAliveMessage(); }}),
       cleanup(owner.platform.files, owner.platform.clock, owner.platform.desktop, folders,
               owner.values.temporaryMark),
       afterConnection({owner.platform.files, owner.platform.propertyLists, owner.platform.desktop, owner.paths},
@@ -66,7 +62,7 @@ ShareRoles::ShareRoles(Roles &owner)
       events(connectFlow, connectParts, owner.preferences, owner.platform.clock, owner.platform.desktop,
              eventHooks()),
       sleepAndWake(owner.platform.files, owner.strings, owner.log, owner.board, owner.interface, folders.share(),
-                   {[this] { return isConnected(); }, [this] { connectFlow.onDisconnect(); }}) {}
+                   {[this] { return connectFlow.isConnected(); }, [this] { connectFlow.onDisconnect(); }}) {}
 
 ConnectionTools ShareRoles::makeConnectionTools() {
   return {roles.platform.files,   roles.platform.processes, roles.platform.clock,
@@ -95,7 +91,7 @@ PlaylistMetaData::Hooks ShareRoles::playlistHooks() {
 
 TransferDriver::Hooks ShareRoles::driverHooks() {
   TransferDriver::Hooks hooks;
-  hooks.isConnected = [this] { return isConnected(); };
+  hooks.isConnected = [this] { return connectFlow.isConnected(); };
   hooks.enableCFLLimits = [this] { limits.enableCFLLimits(); };
   hooks.sendMetaDataForPlaylist = [this](bool photos) { return playlists.sendMetaDataForPlaylist(photos); };
   hooks.sendMetaDataForTransferredFiles = [this](const TransferredKinds &kinds) {
@@ -134,6 +130,7 @@ AutomaticConnection::Hooks ShareRoles::automaticHooks() {
     return connectFlow.connectToVaultbox(password, address);
   };
   hooks.connected = [this] { connectFlow.connectedAutomatically(); };
+  hooks.givenUp = [this] { return roles.interruption.token().stop_requested(); };
   hooks.getConnectionFailureReason = [this] { return connectFlow.getConnectionFailureReason(); };
   hooks.enterPasswordPanel = [this] { roles.interface.showPasswordPanel(true); };
   hooks.showErrorConnect = [this] { texts.showErrorConnect(); };

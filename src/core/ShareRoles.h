@@ -68,8 +68,8 @@ struct ShareRoles {
   ApplicationEvents events;
   SleepAndWake sleepAndWake;
 
-  // A fresh look at the share; any thread.
-  [[nodiscard]] bool isConnected() const { return Connection(connectionTools).isConnected(); }
+  // A fresh look at the share, which becomes the answer that is shown; any thread.
+  [[nodiscard]] bool isConnected() const { return connectFlow.isConnected(); }
   void observeNotifications();
   void prepareProducts();
   [[nodiscard]] bool registerForPower();

@@ -35,6 +35,8 @@ bool ColourLimits::presentLimitSettings() {
     m_values = readLimits(m_files.read(m_path));
   } catch (const Failure &failure) {
     m_desktop.log(u"The limits file cannot be read: "_s + failure.reason());
+    // Values that were not read must not be written; a damaged file is told by the edit itself.
+    return failure.kind() == FailureKind::Damaged;
   }
   return true;
 }
@@ -56,7 +58,7 @@ void ColourLimits::setLimitInOrvFile(const QString &enables, const QString &limi
     return;
   }
   try {
-    m_files.write(m_path, edited);
+    m_files.writeAtomically(m_path, edited);
   } catch (const Failure &failure) {
     const bool opened = failure.kind() == FailureKind::DiskFull || failure.kind() == FailureKind::Unknown;
     m_desktop.printOutput(opened ? u"Write Limits File: Couldn't write the file.\n"_s

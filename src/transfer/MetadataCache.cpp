@@ -11,10 +11,10 @@ std::optional<TrackTags> MetadataCache::tags(const QString &path) {
   } catch (const Failure &) {
     facts.reset(); // a file that cannot be looked at cannot be read either
   }
-  if (!facts) {
-    return std::nullopt;
-  }
   const auto known = m_entries.constFind(path);
+  if (!facts) {
+    return known != m_entries.constEnd() ? known->tags : std::nullopt;
+  }
   if (known != m_entries.constEnd() && known->size == facts->size &&
       known->modifiedSeconds == facts->modifiedSeconds && known->modifiedNanoseconds == facts->modifiedNanoseconds) {
     return known->tags;

@@ -158,11 +158,23 @@ bool Transfer::copyIntoHierarchy(const Track &track, const QString &folder, cons
       }
       return true;
     }
+    removeRemains(file);
     if (m_stop.stop_requested()) {
       break;
     }
   }
   return false;
+}
+
+// Nothing stood there before, so what a failed copy left is half a track that no later drop would mend.
+void Transfer::removeRemains(const QString &file) {
+  try {
+    m_tools.files.removeFile(file);
+  } catch (const Failure &failure) {
+    if (failure.kind() != FailureKind::Absent) {
+      m_tools.desktop.log(u"%1 could not be removed: %2"_s.arg(file, failure.reason()));
+    }
+  }
 }
 
 bool Transfer::settleOn(const Track &track, const QString &file, bool useFolderHierarchy) {

@@ -77,6 +77,7 @@ private:
   [[nodiscard]] bool copyTo(const Track &track, const QString &file);
   [[nodiscard]] bool placeInHierarchy(const Track &track);
   [[nodiscard]] bool copyIntoHierarchy(const Track &track, const QString &folder, const QString &newFile);
+  void removeRemains(const QString &file);
   void artworkAction(const Track &track, const QString &file, bool useFolderHierarchy);
   void record(const Track &track, const QString &file);
 

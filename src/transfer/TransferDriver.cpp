@@ -104,7 +104,7 @@ TransferDriver::After TransferDriver::carryItem(const QueueEntry &entry) {
     reportRadio(entry.item);
     return After::NextItem;
   }
-  if (!m_transfer.isBookmarkFileType() && m_tools.files.presence(item.path) != Presence::Present) {
+  if (!m_transfer.isBookmarkFileType() && m_tools.files.presence(item.path) == Presence::Absent) {
     if (!m_hooks.isConnected()) {
       return shareLost(u"Disconnect"_s);
     }

@@ -97,4 +97,56 @@ TEST_F(ColourLimitsTest, AFileThatLacksAKeyEndsTheProgramAndStaysAsItWas) {
       u"Exception in ---> <AppController><problem while setting limits(setLimitInOrvFile)> "_s));
 }
 
+TEST_F(ColourLimitsTest, ReadingADamagedFileKeepsTheValues) {
+  files.put(kPath, limitsFile("7"));
+  EXPECT_TRUE(limits.presentLimitSettings());
+  files.put(kPath, "RED_LIMIT=12\r\n");
+  EXPECT_TRUE(limits.presentLimitSettings());
+  EXPECT_EQ(limits.values(), (KeyLimits{{{1, 7}, {1, 100}, {0, 20}, {1, 40}}}));
+  EXPECT_EQ(quits, 0);
+  EXPECT_TRUE(desktop.logged(u"The limits file cannot be read: the limits file has no GREEN_ENABLED="_s));
+}
+
+TEST_F(ColourLimitsTest, ReadsTheLeadingNumberOfAnyValue) {
+  const KeyLimits read =
+      readLimits("GREEN_ENABLED=x\nYELLOW_ENABLED=7\nRED_ENABLED=10\nBLUE_ENABLED=1\n"
+                 "GREEN_LIMIT= 12\nYELLOW_LIMIT=abc\nRED_LIMIT=-5x\nBLUE_LIMIT=99999999999999999999");
+  EXPECT_EQ(read[1], (KeyLimit{0, 12}));
+  EXPECT_EQ(read[2], (KeyLimit{7, 0}));
+  EXPECT_EQ(read[0], (KeyLimit{1, -5}));
+  EXPECT_EQ(read[3], (KeyLimit{1, 999'999'999}));
+}
+
+TEST_F(ColourLimitsTest, ExactlyOneCharacterIsReplacedByAnEnable) {
+  const QByteArray file = limitsFile("7", "\xC3\xA9"
+                                          "0");
+  EXPECT_EQ(editedLimits(file, u"#1#0#1#1#"_s, u"#100#20#7#40#"_s), limitsFile("7", "10"));
+}
+
+TEST_F(ColourLimitsTest, AFailedWriteIsPrintedAndNothingElseIsSaid) {
+  files.put(kPath, limitsFile("7", "0"));
+  files.failPath(kPath, FailureKind::Other);
+  limits.setLimitInOrvFile(u"#1#1#1#1#"_s, u"#1#1#1#1#"_s);
+  EXPECT_TRUE(desktop.printed.isEmpty()); // it could not even be read: no edit
+  files.clearFailures();
+  files.clearLog();
+  files.beforeOperation = [this](int) {
+    if (files.log().contains(u"read "_s + kPath)) {
+      files.failPath(kPath, FailureKind::Other);
+    }
+  };
+  desktop.lines.clear();
+  limits.setLimitInOrvFile(u"#1#1#1#1#"_s, u"#1#1#1#1#"_s);
+  EXPECT_EQ(desktop.printed, QStringList{u"Write Limits File: Couldn't open file for writing.\n"_s});
+  EXPECT_TRUE(desktop.lines.isEmpty());
+  EXPECT_EQ(quits, 0);
+}
+
+TEST_F(ColourLimitsTest, KeysWithoutTitlesAndNamesThatAreNoKeysChangeNothing) {
+  files.put(kPath, limitsFile("50"));
+  limits.executeLimitOperatingLogic({u"Red"_s, u"Party"_s}, FavouriteLists(5));
+  limits.executeLimitOperatingLogic({u"Blue"_s}, FavouriteLists());
+  EXPECT_EQ(files.bytes(kPath), limitsFile("50"));
+}
+
 } // namespace sonorel::test

@@ -94,4 +94,42 @@ TEST_F(ListBuildingTest, AnAlbumNameEndsAtItsFirstNul) {
   EXPECT_EQ(albumNameOf(u""_s), u"Unknown"_s);
 }
 
+TEST_F(ListBuildingTest, AnAlbumOfOneLooseSongIsLeftOutAndTheSongsGiveWay) {
+  albums = {{u"1.mp3"_s, u"Gold"_s}};
+  const PlaylistDetails details = build({item(u"N0PL@YL!ST"_s, u"1.mp3"_s), item(u"P"_s, u"2.mp3"_s)});
+  EXPECT_EQ(details.titles.keys(), QStringList{u"P"_s});
+  EXPECT_EQ(getAllPlaylistName(details.records), QStringList{u"P"_s});
+}
+
+TEST_F(ListBuildingTest, AlbumListsComeBehindTheOthersInTheOrderOfTheirFirstSong) {
+  albums = {{u"1.mp3"_s, u"B"_s}, {u"2.mp3"_s, u"A"_s}, {u"3.mp3"_s, u"A"_s}, {u"4.mp3"_s, u"B"_s}};
+  QList<PlaylistInfo> records;
+  for (int i = 1; i <= 4; ++i) {
+    records.append(item(u"N0PL@YL!ST"_s, u"%1.mp3"_s.arg(i)));
+  }
+  records.append(item(u"P"_s, u"5.mp3"_s));
+  EXPECT_EQ(getAllPlaylistName(build(records).records), (QStringList{u"P"_s, u"@~B@~"_s, u"@~A@~"_s}));
+}
+
+TEST_F(ListBuildingTest, EveryCharacterThatAShareNameCannotHoldIsReplaced) {
+  const PlaylistDetails details = build({item(u"P"_s, u"a/b\\c:d*e?f\"g<h>i|j@@@@@k"_s)});
+  EXPECT_EQ(paths(details.titles.value(u"P"_s)), QStringList{u"a_b_c_d_e_f_g_h_i_j@@@@@k/1"_s});
+}
+
+TEST_F(ListBuildingTest, EachFileIsAskedForItsAlbumOnce) {
+  int asked = 0;
+  const QList<PlaylistInfo> records{item(u"@!!!Red!!!@"_s, u"1.mp3"_s), item(u"@!!!Blue!!!@"_s, u"1.mp3"_s),
+                                    item(u"P"_s, u"1.mp3"_s)};
+  (void)makePlaylistDetailData(
+      records, [&](const QString &) { return ++asked, u"Gold"_s; }, {u"Auralis 5"_s, false}, identifiers);
+  EXPECT_EQ(asked, 1);
+}
+
+TEST_F(ListBuildingTest, APlaylistRedAndTheKeyRedShareTheLaterTitles) {
+  albums = {{u"2.mp3"_s, u"Gold"_s}};
+  const PlaylistDetails details = build({item(u"Red"_s, u"1.mp3"_s), item(u"@!!!Red!!!@"_s, u"2.mp3"_s)});
+  EXPECT_EQ(paths(details.titles.value(u"Red"_s)), QStringList{u"Gold/2"_s});
+  EXPECT_EQ(makePlaylistDataArrays(details.records, 5, identifiers).size(), 2U);
+}
+
 } // namespace sonorel::test

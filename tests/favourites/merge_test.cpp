@@ -129,6 +129,20 @@ TEST_F(MergeTest, WithoutALimitsFileTheSecondAlbumReplacesTheFirst) {
   EXPECT_EQ(client.shown().first(), u"1 Red: A Love Supreme/2"_s);
 }
 
+TEST_F(MergeTest, TheLimitFollowsTheTitlesOnTheKey) {
+  client.limits.enableCFLLimits();
+  for (int i = 0; i < 9; ++i) {
+    client.track(u"Red"_s, u"%1.mp3"_s.arg(i));
+  }
+  ASSERT_TRUE(client.send());
+  EXPECT_EQ(redLimit(), "RED_LIMIT=10");
+  for (int i = 0; i < 150; ++i) {
+    client.track(u"Red"_s, u"%1.mp3"_s.arg(i));
+  }
+  ASSERT_TRUE(client.send());
+  EXPECT_EQ(redLimit(), "RED_LIMIT=99");
+}
+
 TEST_F(MergeTest, TheTenthAlbumPushesOutTheOldestOnAuralis5) {
   client.limits.enableCFLLimits();
   for (int i = 1; i <= 10; ++i) {

@@ -115,6 +115,22 @@ TEST_F(EncodedMetadataTest, TellsAppleLosslessFromAac) {
   expectTags(path(u"alac.m4p"_s), {u"Apple Lossless"_s});
 }
 
+// As another program has written them: a wave file has its own kind of tag.
+TEST_F(EncodedMetadataTest, ReadsTheTagsThatFfmpegWrites) {
+  for (const QString &name : {u"a.wav"_s, u"a.mp3"_s, u"a.flac"_s, u"a.m4a"_s, u"a.ogg"_s, u"a.wma"_s, u"a.opus"_s}) {
+    const QStringList silence{u"-loglevel"_s, u"error"_s,    u"-f"_s, u"lavfi"_s,
+                              u"-i"_s,        u"anullsrc"_s, u"-t"_s, u"0.1"_s};
+    const QStringList tags{u"-metadata"_s,       u"title=Long Wave"_s, u"-metadata"_s,
+                           u"artist=The Band"_s, u"-metadata"_s,       u"album=Four Formats"_s};
+    ASSERT_EQ(QProcess::execute(u"ffmpeg"_s, silence + tags + QStringList{path(name)}), 0) << name.toStdString();
+    const auto read = metadata.read(path(name));
+    ASSERT_TRUE(read) << name.toStdString();
+    EXPECT_EQ(read->title, u"Long Wave"_s) << name.toStdString();
+    EXPECT_EQ(read->album, u"Four Formats"_s) << name.toStdString();
+    EXPECT_EQ(read->authors, QStringList{u"The Band"_s}) << name.toStdString();
+  }
+}
+
 TEST_F(EncodedMetadataTest, FileWithoutTagsIsStillAnItem) {
   QProcess::execute(u"ffmpeg"_s, {u"-loglevel"_s, u"error"_s, u"-f"_s, u"lavfi"_s, u"-i"_s, u"anullsrc"_s, u"-t"_s,
                                   u"0.1"_s, u"-fflags"_s, u"+bitexact"_s, path(u"plain.mp3"_s)});

@@ -76,7 +76,7 @@ TEST_F(WakeOnLanTest, NothingIsSentWithoutAnAddress) {
 TEST_F(WakeOnLanTest, OtherSeparatorsAreReadAsDigitsThatCountZero) {
   put(u"Selected Devices"_s, {active(addressed(byHand(u"10.0.0.2"_s), u"00:1A:2B:3C:4D:5E"_s))});
   wake();
-  EXPECT_EQ(woken().toHex(), QByteArray("0001a00b03c0")) << "00 :1 A: 2B :3 C:";
+  EXPECT_EQ(woken().toHex(), QByteArray("0001a02b03c0")) << "00 :1 A: 2B :3 C:";
   EXPECT_EQ(desktop.lines.size(), 1);
 }
 

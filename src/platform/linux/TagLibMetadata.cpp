@@ -95,9 +95,17 @@ TrackTags tagsOf(TagLib::File &file) {
   if (!file.isValid() || !file.tag()) {
     return tags;
   }
-  tags.title = textOf(file.tag()->title());
-  tags.album = textOf(file.tag()->album());
-  const TagLib::StringList artists = file.properties()["ARTIST"];
+  // A wave file's own tag stands only among the properties; an old tag beside a newer one only in the union.
+  TagLib::PropertyMap properties = file.properties();
+  tags.title = textOf(properties["TITLE"].toString());
+  if (tags.title.isEmpty()) {
+    tags.title = textOf(file.tag()->title());
+  }
+  tags.album = textOf(properties["ALBUM"].toString());
+  if (tags.album.isEmpty()) {
+    tags.album = textOf(file.tag()->album());
+  }
+  const TagLib::StringList artists = properties["ARTIST"];
   for (const TagLib::String &artist : artists) {
     if (const QString text = textOf(artist); !text.isEmpty()) {
       tags.authors.append(text);
