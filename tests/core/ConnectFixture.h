@@ -59,11 +59,11 @@ protected:
   // "message|informative text" of the open questions.
   QStringList questions() {
     fakes.loop.runPosted();
-    QStringList texts;
+    QStringList open;
     for (const Question &question : fakes.userInterface.questions) {
-      texts.append(question.message + QStringLiteral("|") + question.informativeText);
+      open.append(question.message + QStringLiteral("|") + question.informativeText);
     }
-    return texts;
+    return open;
   }
   qsizetype mounts() { return fakes.processes.programs().count(QStringLiteral("/sbin/mount")); }
   QString mountUrl() {

@@ -113,7 +113,7 @@ TEST_F(InterfaceControllerTest, TransferringFollowsTheBoard) {
   interface.transferStateChanged();
   fakes.loop.runPosted();
   EXPECT_TRUE(shown().transferring);
-  board.finish();
+  EXPECT_FALSE(board.finish());
   interface.transferStateChanged();
   fakes.loop.runPosted();
   EXPECT_FALSE(shown().transferring);
