@@ -33,7 +33,7 @@ QByteArray addressFile() {
     throw systemFailure(errno, u"getrandom"_s);
   }
   const QByteArray tail(reinterpret_cast<const char *>(random), sizeof random);
-  return "127.0.0.1\n02:" + tail.toHex(':').toUpper() + '\n';
+  return "127.0.0.1\n02-" + tail.toHex('-').toUpper() + '\n';
 }
 
 QByteArray limitsFile() {
