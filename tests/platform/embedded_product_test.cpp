@@ -34,7 +34,7 @@ TEST_F(EmbeddedProducts, HaveTheFilesOfAProduct) {
     EXPECT_TRUE(std::filesystem::is_directory(temporary.base() / "data/Embedded/VB-SHARE$" / folder)) << folder;
   }
   EXPECT_EQ(system("OrvProductName.orv"), "Auracore 5\n");
-  EXPECT_TRUE(std::regex_match(system("MacIPAdress.orv"), std::regex("127\\.0\\.0\\.1\n02(:[0-9A-F]{2}){5}\n")));
+  EXPECT_TRUE(std::regex_match(system("MacIPAdress.orv"), std::regex("127\\.0\\.0\\.1\n02(-[0-9A-F]{2}){5}\n")));
   EXPECT_EQ(system("OrvSpecialFavouriteLimits.orv"),
             "GREEN_ENABLED=1\r\nYELLOW_ENABLED=1\r\nRED_ENABLED=1\r\nBLUE_ENABLED=1\r\n"
             "GREEN_LIMIT=10\r\nYELLOW_LIMIT=10\r\nRED_LIMIT=10\r\nBLUE_LIMIT=10\r\n");
