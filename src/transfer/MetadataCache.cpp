@@ -20,7 +20,7 @@ std::optional<TrackTags> MetadataCache::tags(const QString &path) {
     return known->tags;
   }
   Entry entry{facts->size, facts->modifiedSeconds, facts->modifiedNanoseconds, m_metadata.read(path)};
-  return m_entries.insert(path, std::move(entry))->tags;
+  return m_entries.insert(path, entry)->tags;
 }
 
 } // namespace sonorel

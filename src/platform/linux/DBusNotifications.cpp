@@ -15,7 +15,7 @@ void DBusNotifications::observe(const QString &name, Handler handler) {
   {
     const std::lock_guard lock(m_mutex);
     isNew = !m_handlers.contains(name);
-    m_handlers.insert(name, std::move(handler));
+    m_handlers.insert(name, handler);
   }
   // Without a signature: a signal of another one shall be seen, and logged.
   if (isNew && !m_bus.connect(QString(), QString::fromLatin1(kAgentPath), QString::fromLatin1(kAgentInterface), name,
