@@ -73,7 +73,7 @@ void StartUp::createFolders() {
        {m_paths.machineParent, m_paths.machineFolder, m_paths.supportParent, m_paths.supportFolder}) {
     createFolderIfMissing(folder);
   }
-  if (!m_machinePreferences.exists()) {
+  if (m_platform.files.presence(m_paths.machinePreferences) == Presence::Absent) {
     m_machinePreferences.write({}, kFolderMode);
   }
 }

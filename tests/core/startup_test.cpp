@@ -54,6 +54,14 @@ TEST_F(StartUpTest, LeavesExistingFoldersAndPreferencesAsTheyAre) {
   EXPECT_EQ(strings.languageFile(), u"StringsKorean"_s);
 }
 
+TEST_F(StartUpTest, WritesNoMachineWidePreferencesWhenItIsUnknownWhetherTheyAreThere) {
+  fakes.install();
+  fakes.files.makeFolders(kMachine);
+  fakes.putDictionary(kMachinePreferences, {{u"Username"_s, u"x"_s}});
+  fakes.files.failPath(kMachinePreferences, FailureKind::Unknown);
+  EXPECT_TRUE(startUp.init());
+}
+
 TEST_F(StartUpTest, WritesThePreferencesOfAFirstStartWithTheSystemLanguage) {
   fakes.install();
   fakes.desktop.language = u"sv-SE"_s;
