@@ -34,6 +34,7 @@ StartUp::Steps Roles::steps() {
   steps.updateDeviceName = [this] { share->texts.updateDeviceName(); };
   steps.registerForPower = [this] { return share->registerForPower(); };
   steps.connectAutomatically = [this] { share->automaticConnection.run(); };
+  steps.showTrueState = [this] { share->connectFlow.showTrueState(); };
   steps.createDiscovery = [] {}; // products are added by hand until they are looked for on the network
   steps.showConnectionIndicator = [this](bool shown) { interface.showConnecting(shown); };
   return steps;

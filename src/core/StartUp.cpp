@@ -171,6 +171,7 @@ void StartUp::awakeFromNib() {
     m_steps.createDiscovery();
   } catch (const std::exception &e) {
     logException(m_platform.desktop, u"awakeFromNib"_s, e);
+    m_steps.showTrueState();
     m_view.alert(m_state.strings.text(u"ExceptionText"_s),
                  withProductName(m_state.strings.text(u"ErrorConnecting"_s), m_state.session.deviceName()));
   }

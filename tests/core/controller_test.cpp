@@ -135,6 +135,22 @@ TEST_F(ControllerTest, LetsPeopleActWhenPowerNotificationsAreRefused) {
   EXPECT_TRUE(fakes.userInterface.last().connectionIndicator);
 }
 
+TEST_F(ControllerTest, ShowsTheTrueStateWhenTheShareIsGoneAfterAFailureOfTheStart) {
+  selectProduct(u"p@ss"_s);
+  fakes.processes.onRun = [this](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (request.program != u"/sbin/mount"_s) {
+      return std::nullopt;
+    }
+    fakes.files.setFreeBytes(u"/"_s, 0); // the drop agent cannot be told
+    return exited(0);                    // and the share is gone again
+  };
+  start();
+  EXPECT_TRUE(fakes.desktop.logged(u"<AppController><awakeFromNib>"_s));
+  EXPECT_FALSE(fakes.userInterface.last().connected);
+  EXPECT_EQ(fakes.userInterface.last().dockImage, u"Disconnect"_s);
+  EXPECT_EQ(fakes.userInterface.questions.size(), 1);
+}
+
 TEST_F(ControllerTest, EndsWhenTheStartFails) {
   fakes.files.failPath(fakes.paths.supportFolder, FailureKind::Other);
   start();
