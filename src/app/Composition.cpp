@@ -24,14 +24,14 @@ Composition::Composition(const CompositionOptions &options, const QDBusConnectio
       m_clock(options.pauseScale), m_loop(failureLog(u"an operation"_s)), m_worker(failureLog(u"a transfer"_s)),
       m_applications(bus), m_metadata(hostPathOf(options.roots)),
       m_scripts(
-          m_files, m_processes, m_clock, [this] { return m_stop.get_token(); },
+          m_files, m_processes, m_clock, [this] { return m_controller.interruption(); },
           u"/Applications/Sonorel/Sonorel.app/Contents/Resources/ConvertWeblocToURL.sh"_s),
       m_door(bus, actions(), m_dropCounter), m_userInterface(m_door, m_quit),
       m_notifications(bus, m_loop, m_desktop, notificationHooks()), m_controller(platform(), values(options)) {}
 
 Composition::~Composition() {
-  m_stop.request_stop();
   m_loop.stop();
+  m_controller.interrupt(); // whatever it still waits for, nothing follows
   if (m_thread.joinable()) {
     m_thread.join();
   }

@@ -60,7 +60,6 @@ private:
   void openDoor(bool initialised);
 
   std::function<void(int)> m_quit;
-  std::stop_source m_stop;
   LinuxDesktop m_desktop;
   LinuxFileSystem m_files;
   LinuxProcesses m_processes;

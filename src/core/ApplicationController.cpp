@@ -31,12 +31,21 @@ void ApplicationController::start() {
   roles.share->intake.setReady();
 }
 
+void ApplicationController::interrupt() {
+  m_roles->interruption.interrupt();
+}
+
+std::stop_token ApplicationController::interruption() const {
+  return m_roles->interruption.token();
+}
+
 void ApplicationController::post(const QString &name, std::function<void(ShareRoles &)> operation) {
   m_roles->platform.loop.post([this, name, operation = std::move(operation)] {
     if (!m_roles->share || m_roles->quitRequests.isTerminated()) {
       return; // the start-up has failed, or the program is about to end
     }
     try {
+      m_roles->interface.flush(); // it looks at the window as the operations before it have left it
       operation(*m_roles->share);
     } catch (const std::exception &e) {
       logException(m_roles->platform.desktop, name, e);

@@ -14,6 +14,7 @@
 
 #include <functional>
 #include <memory>
+#include <stop_token>
 
 namespace sonorel {
 
@@ -23,7 +24,8 @@ struct ShareRoles;
 
 class ApplicationController {
 public:
-  // Everything in the platform must outlive the controller, and the loop must not run any more when it is destroyed.
+  // Everything in the platform must outlive the controller. When it is destroyed the loop must not run any more and
+  // the worker must have been joined: both refer to its roles.
   ApplicationController(const Platform &platform, const ControllerValues &values);
   ~ApplicationController();
   ApplicationController(const ApplicationController &) = delete;
@@ -31,6 +33,12 @@ public:
 
   // `init`, then `awakeFromNib` with the automatic connection.
   void start();
+
+  // Any thread: ends what the controller waits for now, as a request to end does, and asks for nothing else. For an
+  // end that must not wait for a product.
+  void interrupt();
+  // Of the waits that begin now; for waits on the controller's thread that happen outside of the logic.
+  [[nodiscard]] std::stop_token interruption() const;
 
   // --- what is asked from outside ---
   void reopen(bool hasVisibleWindows); // a click on the dock icon
@@ -60,7 +68,8 @@ public:
   void selectLanguage(int index);
 
   // --- class getters; each forwards to the role that owns the value ---
-  [[nodiscard]] Connection *getConnectionObject() const; // null until `awakeFromNib` has made it
+  // Controller's thread; null until `awakeFromNib` has made it.
+  [[nodiscard]] Connection *getConnectionObject() const;
   [[nodiscard]] QVariantMap getAppProperty() const;
   [[nodiscard]] QString getResourcePath() const;
   [[nodiscard]] QList<PlaylistInfo> getPlaylistArray(bool photos) const;

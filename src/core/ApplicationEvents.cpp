@@ -66,6 +66,7 @@ void ApplicationEvents::refuseQuit() {
 void ApplicationEvents::leaveProduct() {
   m_parts.interface.setDockIcon(kQuittingImage);
   pause(kPauseBeforeDisconnect);
+  m_hooks.awaitTransfer(); // what a cancelled transfer hands in needs the share
   m_hooks.stopObservingSpaces();
   m_connectFlow.disconnect();
   pause(kPauseAfterDisconnect);

@@ -26,6 +26,7 @@ public:
   struct Hooks {
     std::function<void()> performFirstLaunchCheck;
     std::function<void()> killTrackChuteAndLaunch;
+    std::function<void()> awaitTransfer; // a cancelled one that has not ended yet
     std::function<void()> stopObservingSpaces;
     std::function<std::stop_token()> stop; // ends the pauses
   };

@@ -69,13 +69,14 @@ public:
   // All that follows the success of the automatic connection.
   void connectedAutomatically();
   [[nodiscard]] bool getConnectionFailureReason();
+  // After a failure that does not tell whether the share is there: looks, and shows it.
+  void showTrueState();
   // Tells the product, ends the alive timer and unmounts. Whether it was unmounted becomes the answer that is shown.
   void disconnect();
 
 private:
   void connect();
   void showFailure();
-  void showTrueState();
   void disconnectAndShow(bool resetWindow);
   void refuseDisconnect();
   void removeMainDictionary();

@@ -225,7 +225,9 @@ void InterfaceController::windowWillClose() {
 void InterfaceController::quit(int status) {
   enqueue([this, status] {
     publish();
-    m_userInterface.quit(status);
+    if (!std::exchange(m_quitAsked, true)) {
+      m_userInterface.quit(status);
+    }
   });
 }
 

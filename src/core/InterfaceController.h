@@ -53,7 +53,7 @@ public:
   void setProducts(const ProductTables &tables);
   void showPasswordPanel(bool shown); // always with an empty field
   void windowWillClose();             // the window is hidden
-  void quit(int status);
+  void quit(int status);              // the first status counts
 
   // --- controller's thread ---
   // Everything that was asked for takes effect now: before something blocks.
@@ -98,6 +98,7 @@ private:
   std::map<quint32, Open> m_open;
   quint32 m_nextSerial = 1;
   bool m_ended = false;
+  bool m_quitAsked = false;
 };
 
 } // namespace sonorel

@@ -29,9 +29,8 @@ void QuitRequests::quit() {
     return;
   }
   m_interruption.renew();
-  if (m_hooks.applicationShouldTerminate()) {
-    m_terminated = true;
-    m_hooks.terminate();
+  if (agrees()) {
+    end();
   }
 }
 
@@ -46,10 +45,32 @@ void QuitRequests::quitByForce(bool hurry) {
   }
   m_terminated = true;
   m_interruption.renew();
-  m_hooks.cancelTransfer(hurry);
-  m_hooks.joinTransfer();
-  static_cast<void>(m_hooks.applicationShouldTerminate());
-  m_hooks.terminate();
+  attempt([this, hurry] { m_hooks.cancelTransfer(hurry); });
+  attempt(m_hooks.joinTransfer);
+  static_cast<void>(agrees());
+  end();
+}
+
+// A program that cannot be ended would be worse than one that ends half tidied.
+bool QuitRequests::agrees() {
+  bool agreed = true;
+  attempt([this, &agreed] { agreed = m_hooks.applicationShouldTerminate(); });
+  return agreed;
+}
+
+// A request that came meanwhile has cut the pauses and tools short; the last steps are its own to wait for.
+void QuitRequests::end() {
+  m_terminated = true;
+  m_interruption.renew();
+  attempt(m_hooks.terminate);
+}
+
+void QuitRequests::attempt(const std::function<void()> &step) {
+  try {
+    step();
+  } catch (const std::exception &e) {
+    m_hooks.failed(e);
+  }
 }
 
 } // namespace sonorel

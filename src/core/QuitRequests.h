@@ -7,6 +7,7 @@
 #include "platform/Loop.h"
 
 #include <atomic>
+#include <exception>
 #include <functional>
 
 namespace sonorel {
@@ -15,10 +16,12 @@ class QuitRequests {
 public:
   struct Hooks {
     std::function<bool()> applicationShouldTerminate; // false: refused, the program keeps running
-    // As the Cancel button, and the running copy is ended; in a hurry nothing waits for other clients any more.
+    // As the Cancel button; in a hurry nothing waits for other clients any more.
     std::function<void(bool hurry)> cancelTransfer;
-    std::function<void()> joinTransfer; // waits for the worker; a favourites rewrite is finished first
-    std::function<void()> terminate;    // the program ends with status 0
+    // Ends the running copy and waits for the worker; a favourites rewrite is finished first.
+    std::function<void()> joinTransfer;
+    std::function<void()> terminate;                    // leaves what is not left yet; the program ends with status 0
+    std::function<void(const std::exception &)> failed; // one of the above; the end goes on
   };
 
   // Both references must outlive the object, and the loop must not run any more when it is destroyed.
@@ -35,6 +38,9 @@ public:
 private:
   void quit();
   void quitByForce(bool hurry);
+  [[nodiscard]] bool agrees();
+  void end();
+  void attempt(const std::function<void()> &step);
 
   Loop &m_loop;
   Interruption &m_interruption;

@@ -1,5 +1,9 @@
 #include "core/Roles.h"
 
+#include "core/state/Report.h"
+
+using namespace Qt::Literals::StringLiterals;
+
 namespace sonorel {
 
 namespace {
@@ -30,6 +34,7 @@ StartUp::Steps Roles::steps() {
   steps.updateDeviceName = [this] { share->texts.updateDeviceName(); };
   steps.registerForPower = [this] { return share->registerForPower(); };
   steps.connectAutomatically = [this] { share->automaticConnection.run(); };
+  steps.showTrueState = [this] { share->connectFlow.showTrueState(); };
   steps.createDiscovery = [] {}; // products are added by hand until they are looked for on the network
   steps.showConnectionIndicator = [this](bool shown) { interface.showConnecting(shown); };
   return steps;
@@ -46,18 +51,28 @@ QuitRequests::Hooks Roles::quitHooks() {
       if (hurry) {
         share->forcedEnd.request_stop();
       }
-      platform.worker.requestStop();
     }
   };
-  hooks.joinTransfer = [this] { platform.worker.join(); };
+  hooks.joinTransfer = [this] {
+    if (share) {
+      share->awaitTransfer();
+    }
+  };
   hooks.terminate = [this] { terminate(); };
+  hooks.failed = [this](const std::exception &e) {
+    logException(platform.desktop, u"applicationShouldTerminate"_s, e);
+  };
   return hooks;
 }
 
-// After an ordinary quit the share has been left already.
+// After an ordinary quit the share has been left already; one whose unmount was cut short leaves it now.
 void Roles::terminate() {
-  if (share && share->isConnected()) {
-    share->connectFlow.disconnect();
+  try {
+    if (share && share->isConnected()) {
+      share->connectFlow.disconnect();
+    }
+  } catch (const std::exception &e) {
+    logException(platform.desktop, u"applicationShouldTerminate"_s, e);
   }
   interface.closeQuestions();
   interface.quit(kEnded);

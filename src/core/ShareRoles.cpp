@@ -1,5 +1,6 @@
 #include "core/ShareRoles.h"
 
+#include "core/AwaitTransfer.h"
 #include "core/Roles.h"
 #include "core/state/Report.h"
 
@@ -139,7 +140,12 @@ AutomaticConnection::Hooks ShareRoles::automaticHooks() {
 
 ApplicationEvents::Hooks ShareRoles::eventHooks() {
   return {[this] { roles.startUp.performFirstLaunchCheck(); }, [this] { roles.system.killTrackChuteAndLaunch(); },
-          [this] { roles.system.stopObservingSpaces(); }, [this] { return roles.interruption.token(); }};
+          [this] { awaitTransfer(); }, [this] { roles.system.stopObservingSpaces(); },
+          [this] { return roles.interruption.token(); }};
+}
+
+void ShareRoles::awaitTransfer() {
+  sonorel::awaitTransfer(roles.platform.worker, roles.interruption, forcedEnd);
 }
 
 void ShareRoles::observeNotifications() {

@@ -73,6 +73,8 @@ struct ShareRoles {
   void observeNotifications();
   void prepareProducts();
   [[nodiscard]] bool registerForPower();
+  // Ends the running transfer and waits for it; controller's thread.
+  void awaitTransfer();
 
 private:
   [[nodiscard]] ConnectionTools makeConnectionTools();

@@ -73,7 +73,7 @@ void StartUp::createFolders() {
        {m_paths.machineParent, m_paths.machineFolder, m_paths.supportParent, m_paths.supportFolder}) {
     createFolderIfMissing(folder);
   }
-  if (!m_machinePreferences.exists()) {
+  if (m_platform.files.presence(m_paths.machinePreferences) == Presence::Absent) {
     m_machinePreferences.write({}, kFolderMode);
   }
 }
@@ -171,6 +171,7 @@ void StartUp::awakeFromNib() {
     m_steps.createDiscovery();
   } catch (const std::exception &e) {
     logException(m_platform.desktop, u"awakeFromNib"_s, e);
+    m_steps.showTrueState();
     m_view.alert(m_state.strings.text(u"ExceptionText"_s),
                  withProductName(m_state.strings.text(u"ErrorConnecting"_s), m_state.session.deviceName()));
   }

@@ -40,6 +40,7 @@ public:
     std::function<void()> updateDeviceName;
     std::function<bool()> registerForPower;
     std::function<void()> connectAutomatically;
+    std::function<void()> showTrueState; // after a failure: the share may be there or not
     std::function<void()> createDiscovery;
     std::function<void(bool)> showConnectionIndicator;
   };

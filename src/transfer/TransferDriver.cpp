@@ -34,6 +34,7 @@ TransferDriver::TransferDriver(const TransferTools &tools, Transfer &transfer, M
       m_hooks(std::move(hooks)) {}
 
 void TransferDriver::startTransfer() {
+  m_worker.join(); // the last step of an earlier transfer takes the mark away
   m_isAtWork = true;
   m_worker.start([this](std::stop_token stop) { transferToVaultbox(std::move(stop)); });
 }
@@ -46,8 +47,7 @@ void TransferDriver::transferToVaultbox(std::stop_token stop) {
     try {
       again = runTransfer();
     } catch (const std::exception &exception) {
-      cleanUpAfterException(exception);
-      again = m_tools.board.state() == TransferState::Running && !stop.stop_requested();
+      again = cleanUpAfterException(exception) && !stop.stop_requested();
     }
   }
 }
@@ -69,8 +69,7 @@ bool TransferDriver::runTransfer() {
     return false;
   }
   endTransfer();
-  finishTransferHandler();
-  return m_tools.board.state() == TransferState::Running && !m_stop.stop_requested();
+  return finishTransferHandler() && !m_stop.stop_requested();
 }
 
 bool TransferDriver::carryQueue() {

@@ -64,8 +64,10 @@ private:
   After exceptionInSound(const std::exception &exception);
   void endForSleep();
   void endTransfer();
-  void finishTransferHandler();
-  void cleanUpAfterException(const std::exception &exception);
+  // Both: true when a drop waited and has become the next transfer of this worker. Looking at the board afterwards
+  // would not tell: a drop that came later has a worker of its own.
+  [[nodiscard]] bool finishTransferHandler();
+  [[nodiscard]] bool cleanUpAfterException(const std::exception &exception);
 
   // --- messages ---
   [[nodiscard]] QString message(const QString &key);

@@ -87,7 +87,7 @@ void TransferDriver::endTransfer() {
   m_hooks.sendMetaDataForTransferredFiles(m_transferred);
 }
 
-void TransferDriver::finishTransferHandler() {
+bool TransferDriver::finishTransferHandler() {
   TransferBoard &board = m_tools.board;
   m_strings.reload();
   if (board.isCancel) {
@@ -112,14 +112,15 @@ void TransferDriver::finishTransferHandler() {
     m_tools.desktop.log(u"The main dictionary could not be removed: "_s + failure.reason());
   }
   m_hooks.dropsFinished(board.acceptedDrops());
-  (void)board.finish();
+  const bool dropWaited = board.finish();
   m_view.transferStateChanged();
   m_view.transferComplete();
+  return dropWaited;
 }
 
 // The client stays usable: everything that the end handler clears is cleared, without a closing line. The records
 // that are "Y" go out with the next transfer.
-void TransferDriver::cleanUpAfterException(const std::exception &exception) {
+bool TransferDriver::cleanUpAfterException(const std::exception &exception) {
   logException(m_tools.desktop, u"transferToVaultbox"_s, exception);
   m_view.setLanguageEnabled(true);
   m_view.stopPulse();
@@ -128,9 +129,10 @@ void TransferDriver::cleanUpAfterException(const std::exception &exception) {
   m_view.setHighlightCancelBtn(false);
   m_view.setDockIcon(m_hooks.isConnected() ? u"Connect"_s : u"Disconnect"_s);
   m_hooks.dropsFinished(m_tools.board.acceptedDrops());
-  (void)m_tools.board.finish();
+  const bool dropWaited = m_tools.board.finish();
   m_view.transferStateChanged();
   m_view.transferComplete();
+  return dropWaited;
 }
 
 QString TransferDriver::message(const QString &key) {

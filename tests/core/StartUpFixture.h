@@ -25,6 +25,7 @@ protected:
         [this] { ran.append(QStringLiteral("updateDeviceName")); },
         [this] { return powerRegisters; },
         [this] { ran.append(QStringLiteral("connectAutomatically")); },
+        [this] { ran.append(QStringLiteral("showTrueState")); },
         [this] { ran.append(QStringLiteral("createDiscovery")); },
         [this](bool shown) { ran.append(shown ? QStringLiteral("indicator on") : QStringLiteral("indicator off")); }};
   }

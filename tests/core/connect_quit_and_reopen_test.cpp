@@ -44,6 +44,10 @@ protected:
                               }
                             },
                             [this] { did.append(u"killTrackChuteAndLaunch"_s); },
+                            [this] {
+                              did.append(u"awaitTransfer"_s);
+                              EXPECT_FALSE(sent(u"ClientDisconnected.orv"_s));
+                            },
                             [this] { did.append(u"stopObservingSpaces"_s); }, [this] { return stop.get_token(); }}};
 };
 
@@ -64,7 +68,7 @@ TEST_F(QuitAndReopenTest, QuitSaysGoodbyeBeforeItUnmounts) {
   EXPECT_TRUE(goodbyeBeforeUnmount);
   EXPECT_EQ(images, QStringList({u"NewAppIcon"_s}));
   EXPECT_EQ(pauses(), QList<std::chrono::milliseconds>({1s, 1s, 2s, 2s}));
-  EXPECT_EQ(did, QStringList({u"stopObservingSpaces"_s}));
+  EXPECT_EQ(did, QStringList({u"awaitTransfer"_s, u"stopObservingSpaces"_s}));
   EXPECT_FALSE(fakes.files.isMounted(point));
   EXPECT_EQ(fakes.loop.timerCount(), 0);
 }

@@ -135,6 +135,22 @@ TEST_F(ControllerTest, LetsPeopleActWhenPowerNotificationsAreRefused) {
   EXPECT_TRUE(fakes.userInterface.last().connectionIndicator);
 }
 
+TEST_F(ControllerTest, ShowsTheTrueStateWhenTheShareIsGoneAfterAFailureOfTheStart) {
+  selectProduct(u"p@ss"_s);
+  fakes.processes.onRun = [this](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (request.program != u"/sbin/mount"_s) {
+      return std::nullopt;
+    }
+    fakes.files.setFreeBytes(u"/"_s, 0); // the drop agent cannot be told
+    return exited(0);                    // and the share is gone again
+  };
+  start();
+  EXPECT_TRUE(fakes.desktop.logged(u"<AppController><awakeFromNib>"_s));
+  EXPECT_FALSE(fakes.userInterface.last().connected);
+  EXPECT_EQ(fakes.userInterface.last().dockImage, u"Disconnect"_s);
+  EXPECT_EQ(fakes.userInterface.questions.size(), 1);
+}
+
 TEST_F(ControllerTest, EndsWhenTheStartFails) {
   fakes.files.failPath(fakes.paths.supportFolder, FailureKind::Other);
   start();
@@ -180,4 +196,54 @@ TEST_F(ControllerTest, ForwardsTheClassGetters) {
   EXPECT_EQ(controller->getCurrentLanguage(), u"StringsEnglish"_s);
   EXPECT_TRUE(controller->getPlaylistArray(false).isEmpty());
   EXPECT_TRUE(controller->getPlaylistArray(true).isEmpty());
+}
+
+TEST_F(ControllerTest, LeavesTheProductAlsoWhenASecondRequestCutsTheUnmountShort) {
+  startConnected();
+  bool first = true;
+  fakes.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (request.program != u"/sbin/umount"_s || !std::exchange(first, false)) {
+      return std::nullopt;
+    }
+    controller->endRequested();
+    return ToolResult{ToolEnding::Stopped, 0, {}};
+  };
+  controller->endRequested();
+  fakes.loop.runPosted();
+  EXPECT_FALSE(first);
+  EXPECT_FALSE(fakes.files.isMounted(kPoint));
+  EXPECT_EQ(fakes.userInterface.quitStatus, 0);
+}
+
+TEST_F(ControllerTest, GivesUpConnectingWhenItIsInterrupted) {
+  selectProduct(u"p@ss"_s);
+  fakes.processes.mountAnswers = {{1, "no route", false}, {1, "no route", false}, {1, "no route", false}};
+  controller = std::make_unique<ApplicationController>(fakes.platform, values);
+  std::stop_token waiting = controller->interruption();
+  fakes.clock.onSleep = [this] { controller->interrupt(); };
+  controller->start();
+  fakes.loop.runPosted();
+  EXPECT_TRUE(waiting.stop_requested());
+  EXPECT_EQ(fakes.processes.programs().count(u"/sbin/mount"_s), 1);
+  EXPECT_TRUE(fakes.userInterface.questions.isEmpty());
+}
+
+TEST_F(ControllerTest, PasswordAfterCancelIsNotTaken) {
+  selectProduct({});
+  start();
+  ASSERT_TRUE(fakes.userInterface.last().passwordWanted);
+  controller->cancelPassword();
+  controller->enterPassword(u"too late"_s);
+  fakes.loop.runPosted();
+  EXPECT_FALSE(fakes.userInterface.last().connected);
+  EXPECT_FALSE(fakes.userInterface.last().passwordWanted);
+  EXPECT_EQ(fakes.processes.programs().count(u"/sbin/mount"_s), 0);
+}
+
+TEST_F(ControllerTest, AskedToEndAfterAFailedStartStillSaysThatItFailed) {
+  fakes.files.failPath(fakes.paths.supportFolder, FailureKind::Other);
+  start();
+  controller->endRequested();
+  fakes.loop.runPosted();
+  EXPECT_EQ(fakes.userInterface.quitStatus, 1);
 }

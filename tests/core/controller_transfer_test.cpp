@@ -122,6 +122,25 @@ TEST_F(ControllerTransferTest, EndsWithinFifteenSecondsOfTheSecondRequest) {
   EXPECT_LE(fakes.clock.monotonicNow() - before, 15s);
 }
 
+TEST_F(ControllerTransferTest, QuitWaitsForACancelledTransferBeforeItUnmounts) {
+  startConnected();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  bool workerEndedFirst = false;
+  fakes.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (request.program == u"/sbin/umount"_s) {
+      workerEndedFirst = !fakes.worker.hasBody();
+    }
+    return std::nullopt;
+  };
+  controller->cancel();
+  controller->quit();
+  fakes.loop.runPosted();
+  EXPECT_TRUE(workerEndedFirst);
+  EXPECT_EQ(fakes.userInterface.quitStatus, 0);
+  EXPECT_EQ(finished, 1U);
+  EXPECT_FALSE(fakes.files.isMounted(kPoint));
+}
+
 TEST_F(ControllerTransferTest, RefusesADropWhileCancelling) {
   startConnected();
   deliver(u"@~Evening@~"_s, {song(u"One"_s)});

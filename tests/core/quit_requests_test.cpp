@@ -1,5 +1,6 @@
 #include "core/QuitRequests.h"
 
+#include "platform/Failure.h"
 #include "support/FakeLoop.h"
 #include "support/Printers.h"
 
@@ -31,7 +32,12 @@ protected:
                        return agrees;
                      },
                      [this](bool hurry) { ran.append(hurry ? u"cancel at once"_s : u"cancel"_s); },
-                     [this] { ran.append(u"join"_s); }, [this] { ran.append(u"terminate"_s); }}};
+                     [this] { ran.append(u"join"_s); },
+                     [this] {
+                       ran.append(u"terminate"_s);
+                       EXPECT_FALSE(interruption.token().stop_requested()) << "the last steps are not cut short";
+                     },
+                     [this](const std::exception &e) { ran.append(u"failed: "_s + reasonOf(e)); }}};
 };
 
 } // namespace
@@ -97,4 +103,31 @@ TEST_F(QuitRequestsTest, EndsOnce) {
   quit.byUser();
   loop.runPosted();
   EXPECT_EQ(ran, QStringList({u"ask"_s, u"terminate"_s}));
+}
+
+TEST_F(QuitRequestsTest, LeavesTheLastStepsWholeWhenAskedAgainMeanwhile) {
+  bool interrupted = false;
+  whileAsked = [&] {
+    const std::stop_token pause = interruption.token();
+    quit.bySystem();
+    interrupted = pause.stop_requested();
+  };
+  quit.bySystem();
+  loop.runPosted();
+  EXPECT_TRUE(interrupted);
+  EXPECT_EQ(ran, QStringList({u"ask"_s, u"terminate"_s}));
+}
+
+TEST_F(QuitRequestsTest, EndsAlsoWhenAStepFails) {
+  whileAsked = [] { throw Failure(u"no answer"_s); };
+  quit.byUser();
+  loop.runPosted();
+  EXPECT_EQ(ran, QStringList({u"ask"_s, u"failed: no answer"_s, u"terminate"_s}));
+}
+
+TEST_F(QuitRequestsTest, EndsByForceAlsoWhenAStepFails) {
+  whileAsked = [] { throw Failure(u"no answer"_s); };
+  quit.unconditionally();
+  loop.runPosted();
+  EXPECT_EQ(ran, QStringList({u"cancel"_s, u"join"_s, u"ask"_s, u"failed: no answer"_s, u"terminate"_s}));
 }

@@ -54,6 +54,14 @@ TEST_F(StartUpTest, LeavesExistingFoldersAndPreferencesAsTheyAre) {
   EXPECT_EQ(strings.languageFile(), u"StringsKorean"_s);
 }
 
+TEST_F(StartUpTest, WritesNoMachineWidePreferencesWhenItIsUnknownWhetherTheyAreThere) {
+  fakes.install();
+  fakes.files.makeFolders(kMachine);
+  fakes.putDictionary(kMachinePreferences, {{u"Username"_s, u"x"_s}});
+  fakes.files.failPath(kMachinePreferences, FailureKind::Unknown);
+  EXPECT_TRUE(startUp.init());
+}
+
 TEST_F(StartUpTest, WritesThePreferencesOfAFirstStartWithTheSystemLanguage) {
   fakes.install();
   fakes.desktop.language = u"sv-SE"_s;
@@ -201,5 +209,5 @@ TEST_F(StartUpTest, KeepsRunningAfterAFailureWhileAwaking) {
   EXPECT_EQ(fakes.desktop.lines, QStringList({u"Exception in ---> <AppController><awakeFromNib> broken"_s}));
   EXPECT_EQ(view.calls, QStringList({u"alert Something went wrong|An unexpected problem occurred while connecting to "
                                      u"the product (Auralis 5). Please try again."_s}));
-  EXPECT_EQ(ran.last(), u"indicator off"_s);
+  EXPECT_EQ(ran.mid(ran.size() - 2), QStringList({u"showTrueState"_s, u"indicator off"_s}));
 }

@@ -1,5 +1,7 @@
 #include "support/FakeView.h"
 
+#include <utility>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel::test {
@@ -119,9 +121,14 @@ void FakeView::transferStateChanged() {
 }
 
 void FakeView::transferComplete() {
-  const std::lock_guard guard(m_mutex);
-  calls.append(u"transferComplete"_s);
-  ++transfersCompleted;
+  {
+    const std::lock_guard guard(m_mutex);
+    calls.append(u"transferComplete"_s);
+    ++transfersCompleted;
+  }
+  if (const auto once = std::exchange(onTransferComplete, nullptr)) {
+    once();
+  }
 }
 
 } // namespace sonorel::test

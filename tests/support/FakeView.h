@@ -30,8 +30,9 @@ public:
   bool cancelHighlighted = false;
   bool languageEnabled = true;
   int transfersCompleted = 0;
-  std::deque<Asked> asked;       // not yet answered
-  std::optional<int> autoAnswer; // answers at once
+  std::deque<Asked> asked;                  // not yet answered
+  std::optional<int> autoAnswer;            // answers at once
+  std::function<void()> onTransferComplete; // once
 
   // Answers the oldest question.
   void answer(int button);

@@ -4,7 +4,9 @@
 
 #include "platform/Worker.h"
 
+#include <functional>
 #include <optional>
+#include <utility>
 
 namespace sonorel::test {
 

@@ -42,6 +42,24 @@ TEST_F(TransferDriverTest, CarriesAPlaylistAndSaysSo) {
   EXPECT_EQ(bench.tags.reads(u"/m/A/B/1.mp3"_s), 1);
 }
 
+TEST_F(TransferDriverTest, DropThatComesAfterTheEndIsLeftToItsOwnWorker) {
+  bench.view.onTransferComplete = [this] { bench.deliver(u"Late"_s, {song(2)}); };
+  bench.drop(u"Party"_s, {song(1)});
+  EXPECT_EQ(bench.musicTree(), QStringList{u"A/B/A-B-T1.mp3"_s});
+  ASSERT_TRUE(bench.worker.hasBody());
+  bench.run();
+  EXPECT_EQ(bench.musicTree(), (QStringList{u"A/B/A-B-T1.mp3"_s, u"A/B/A-B-T2.mp3"_s}));
+  EXPECT_EQ(bench.view.transfersCompleted, 2);
+}
+
+TEST_F(TransferDriverTest, EndOfAnEarlierTransferDoesNotHideTheNextOne) {
+  bench.deliver(u"Party"_s, {song(1)});
+  bench.driver.startTransfer(); // waits for the first one
+  EXPECT_TRUE(bench.driver.isAtWork());
+  bench.run();
+  EXPECT_FALSE(bench.driver.isAtWork());
+}
+
 TEST_F(TransferDriverTest, TheSameDropAgainCopiesNothing) {
   const QStringList songs{song(1), song(2)};
   bench.drop(u"Party"_s, songs);
