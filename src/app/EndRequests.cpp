@@ -35,10 +35,9 @@ void EndRequests::observe(const QDBusConnection &bus, std::function<void()> requ
 void EndRequests::readSignal() {
   signalfd_siginfo information{};
   while (::read(m_signals.get(), &information, sizeof information) == sizeof information) {
-    if (m_seen) {
+    if (++m_signalsSeen == 2) { // a further one must not prolong the time
       ::alarm(kPatience);
     }
-    m_seen = true;
     m_requested();
   }
 }

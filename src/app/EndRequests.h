@@ -19,7 +19,8 @@ class EndRequests final : public QObject {
 public:
   EndRequests();
 
-  // requested is called once for each signal, on the main thread.
+  // requested is called once for each signal, on the main thread. 15 seconds after the second signal the process
+  // ends, whatever still waits.
   void observe(const QDBusConnection &bus, std::function<void()> requested);
 
 private Q_SLOTS:
@@ -31,7 +32,7 @@ private:
   FileDescriptor m_signals;
   std::optional<QSocketNotifier> m_notifier;
   std::function<void()> m_requested;
-  bool m_seen = false;
+  int m_signalsSeen = 0;
 };
 
 } // namespace sonorel

@@ -35,4 +35,18 @@ TEST(EndRequests, EachSignalIsOneRequest) {
   EXPECT_GT(::alarm(0), 0U); // after the second one the end comes by itself; not for this test
 }
 
+TEST(EndRequests, FurtherSignalsDoNotProlongTheTimeToTheEnd) {
+  EndRequests requests;
+  int asked = 0;
+  requests.observe(QDBusConnection::sessionBus(), [&asked] { ++asked; });
+  for (const int count : {1, 2}) {
+    ::raise(SIGTERM);
+    ASSERT_TRUE(waitUntil([&] { return asked == count; }));
+  }
+  EXPECT_EQ(::alarm(300), 15U); // as if most of the time had passed already
+  ::raise(SIGTERM);
+  ASSERT_TRUE(waitUntil([&asked] { return asked == 3; }));
+  EXPECT_GT(::alarm(0), 15U);
+}
+
 } // namespace sonorel
