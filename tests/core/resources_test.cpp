@@ -3,6 +3,7 @@
 #include "support/Fixtures.h"
 
 #include <QVariantMap>
+#include <QXmlStreamReader>
 
 #include <gtest/gtest.h>
 
@@ -51,4 +52,37 @@ TEST(ShippedHelp, IsTheDocumentThatThePropertiesName) {
   const QByteArray help = shipped(name);
   EXPECT_TRUE(help.contains("<h1>Sonorel Help</h1>"));
   EXPECT_TRUE(help.contains("<code>vaultbox</code>")) << "the user name that can be changed is told";
+}
+
+TEST(ShippedHelp, CallsEveryControlByItsLabel) {
+  const QString help = QString::fromUtf8(shipped(u"SonorelHelp.html"_s));
+  const QVariantMap english = dictionaryOf(u"StringsEnglish"_s);
+  for (const QString &key :
+       {u"ConnectionTabText"_s, u"TransferTabText"_s, u"PreferTabText"_s, u"DetectedTableHeaderText"_s,
+        u"AddedTableHeaderText"_s, u"SelectedTableHeaderText"_s, u"AddManualProductButtonText"_s,
+        u"DeleteManualProductButtonText"_s, u"AddToMyProductsButtonText"_s, u"RemoveAProductButtonText"_s,
+        u"RemoveAllProductsButtonText"_s, u"ConnectButtonText"_s, u"DisconnectButtonText"_s, u"CancelButtonText"_s,
+        u"QuitMenuText"_s, u"ProductsLabelText"_s, u"iTunesQuitCloseText"_s}) {
+    const QString label = english.value(key).toString();
+    EXPECT_TRUE(help.contains(u"<em>"_s + label + u"</em>"_s)) << label.toStdString();
+  }
+}
+
+TEST(ShippedHelp, IsWellFormedAndItsLinksLeadSomewhere) {
+  QXmlStreamReader help(shipped(u"SonorelHelp.html"_s));
+  QStringList links;
+  QStringList targets;
+  while (!help.atEnd()) {
+    if (help.readNext() == QXmlStreamReader::StartElement) {
+      if (help.attributes().hasAttribute(u"href"_s)) {
+        links.append(help.attributes().value(u"href"_s).toString());
+      }
+      if (help.attributes().hasAttribute(u"id"_s)) {
+        targets.append(u'#' + help.attributes().value(u"id"_s).toString());
+      }
+    }
+  }
+  EXPECT_FALSE(help.hasError()) << help.lineNumber() << ": " << help.errorString().toStdString();
+  EXPECT_EQ(links, targets) << "the list of contents names every section, in order";
+  EXPECT_EQ(targets.size(), 14);
 }
