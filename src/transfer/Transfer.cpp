@@ -166,7 +166,7 @@ bool Transfer::copyIntoHierarchy(const Track &track, const QString &folder, cons
   return false;
 }
 
-// Nothing stood there before, so what a failed copy left is half a track that no later drop would mend.
+// Nothing stood there before the copy, so what a failed one left is half a track, which players would show.
 void Transfer::removeRemains(const QString &file) {
   try {
     m_tools.files.removeFile(file);
@@ -184,19 +184,27 @@ bool Transfer::settleOn(const Track &track, const QString &file, bool useFolderH
     record(track, file);
     return false;
   }
+  bool removed = true;
   try {
     m_tools.files.removeFile(file);
   } catch (const Failure &failure) {
     if (failure.kind() == FailureKind::Unknown) {
       throw;
     }
+    removed = false;
     m_tools.desktop.log(u"%1 could not be removed: %2"_s.arg(file, failure.reason()));
   }
   if (!m_tools.clock.sleep(kPauseAfterRemoval, m_stop)) {
     return false;
   }
   artworkAction(track, file, useFolderHierarchy);
-  return copyTo(track, file);
+  if (copyTo(track, file)) {
+    return true;
+  }
+  if (removed) { // else it is the old track that stands there
+    removeRemains(file);
+  }
+  return false;
 }
 
 bool Transfer::copyTo(const Track &track, const QString &file) {

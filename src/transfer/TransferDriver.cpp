@@ -166,7 +166,12 @@ TransferDriver::After TransferDriver::copySound(const Item &item) {
     m_view.windowFrontCentre();
     return After::NextItem;
   }
-  const QString changedSongName = changeSongFileName(item.path, m_tools.metadata.tags(item.path));
+  const auto tags = m_tools.metadata.tags(item.path);
+  if (!tags) {
+    m_tools.desktop.log(item.path + u"... File has no metadata!"_s);
+  }
+  m_tools.board.setCurrentTrack(tags ? trackTexts(*tags) : TrackTexts());
+  const QString changedSongName = changeSongFileName(item.path, tags);
   // What is seen of the record until the track stands on the share.
   m_tools.board.updateRecords(false, item.path, [&changedSongName](PlaylistInfo &record) {
     if (record.songTransferFlag != u"Y") {
