@@ -27,7 +27,7 @@ struct TransferTools {
   Desktop &desktop;
   MetadataCache &metadata;
   TransferBoard &board;
-  QString homePath; // the user's home folder, no "/" at its end
+  QString homePath = {}; // the user's home folder, no "/" at its end
 };
 
 // What stands beside a track once it is placed: album artwork. Mode 1 embeds before the copy, mode 2 places a
