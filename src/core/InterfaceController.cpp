@@ -69,8 +69,44 @@ template <typename Value> void InterfaceController::put(Value UserInterfaceState
 
 // --- View ---
 
-void InterfaceController::fillMessageLog(const QString &text) {
-  enqueue([this, text] { put(&UserInterfaceState::messageLog, text); });
+// Thousands of messages may come while this thread is busy: each would carry the whole log.
+void InterfaceController::fillMessageLog(std::function<QString()> text) {
+  std::shared_ptr<LogText> waiting;
+  {
+    const std::lock_guard lock(m_mutex);
+    if (m_waitingLog) {
+      *m_waitingLog = std::move(text);
+      return;
+    }
+    waiting = m_waitingLog = std::make_shared<LogText>(std::move(text));
+  }
+  enqueue([this, waiting] { showLog(waiting); });
+}
+
+void InterfaceController::showLog(const std::shared_ptr<LogText> &text) {
+  LogText last;
+  {
+    const std::lock_guard lock(m_mutex);
+    if (m_waitingLog == text) {
+      m_waitingLog.reset();
+    }
+    last = *text;
+  }
+  put(&UserInterfaceState::messageLog, last());
+}
+
+// What is told next must not show a log that came later.
+void InterfaceController::keepWaitingLog() {
+  std::shared_ptr<LogText> waiting;
+  {
+    const std::lock_guard lock(m_mutex);
+    waiting = std::exchange(m_waitingLog, nullptr);
+  }
+  if (waiting) {
+    LogText kept = [text = (*waiting)()] { return text; };
+    const std::lock_guard lock(m_mutex);
+    *waiting = std::move(kept);
+  }
 }
 
 void InterfaceController::windowFrontCentre() {
@@ -139,6 +175,7 @@ void InterfaceController::transferStateChanged() {
 }
 
 void InterfaceController::transferComplete() {
+  keepWaitingLog();
   enqueue([this] {
     publish();
     m_userInterface.transferComplete();

@@ -74,9 +74,18 @@ void Transfer::createFolderIfMissing(const QString &path) {
   }
 }
 
-void Transfer::createFoldersOf(const QString &relativeName) {
+// A product that was never filled has not even the folder above it.
+void Transfer::createMusicFolder() {
+  const QString music = m_folders.music();
+  if (!isFolder(m_tools.files, music.chopped(music.endsWith(u'/') ? 1 : 0))) {
+    const QString below = m_folders.share() + u'/';
+    createFoldersOf(below, music.mid(below.size()));
+  }
+}
+
+void Transfer::createFoldersOf(const QString &base, const QString &relativeName) {
   for (qsizetype slash = relativeName.indexOf(u'/'); slash >= 0; slash = relativeName.indexOf(u'/', slash + 1)) {
-    createFolderIfMissing(m_folders.music() + relativeName.left(slash));
+    createFolderIfMissing(base + relativeName.left(slash));
   }
 }
 
@@ -95,7 +104,7 @@ bool Transfer::transferSoundFile(const QString &sourcePath, const QString &chang
   track.parenthesised = withExtension(u'(' + nameWithoutExtension(sourcePath) + u')', pathExtension(sourcePath));
   track.olderName = cleanedName(changeSongFileNameOlderWay(sourcePath, m_tools.metadata.tags(sourcePath)));
 
-  createFolderIfMissing(music.chopped(music.endsWith(u'/') ? 1 : 0));
+  createMusicFolder();
   m_asciiFileName = music + withinNameLimit(track.newName);
   m_nonAsciiFileName = music + track.ownName;
   if (exists(m_asciiFileName)) {
@@ -122,14 +131,14 @@ bool Transfer::placeInHierarchy(const Track &track) {
   const QString hierarchy = hierarchyFolder(track.source, track.useArtistFolder);
 
   const QString older = shortenedRelativeName(hierarchy + track.olderName);
-  createFoldersOf(older);
+  createFoldersOf(music, older);
   m_asciiFileName = music + older;
   if (exists(m_asciiFileName)) {
     return settleOn(track, m_asciiFileName, true);
   }
 
   const QString newer = shortenedRelativeName(hierarchy + track.newName);
-  createFoldersOf(newer);
+  createFoldersOf(music, newer);
   const QString folder = music + newer.left(newer.lastIndexOf(u'/') + 1);
   const QString newFile = music + newer;
   const QString ownFile = folder + track.ownName;
@@ -184,27 +193,31 @@ bool Transfer::settleOn(const Track &track, const QString &file, bool useFolderH
     record(track, file);
     return false;
   }
-  bool removed = true;
-  try {
-    m_tools.files.removeFile(file);
-  } catch (const Failure &failure) {
-    if (failure.kind() == FailureKind::Unknown) {
-      throw;
-    }
-    removed = false;
-    m_tools.desktop.log(u"%1 could not be removed: %2"_s.arg(file, failure.reason()));
-  }
-  if (!m_tools.clock.sleep(kPauseAfterRemoval, m_stop)) {
+  const Room room = makeRoomFor(file);
+  if (room == Room::None || !m_tools.clock.sleep(kPauseAfterRemoval, m_stop)) {
     return false;
   }
   artworkAction(track, file, useFolderHierarchy);
   if (copyTo(track, file)) {
     return true;
   }
-  if (removed) { // else it is the old track that stands there
+  if (room == Room::Free) { // else it is the old track that stands there
     removeRemains(file);
   }
   return false;
+}
+
+Transfer::Room Transfer::makeRoomFor(const QString &file) {
+  try {
+    m_tools.files.removeFile(file);
+    return Room::Free;
+  } catch (const Failure &failure) {
+    if (failure.kind() == FailureKind::Unknown) {
+      throw;
+    }
+    m_tools.desktop.log(u"%1 could not be removed: %2"_s.arg(file, failure.reason()));
+    return isFolder(m_tools.files, file) ? Room::None : Room::Taken;
+  }
 }
 
 bool Transfer::copyTo(const Track &track, const QString &file) {

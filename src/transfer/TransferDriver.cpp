@@ -2,6 +2,7 @@
 
 #include "core/state/Report.h"
 #include "transfer/PathNames.h"
+#include "transfer/TemporaryDragFiles.h"
 #include "transfer/TrackNames.h"
 
 #include <QScopeGuard>
@@ -36,7 +37,9 @@ TransferDriver::TransferDriver(const TransferTools &tools, Transfer &transfer, M
 void TransferDriver::startTransfer() {
   m_worker.join(); // the last step of an earlier transfer takes the mark away
   m_isAtWork = true;
+  auto notStarted = qScopeGuard([this] { m_isAtWork = false; });
   m_worker.start([this](std::stop_token stop) { transferToVaultbox(std::move(stop)); });
+  notStarted.dismiss();
 }
 
 void TransferDriver::transferToVaultbox(std::stop_token stop) {
@@ -103,7 +106,7 @@ TransferDriver::After TransferDriver::carryItem(const QueueEntry &entry) {
     reportRadio(entry.item);
     return After::NextItem;
   }
-  if (!m_transfer.isBookmarkFileType() && m_tools.files.presence(item.path) == Presence::Absent) {
+  if (!m_transfer.isBookmarkFileType() && m_tools.files.presence(item.path) != Presence::Present) {
     if (!m_hooks.isConnected()) {
       return shareLost(u"Disconnect"_s);
     }
@@ -135,9 +138,15 @@ TransferDriver::After TransferDriver::carryItem(const QueueEntry &entry) {
     rejectItem(item);
   }
   if (after == After::NextItem) {
-    setProgress(static_cast<double>(m_place + entry.places()) * 100.0 / static_cast<double>(m_tools.board.places()));
+    showProgressBehind(entry);
   }
   return after;
+}
+
+void TransferDriver::showProgressBehind(const QueueEntry &entry) {
+  const qsizetype done = m_place + entry.places();
+  const qsizetype all = qMax(done, m_tools.board.places()); // a wake may have emptied the queue
+  setProgress(static_cast<double>(done) * 100.0 / static_cast<double>(all));
 }
 
 TransferDriver::After TransferDriver::carrySound(const Item &item) {
@@ -154,7 +163,11 @@ TransferDriver::After TransferDriver::carrySound(const Item &item) {
 
 TransferDriver::After TransferDriver::copySound(const Item &item) {
   const auto facts = m_tools.files.attributes(item.path, Links::Follow);
-  const quint64 size = facts ? facts->size : 0;
+  if (!facts) {
+    reportMissing(item.path);
+    return After::NextItem;
+  }
+  const quint64 size = facts->size;
   const bool isWav = item.extension == u"wav";
   if (size <= kSmallestSound && !isWav) {
     showMessage(withFileName(message(u"Message15"_s), item.name));
@@ -202,7 +215,8 @@ bool TransferDriver::isVaultboxDiskFree(const QString &sourcePath) {
   const auto facts = m_tools.files.attributes(sourcePath, Links::NoFollow);
   const auto volume = m_tools.files.volume(vaultboxDiskPath);
   m_isNetworkAlive = m_hooks.isConnected();
-  return facts && volume && volume->mountRoot == vaultboxDiskPath && facts->size < volume->freeBytes;
+  const quint64 size = facts ? facts->size : 0; // a source that has gone is not the disk's fault
+  return volume && volume->mountRoot == vaultboxDiskPath && size < volume->freeBytes;
 }
 
 bool TransferDriver::checkAppleLossless(const QString &path) {
@@ -255,6 +269,9 @@ void TransferDriver::rejectItem(const Item &item) {
     return;
   }
   showMessage(withFileName(message(u"Message5"_s), item.name));
+  if (item.extension == u"inetloc") {
+    removeTemporaryDragFile(m_tools.files, m_tools.desktop, m_tools.homePath, item.name);
+  }
 }
 
 void TransferDriver::reportMissing(const QString &path) {

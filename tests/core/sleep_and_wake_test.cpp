@@ -34,7 +34,7 @@ protected:
   FakePlatform fakes;
   FakeView view;
   Strings strings{fakes.files, fakes.propertyLists, fakes.paths.resourceFilePath};
-  MessageLog log{[this](const QString &text) { view.fillMessageLog(text); }};
+  MessageLog log{[this] { view.fillMessageLog([this] { return log.viewText(); }); }};
   TransferBoard board;
   bool connected = true;
   int disconnects = 0;
