@@ -174,4 +174,16 @@ QString ApplicationController::getCurrentLanguage() const {
   return m_roles->strings.languageFile();
 }
 
+QString ApplicationController::getTitle() const {
+  return m_roles->board.currentTrack().title;
+}
+
+QString ApplicationController::getAuthor() const {
+  return m_roles->board.currentTrack().authors;
+}
+
+QString ApplicationController::getAlbum() const {
+  return m_roles->board.currentTrack().album;
+}
+
 } // namespace sonorel

@@ -75,6 +75,10 @@ public:
   [[nodiscard]] QList<PlaylistInfo> getPlaylistArray(bool photos) const;
   [[nodiscard]] QString getInvalidChars() const;
   [[nodiscard]] QString getCurrentLanguage() const;
+  // Of the track being transferred; empty when the tag is missing.
+  [[nodiscard]] QString getTitle() const;
+  [[nodiscard]] QString getAuthor() const;
+  [[nodiscard]] QString getAlbum() const;
 
 private:
   // On the controller's thread; dropped before `init` has made the roles and after the end.

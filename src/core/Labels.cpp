@@ -8,7 +8,7 @@ namespace sonorel {
 
 namespace {
 
-constexpr std::array<QStringView, 27> kPlainLabels{u"HelpTooltipText",
+constexpr std::array<QStringView, 33> kPlainLabels{u"HelpTooltipText",
                                                    u"MenuText",
                                                    u"CloseMenuText",
                                                    u"TranferStatusLabelText",
@@ -34,7 +34,13 @@ constexpr std::array<QStringView, 27> kPlainLabels{u"HelpTooltipText",
                                                    u"BtnOk",
                                                    u"PasswordLabel",
                                                    u"enterPasswordPanelHeaderText",
-                                                   u"ProductsLabelText"};
+                                                   u"ProductsLabelText",
+                                                   u"ConnectButtonText",
+                                                   u"DisconnectButtonText",
+                                                   u"ConnectingText",
+                                                   u"HelpButtonText",
+                                                   u"AddToMyProductsButtonText",
+                                                   u"QuitMenuText"};
 
 } // namespace
 

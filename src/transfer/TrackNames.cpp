@@ -70,17 +70,28 @@ QString returnsTitle(const QString &text) {
   return open < 0 ? before : before.mid(open + 1);
 }
 
+TrackTexts trackTexts(const TrackTags &tags) {
+  TrackTexts texts;
+  if (!tags.authors.isEmpty()) {
+    texts.authors = part(trimmedAuthors(tags.authors.join(u", "_s)));
+  }
+  if (!tags.album.isEmpty()) {
+    texts.album = part(trimmedText(tags.album));
+  }
+  if (!tags.title.isEmpty()) {
+    texts.title = part(trimmedText(tags.title));
+  }
+  return texts;
+}
+
 QString changeSongFileName(const QString &sourcePath, const std::optional<TrackTags> &tags) {
   const QString ownName = lastPathComponent(sourcePath);
   if (!tags) {
     return ownName;
   }
   const QString parenthesised = u'(' + nameWithoutExtension(sourcePath) + u')';
-  QStringList parts;
-  parts.append(tags->authors.isEmpty() ? QString() : part(trimmedAuthors(tags->authors.join(u", "_s))));
-  parts.append(tags->album.isEmpty() ? QString() : part(trimmedText(tags->album)));
-  parts.append(tags->title.isEmpty() ? parenthesised : part(trimmedText(tags->title)));
-  QString name = joinedParts(parts);
+  const TrackTexts texts = trackTexts(*tags);
+  QString name = joinedParts({texts.authors, texts.album, tags->title.isEmpty() ? parenthesised : texts.title});
   if (name.isEmpty()) {
     name = parenthesised;
   }
@@ -110,6 +121,19 @@ QString changeSongFileNameOlderWay(const QString &sourcePath, const std::optiona
     name = ownName;
   }
   return name.replace(u'_', u' ').replace(kOlderMark.toString(), u"_"_s);
+}
+
+QString getTitleOfTrack(const QString &sourcePath, const std::optional<TrackTags> &tags) {
+  if (tags) {
+    const QString authors = trimmedAuthors(tags->authors.join(u", "_s)).remove(u'\\');
+    for (const QString &text : {tags->title, tags->album, authors}) {
+      if (!text.isEmpty()) {
+        return text;
+      }
+    }
+  }
+  const QString name = nameWithoutExtension(sourcePath);
+  return name.mid(name.size() >= 4 ? 3 : name.size() / 2); // as a rule a track number stands in front
 }
 
 QString truncateFileName(const QString &name) {

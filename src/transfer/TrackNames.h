@@ -3,6 +3,7 @@
 // all (nullopt), which is different from a file without tags.
 #pragma once
 
+#include "core/state/TrackTexts.h"
 #include "platform/Metadata.h"
 
 #include <QString>
@@ -13,10 +14,14 @@ namespace sonorel {
 
 inline constexpr qsizetype kNameLimit = 221; // a relative name stays below
 
+[[nodiscard]] TrackTexts trackTexts(const TrackTags &tags);
+
 // The new-style file name of a source.
 [[nodiscard]] QString changeSongFileName(const QString &sourcePath, const std::optional<TrackTags> &tags);
 // The earlier scheme, under which tracks may lie on the share already.
 [[nodiscard]] QString changeSongFileNameOlderWay(const QString &sourcePath, const std::optional<TrackTags> &tags);
+// What a person calls the track: title, else album, else artists, else the end of the file name.
+[[nodiscard]] QString getTitleOfTrack(const QString &sourcePath, const std::optional<TrackTags> &tags);
 [[nodiscard]] QString returnsTitle(const QString &text);
 
 // Shortens a name without extension; a plain name is never cut.

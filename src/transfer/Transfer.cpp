@@ -175,7 +175,7 @@ bool Transfer::copyIntoHierarchy(const Track &track, const QString &folder, cons
   return false;
 }
 
-// Nothing stood there before, so what a failed copy left is half a track that no later drop would mend.
+// Nothing stood there before the copy, so what a failed one left is half a track, which players would show.
 void Transfer::removeRemains(const QString &file) {
   try {
     m_tools.files.removeFile(file);
@@ -193,15 +193,25 @@ bool Transfer::settleOn(const Track &track, const QString &file, bool useFolderH
     record(track, file);
     return false;
   }
-  if (!makeRoomFor(file) || !m_tools.clock.sleep(kPauseAfterRemoval, m_stop)) {
+  const bool removed = removeOld(file);
+  // What cannot be removed is copied over all the same, but a folder would take the copy inside.
+  if (!removed && isFolder(m_tools.files, file)) {
+    return false;
+  }
+  if (!m_tools.clock.sleep(kPauseAfterRemoval, m_stop)) {
     return false;
   }
   artworkAction(track, file, useFolderHierarchy);
-  return copyTo(track, file);
+  if (copyTo(track, file)) {
+    return true;
+  }
+  if (removed) { // else it is the old track that stands there
+    removeRemains(file);
+  }
+  return false;
 }
 
-// What cannot be removed is copied over all the same, but a folder would take the copy inside.
-bool Transfer::makeRoomFor(const QString &file) {
+bool Transfer::removeOld(const QString &file) {
   try {
     m_tools.files.removeFile(file);
   } catch (const Failure &failure) {
@@ -209,7 +219,7 @@ bool Transfer::makeRoomFor(const QString &file) {
       throw;
     }
     m_tools.desktop.log(u"%1 could not be removed: %2"_s.arg(file, failure.reason()));
-    return !isFolder(m_tools.files, file);
+    return false;
   }
   return true;
 }

@@ -80,7 +80,7 @@ private:
   [[nodiscard]] bool placeInHierarchy(const Track &track);
   [[nodiscard]] bool copyIntoHierarchy(const Track &track, const QString &folder, const QString &newFile);
   void removeRemains(const QString &file);
-  [[nodiscard]] bool makeRoomFor(const QString &file);
+  [[nodiscard]] bool removeOld(const QString &file);
   void artworkAction(const Track &track, const QString &file, bool useFolderHierarchy);
   void record(const Track &track, const QString &file);
 

@@ -183,6 +183,7 @@ TransferDriver::After TransferDriver::copySound(const Item &item) {
   if (!tags) {
     m_tools.desktop.log(item.path + u"... File has no metadata!"_s);
   }
+  m_tools.board.setCurrentTrack(tags ? trackTexts(*tags) : TrackTexts());
   const QString changedSongName = changeSongFileName(item.path, tags);
   // What is seen of the record until the track stands on the share.
   m_tools.board.updateRecords(false, item.path, [&changedSongName](PlaylistInfo &record) {

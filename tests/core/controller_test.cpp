@@ -196,6 +196,7 @@ TEST_F(ControllerTest, ForwardsTheClassGetters) {
   EXPECT_EQ(controller->getCurrentLanguage(), u"StringsEnglish"_s);
   EXPECT_TRUE(controller->getPlaylistArray(false).isEmpty());
   EXPECT_TRUE(controller->getPlaylistArray(true).isEmpty());
+  EXPECT_EQ(controller->getTitle() + controller->getAuthor() + controller->getAlbum(), u""_s);
 }
 
 TEST_F(ControllerTest, LeavesTheProductAlsoWhenASecondRequestCutsTheUnmountShort) {

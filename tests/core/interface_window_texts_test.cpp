@@ -35,7 +35,9 @@ TEST_F(WindowTextsTest, RelabelsTheWindow) {
   EXPECT_EQ(label(u"ManuallyAddedProductRepresentation"_s), u"* Added by hand"_s);
   EXPECT_EQ(label(u"manualIPAddressLabelText"_s), u"IP address:"_s);
   EXPECT_EQ(label(u"ProductsLabelText"_s), u"Products"_s);
-  EXPECT_EQ(shown().labels.size(), 30);
+  EXPECT_EQ(label(u"ConnectButtonText"_s), u"Connect"_s);
+  EXPECT_EQ(label(u"QuitMenuText"_s), u"Quit"_s);
+  EXPECT_EQ(shown().labels.size(), 36);
 }
 
 TEST_F(WindowTextsTest, ProductNameStandsAtEveryMark) {

@@ -55,6 +55,26 @@ TEST(NewStyleName, UnderscoresBecomeBlanksAndBackslashesGo) {
   EXPECT_EQ(changeSongFileName(u"/m/1.mp3"_s, tagged({u"AC\\DC"_s}, {}, u"a_b"_s)), u"ACDC-a b.mp3"_s);
 }
 
+TEST(TrackTitle, IsTheFirstTagThatSaysSomething) {
+  EXPECT_EQ(getTitleOfTrack(u"/m/1.mp3"_s, tagged({u"ABBA"_s}, u"Gold"_s, u"Waterloo?"_s)), u"Waterloo?"_s);
+  EXPECT_EQ(getTitleOfTrack(u"/m/1.mp3"_s, tagged({u"ABBA"_s}, u"Gold!"_s, {})), u"Gold!"_s);
+  EXPECT_EQ(getTitleOfTrack(u"/m/1.mp3"_s, tagged({u" \"AC\\DC\" "_s}, {}, {})), u"ACDC"_s);
+}
+
+TEST(TrackTitle, WithoutTagsTheFileNameLosesItsBeginning) {
+  EXPECT_EQ(getTitleOfTrack(u"/m/01 Intro.mp3"_s, std::nullopt), u"Intro"_s);
+  EXPECT_EQ(getTitleOfTrack(u"/m/01 Intro.mp3"_s, tagged({u"\""_s}, {}, {})), u"Intro"_s);
+  EXPECT_EQ(getTitleOfTrack(u"/m/abcd.mp3"_s, TrackTags()), u"d"_s);
+  EXPECT_EQ(getTitleOfTrack(u"/m/abc.mp3"_s, TrackTags()), u"bc"_s);
+  EXPECT_EQ(getTitleOfTrack(u"/m/a.mp3"_s, TrackTags()), u"a"_s);
+}
+
+TEST(TrackTexts, AreWhatTheNewStyleNameHolds) {
+  EXPECT_EQ(trackTexts(tagged({u"Wham!"_s}, u"Fantastic!"_s, u"a\\b?"_s)),
+            (TrackTexts{u"Wham!"_s, u"Fantastic"_s, u"ab"_s}));
+  EXPECT_EQ(trackTexts(TrackTags()), TrackTexts());
+}
+
 TEST(ReturnsTitle, TakesWhatStandsInParentheses) {
   EXPECT_EQ(returnsTitle(u""_s), u""_s);
   EXPECT_EQ(returnsTitle(u"(Live (1997))"_s), u"Live (1997)"_s);

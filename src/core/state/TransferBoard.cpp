@@ -143,6 +143,16 @@ void TransferBoard::resetToIdle() {
 
 // --- playlist arrays ---
 
+void TransferBoard::setCurrentTrack(const TrackTexts &texts) {
+  const std::lock_guard lock(m_mutex);
+  m_currentTrack = texts;
+}
+
+TrackTexts TransferBoard::currentTrack() const {
+  const std::lock_guard lock(m_mutex);
+  return m_currentTrack;
+}
+
 QList<PlaylistInfo> TransferBoard::records(bool photos) const {
   const std::lock_guard lock(m_mutex);
   return (photos ? m_pictures : m_music).all();

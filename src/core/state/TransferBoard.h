@@ -4,6 +4,7 @@
 #pragma once
 
 #include "core/state/PlaylistInfo.h"
+#include "core/state/TrackTexts.h"
 
 #include <QList>
 #include <QStringList>
@@ -75,6 +76,10 @@ public:
   // Position of the worker, for the list after a wake.
   std::atomic<qsizetype> fileIndex{0};
 
+  // The track being transferred, or the last one.
+  void setCurrentTrack(const TrackTexts &texts);
+  [[nodiscard]] TrackTexts currentTrack() const;
+
   // --- playlist arrays; photos false: `playListArrayItunes`, true: `playListArrayIphoto` ---
   [[nodiscard]] QList<PlaylistInfo> records(bool photos) const;
   [[nodiscard]] bool hasRecords(bool photos) const;
@@ -101,6 +106,7 @@ private:
   bool m_videoPresent = false;
   QList<Drop> m_waiting;
   quint32 m_accepted = 0;
+  TrackTexts m_currentTrack;
 };
 
 } // namespace sonorel
