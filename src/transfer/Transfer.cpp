@@ -193,31 +193,35 @@ bool Transfer::settleOn(const Track &track, const QString &file, bool useFolderH
     record(track, file);
     return false;
   }
-  const Room room = makeRoomFor(file);
-  if (room == Room::None || !m_tools.clock.sleep(kPauseAfterRemoval, m_stop)) {
+  const bool removed = removeOld(file);
+  // What cannot be removed is copied over all the same, but a folder would take the copy inside.
+  if (!removed && isFolder(m_tools.files, file)) {
+    return false;
+  }
+  if (!m_tools.clock.sleep(kPauseAfterRemoval, m_stop)) {
     return false;
   }
   artworkAction(track, file, useFolderHierarchy);
   if (copyTo(track, file)) {
     return true;
   }
-  if (room == Room::Free) { // else it is the old track that stands there
+  if (removed) { // else it is the old track that stands there
     removeRemains(file);
   }
   return false;
 }
 
-Transfer::Room Transfer::makeRoomFor(const QString &file) {
+bool Transfer::removeOld(const QString &file) {
   try {
     m_tools.files.removeFile(file);
-    return Room::Free;
   } catch (const Failure &failure) {
     if (failure.kind() == FailureKind::Unknown) {
       throw;
     }
     m_tools.desktop.log(u"%1 could not be removed: %2"_s.arg(file, failure.reason()));
-    return isFolder(m_tools.files, file) ? Room::None : Room::Taken;
+    return false;
   }
+  return true;
 }
 
 bool Transfer::copyTo(const Track &track, const QString &file) {

@@ -70,9 +70,6 @@ public:
 
 private:
   struct Track; // one sound file on its way
-  // What a removal has left: nothing, the old file (which is copied over all the same), or a folder, which would take
-  // the copy inside.
-  enum class Room { Free, Taken, None };
 
   [[nodiscard]] bool exists(const QString &path);
   void createFolderIfMissing(const QString &path);
@@ -83,7 +80,7 @@ private:
   [[nodiscard]] bool placeInHierarchy(const Track &track);
   [[nodiscard]] bool copyIntoHierarchy(const Track &track, const QString &folder, const QString &newFile);
   void removeRemains(const QString &file);
-  [[nodiscard]] Room makeRoomFor(const QString &file);
+  [[nodiscard]] bool removeOld(const QString &file);
   void artworkAction(const Track &track, const QString &file, bool useFolderHierarchy);
   void record(const Track &track, const QString &file);
 
