@@ -17,6 +17,15 @@ constexpr quint64 kSmallestSound = 0x1FFFF; // a sound file must be larger
 constexpr quint64 kSmallestWav = 0x4FFFFF;
 constexpr int kArtworkBeside = 2;
 
+// A source that cannot be looked at is as good as missing: nothing on the share hangs on it.
+std::optional<FileAttributes> sourceFacts(FileSystem &files, const QString &path, Links links) {
+  try {
+    return files.attributes(path, links);
+  } catch (const Failure &) {
+    return std::nullopt;
+  }
+}
+
 } // namespace
 
 struct TransferDriver::Item {
@@ -106,7 +115,7 @@ TransferDriver::After TransferDriver::carryItem(const QueueEntry &entry) {
     reportRadio(entry.item);
     return After::NextItem;
   }
-  if (!m_transfer.isBookmarkFileType() && m_tools.files.presence(item.path) != Presence::Present) {
+  if (!m_transfer.isBookmarkFileType() && m_tools.files.presence(item.path) == Presence::Absent) {
     if (!m_hooks.isConnected()) {
       return shareLost(u"Disconnect"_s);
     }
@@ -123,7 +132,7 @@ TransferDriver::After TransferDriver::carryItem(const QueueEntry &entry) {
   m_view.setHighlightCancelBtn(true);
   m_view.setLanguageEnabled(false);
   m_transfer.isValidFile(item.extension);
-  item.isAppleLossless = item.extension.compare(u"m4a", Qt::CaseInsensitive) == 0 && checkAppleLossless(item.path);
+  item.isAppleLossless = checkFileType(item.extension, u"m4a") && checkAppleLossless(item.path);
   if (m_tools.board.track(m_trackCounter) == item.path) {
     ++m_trackCounter;
     item.hierarchyFlag = 1;
@@ -162,7 +171,7 @@ TransferDriver::After TransferDriver::carrySound(const Item &item) {
 }
 
 TransferDriver::After TransferDriver::copySound(const Item &item) {
-  const auto facts = m_tools.files.attributes(item.path, Links::Follow);
+  const auto facts = sourceFacts(m_tools.files, item.path, Links::Follow);
   if (!facts) {
     reportMissing(item.path);
     return After::NextItem;
@@ -212,10 +221,10 @@ TransferDriver::After TransferDriver::copySound(const Item &item) {
 
 bool TransferDriver::isVaultboxDiskFree(const QString &sourcePath) {
   const QString vaultboxDiskPath = m_folders.share();
-  const auto facts = m_tools.files.attributes(sourcePath, Links::NoFollow);
+  const auto facts = sourceFacts(m_tools.files, sourcePath, Links::NoFollow);
   const auto volume = m_tools.files.volume(vaultboxDiskPath);
   m_isNetworkAlive = m_hooks.isConnected();
-  const quint64 size = facts ? facts->size : 0; // a source that has gone is not the disk's fault
+  const quint64 size = facts ? facts->size : 0; // a missing source is not the disk's fault
   return volume && volume->mountRoot == vaultboxDiskPath && size < volume->freeBytes;
 }
 
