@@ -90,11 +90,17 @@ void ApplicationController::help() {
 }
 
 void ApplicationController::products() {
-  m_roles->interface.selectTab(Tab::Connection);
+  showTab(Tab::Connection);
 }
 
 void ApplicationController::preferences() {
-  m_roles->interface.selectTab(Tab::Preferences);
+  showTab(Tab::Preferences);
+}
+
+// The menu that asks for it is there also while the window is hidden.
+void ApplicationController::showTab(Tab tab) {
+  m_roles->interface.selectTab(tab);
+  m_roles->interface.windowFrontCentre();
 }
 
 void ApplicationController::answerAlert(quint32 serial, int button) {

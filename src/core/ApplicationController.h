@@ -77,6 +77,7 @@ public:
   [[nodiscard]] QString getCurrentLanguage() const;
 
 private:
+  void showTab(Tab tab);
   // On the controller's thread; dropped before `init` has made the roles and after the end.
   void post(const QString &name, std::function<void(ShareRoles &)> operation);
 

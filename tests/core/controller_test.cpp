@@ -168,9 +168,12 @@ TEST_F(ControllerTest, SelectsALanguageAndShowsTabsAndHelp) {
   controller->preferences();
   fakes.loop.runPosted();
   EXPECT_EQ(fakes.userInterface.last().currentTab, 3);
+  EXPECT_TRUE(fakes.userInterface.last().windowVisible) << "asked for while the window is hidden";
+  EXPECT_EQ(fakes.userInterface.raises, 1);
   controller->products();
   fakes.loop.runPosted();
   EXPECT_EQ(fakes.userInterface.last().currentTab, 2);
+  EXPECT_EQ(fakes.userInterface.raises, 2);
   controller->selectLanguage(9);
   fakes.loop.runPosted();
   EXPECT_EQ(controller->getCurrentLanguage(), u"StringsKorean"_s);
