@@ -58,6 +58,10 @@ void ApplicationController::reopen(bool hasVisibleWindows) {
        [hasVisibleWindows](ShareRoles &share) { share.events.applicationShouldHandleReopen(hasVisibleWindows); });
 }
 
+void ApplicationController::windowWillClose() {
+  post(u"windowWillClose"_s, [](ShareRoles &share) { share.events.windowWillClose(); });
+}
+
 void ApplicationController::openFiles(const QStringList &paths) {
   post(u"openFiles"_s, [this, paths](ShareRoles &share) {
     share.intake.openFiles();

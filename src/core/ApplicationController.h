@@ -42,6 +42,7 @@ public:
 
   // --- what is asked from outside ---
   void reopen(bool hasVisibleWindows); // a click on the dock icon
+  void windowWillClose();              // hides it
   void openFiles(const QStringList &paths);
   void connect();
   void disconnect();

@@ -152,6 +152,7 @@ TEST_F(ControllerFilesTest, LanguageIsSavedAtTheEndOnly) {
   controller->quit();
   fakes.loop.runPosted();
   EXPECT_EQ(written(), QStringList({u"preferences: Language"_s, u"ClientDisconnected"_s}));
+  EXPECT_EQ(fakes.loop.timerCount(), 0) << "neither the alive message nor the spaces";
   EXPECT_EQ(
       fakes.dictionary(fakes.paths.preferences),
       QVariantMap({{u"Language"_s, u"StringsDansk"_s}, {u"ArtworkOption"_s, 0LL}, {u"UserFirstLaunch"_s, u"No"_s}}));
