@@ -204,6 +204,7 @@ TEST_F(InterfaceControllerTest, WindowPasswordPanelAndProducts) {
   EXPECT_EQ(shown().detectedProducts, QStringList({u"d"_s}));
   EXPECT_EQ(shown().addedProducts, QStringList({u"a"_s}));
   EXPECT_EQ(shown().selectedProducts, QStringList({u"s"_s}));
+  EXPECT_EQ(shown().activeProduct, 0);
   EXPECT_FALSE(shown().languageEnabled);
 }
 
