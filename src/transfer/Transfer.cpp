@@ -177,6 +177,9 @@ bool Transfer::copyIntoHierarchy(const Track &track, const QString &folder, cons
 
 // Nothing stood there before the copy, so what a failed one left is half a track, which players would show.
 void Transfer::removeRemains(const QString &file) {
+  if (m_tools.files.presence(file) == Presence::Absent) {
+    return; // a name that the share does not take leaves nothing
+  }
   try {
     m_tools.files.removeFile(file);
   } catch (const Failure &failure) {
