@@ -77,7 +77,8 @@ public:
                             roots.data + QStringLiteral("/Backup")};
   MainDictionaryFile dictionaryFile{files, propertyLists, roots.data + QStringLiteral("/mainDict.xml")};
   MainDictionary dictionary{{desktop, identifiers, settings, session}, rewrite, dictionaryFile};
-  ColourLimits limits{files, desktop, test::standardFolders(), [] {}};
+  ColourLimits limits{
+      {files, clock, desktop, [this] { return rewrite.backupFolderOfProduct(); }}, test::standardFolders(), [] {}};
   FavouritesMerge merge{
       {files, propertyLists, clock, desktop, settings, session, dictionary, dictionaryFile, rewrite, limits}};
   PlaylistMetaData metaData{board,

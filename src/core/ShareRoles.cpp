@@ -3,6 +3,7 @@
 #include "core/AwaitTransfer.h"
 #include "core/Roles.h"
 #include "core/state/Report.h"
+#include "favourites/AlbumNames.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -27,8 +28,9 @@ ShareRoles::ShareRoles(Roles &owner)
       dictionary({owner.platform.desktop, owner.platform.identifiers, owner.settings, owner.session}, rewrite,
                  dictionaryFile),
       productVersion(owner.platform.files, owner.platform.desktop, owner.settings, owner.session, folders),
-      limits(owner.platform.files, owner.platform.desktop, folders,
-             [&owner] { owner.quitRequests.unconditionally(); }),
+      limits({owner.platform.files, owner.platform.clock, owner.platform.desktop,
+              [this] { return rewrite.backupFolderOfProduct(); }},
+             folders, [&owner] { owner.quitRequests.unconditionally(); }),
       merge({owner.platform.files, owner.platform.propertyLists, owner.platform.clock, owner.platform.desktop,
              owner.settings, owner.session, dictionary, dictionaryFile, rewrite, limits}),
       playlists(owner.board, merge, owner.settings, owner.session, owner.platform.identifiers, owner.platform.desktop,
@@ -83,11 +85,8 @@ ProductSelection::Hooks ShareRoles::selectionHooks() {
 }
 
 PlaylistMetaData::Hooks ShareRoles::playlistHooks() {
-  return {[this] { return isConnected(); },
-          [this](const QString &path) {
-            const auto tags = metadataCache.tags(path);
-            return tags ? tags->album : QString();
-          },
+  const AlbumNames names([this](const QString &path) { return metadataCache.tags(path); }, roles.platform.desktop);
+  return {[this] { return isConnected(); }, [names](const QString &path) { return names.albumOf(path); },
           [this] { return forcedEnd.get_token(); }};
 }
 
@@ -100,6 +99,7 @@ TransferDriver::Hooks ShareRoles::driverHooks() {
     messages.sendMetaDataForTransferredFiles(kinds);
   };
   hooks.dropsFinished = roles.values.dropsFinished;
+  hooks.hasUnwrittenPlaylists = [this](bool photos) { return playlists.hasUnwritten(photos); };
   return hooks;
 }
 
@@ -115,7 +115,13 @@ AfterConnection::Hooks ShareRoles::afterConnectionHooks() {
   hooks.checkAU5SoftwareVersion = [this] { return productVersion.checkAU5SoftwareVersion(); };
   hooks.validateOrvFile = [this] {
     rewrite.recoverAtConnect(roles.interruption.token());
-    dictionary.validateOrvFile(roles.interruption.token());
+    const bool validated = dictionary.validateOrvFile(roles.interruption.token());
+    if (!driver.isAtWork()) { // the worker's otherwise
+      limits.completeInterruptedWrite();
+      if (validated) {
+        playlists.retryUnwritten();
+      }
+    }
   };
   return hooks;
 }

@@ -22,17 +22,15 @@ int limitFor(qsizetype titles) {
 
 } // namespace
 
-ColourLimits::ColourLimits(FileSystem &files, Desktop &desktop, const ShareFolders &folders,
-                           std::function<void()> quit)
-    : m_files(files), m_desktop(desktop), m_path(folders.system() + kLimitsFile.toString()), m_quit(std::move(quit)) {
-}
+ColourLimits::ColourLimits(const LimitsRewrite::Tools &tools, const ShareFolders &folders, std::function<void()> quit)
+    : m_desktop(tools.desktop), m_file(tools, folders.system() + kLimitsFile.toString()), m_quit(std::move(quit)) {}
 
 bool ColourLimits::presentLimitSettings() {
-  if (m_files.presence(m_path) != Presence::Present) {
+  if (!m_file.exists()) {
     return false;
   }
   try {
-    m_values = readLimits(m_files.read(m_path));
+    m_values = readLimits(m_file.read());
   } catch (const Failure &failure) {
     m_desktop.log(u"The limits file cannot be read: "_s + failure.reason());
     // Values that were not read must not be written; a damaged file is told by the edit itself.
@@ -42,9 +40,10 @@ bool ColourLimits::presentLimitSettings() {
 }
 
 void ColourLimits::setLimitInOrvFile(const QString &enables, const QString &limits) {
+  QByteArray file;
   QByteArray edited;
   try {
-    const QByteArray file = m_files.read(m_path);
+    file = m_file.read();
     edited = editedLimits(file, enables, limits);
     if (edited == file) {
       return;
@@ -58,11 +57,21 @@ void ColourLimits::setLimitInOrvFile(const QString &enables, const QString &limi
     return;
   }
   try {
-    m_files.writeAtomically(m_path, edited);
+    m_file.write(file, edited);
   } catch (const Failure &failure) {
     const bool opened = failure.kind() == FailureKind::DiskFull || failure.kind() == FailureKind::Unknown;
     m_desktop.printOutput(opened ? u"Write Limits File: Couldn't write the file.\n"_s
                                  : u"Write Limits File: Couldn't open file for writing.\n"_s);
+  }
+}
+
+void ColourLimits::completeInterruptedWrite() {
+  try {
+    if (m_file.exists()) {
+      static_cast<void>(m_file.read());
+    }
+  } catch (const std::exception &exception) {
+    logException(m_desktop, u"presentLimitSettings"_s, exception);
   }
 }
 

@@ -5,6 +5,7 @@
 #include "core/state/ShareLayout.h"
 #include "favourites/FavouritesModel.h"
 #include "favourites/LimitsFile.h"
+#include "favourites/LimitsRewrite.h"
 #include "platform/Desktop.h"
 #include "platform/FileSystem.h"
 
@@ -17,23 +18,25 @@ namespace sonorel {
 class ColourLimits {
 public:
   // quit asks for an orderly end of the program that waits for the worker: a limits file that cannot be edited is not
-  // to be worked on any further. The references must outlive the object.
-  ColourLimits(FileSystem &files, Desktop &desktop, const ShareFolders &folders, std::function<void()> quit);
+  // to be worked on any further. What the tools refer to must outlive the object.
+  ColourLimits(const LimitsRewrite::Tools &tools, const ShareFolders &folders, std::function<void()> quit);
 
   // False when there is no limits file; the values keep what they were, also when the file is damaged (logged).
   bool presentLimitSettings();
   void setLimitInOrvFile(const QString &enables, const QString &limits);
   // Adapts the limits of the changed colour keys to what stands on them now, and writes all of them.
   void executeLimitOperatingLogic(const QStringList &changedNames, const FavouriteLists &lists);
+  // At connect: completes the file when this client was interrupted in the middle of writing it. Throws nothing;
+  // failures are logged.
+  void completeInterruptedWrite();
   // Enables all four, keeping their numbers.
   void enableCFLLimits();
 
   [[nodiscard]] const KeyLimits &values() const { return m_values; }
 
 private:
-  FileSystem &m_files;
   Desktop &m_desktop;
-  QString m_path;
+  LimitsRewrite m_file;
   std::function<void()> m_quit;
   KeyLimits m_values;
 };

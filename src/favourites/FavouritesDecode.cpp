@@ -5,8 +5,6 @@
 #include "favourites/StoredFile.h"
 #include "link/TextEncoding.h"
 
-#include <algorithm>
-
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
@@ -21,7 +19,14 @@ struct Shared {
 
 // Most texts: the same in both encodings, and without a NUL.
 bool isPlain(QByteArrayView bytes) {
-  return std::all_of(bytes.begin(), bytes.end(), [](char byte) { return static_cast<signed char>(byte) > 0; });
+  // Without a way out in the middle, so that the compiler takes many bytes at a time.
+  unsigned char highBits = 0;
+  unsigned char nuls = 0;
+  for (const char byte : bytes) {
+    highBits |= static_cast<unsigned char>(byte) & 0x80;
+    nuls |= byte == 0;
+  }
+  return highBits == 0 && nuls == 0;
 }
 
 class Decoder {
@@ -29,7 +34,8 @@ public:
   Decoder(QByteArrayView bytes, FavouritesKind kind, const PlayerTraits &player)
       : m_kind(kind), m_file(storedFile(bytes, kind)), m_player(player),
         m_tagUtf8(player.utf8 && kind == FavouritesKind::Music), // photo files never carry the later tags
-        m_titleFields(player.isVaultbox1() ? kTitleFieldsOfVaultbox1 : kTitleFields) {
+        m_titleFields(player.isVaultbox1() ? kTitleFieldsOfVaultbox1 : kTitleFields),
+        m_prefix(serverPrefix(kind).toLatin1()) {
     m_result.oddities = m_file.oddities;
   }
 
@@ -57,6 +63,8 @@ private:
     return decoded;
   }
 
+  QString path(QByteArrayView bytes);
+
   void readList1();
   void addList(const StoredRecord &record);
   void readTitles();
@@ -69,9 +77,22 @@ private:
   PlayerTraits m_player;
   bool m_tagUtf8;
   quint32 m_titleFields;
+  QByteArray m_prefix; // of the server's paths
   Shared m_shared;
   DecodedFavourites m_result;
 };
+
+// The server's folder is taken off before a text is made of it: 100,000 titles begin with it.
+QString Decoder::path(QByteArrayView bytes) {
+  if (!isPlain(bytes)) {
+    return storedPathOf(text(bytes), m_kind);
+  }
+  const QByteArrayView rest = bytes.startsWith(m_prefix) ? bytes.sliced(m_prefix.size()) : bytes;
+  if (!rest.contains(':')) { // nor a second prefix
+    return QString::fromLatin1(rest);
+  }
+  return storedPathOf(QString::fromLatin1(bytes), m_kind);
+}
 
 void Decoder::readList1() {
   const bool there = !m_file.chunks.empty() && m_file.chunks.front().content;
@@ -163,7 +184,7 @@ std::size_t Decoder::wantedTitles(const FavouriteList &list, const StoredList &s
 
 void Decoder::addTitle(FavouriteList &list, const StoredRecord &record) {
   FavouriteTitle title;
-  title.songPath = storedPathOf(text(record.lead), m_kind);
+  title.songPath = path(record.lead);
   if (record.fieldCount != m_titleFields) {
     if (m_result.fitsModel) {
       note(u"the titles of \"%1\" have %2 fields instead of %3: not a file of this product"_s.arg(*list.nameAsRead)

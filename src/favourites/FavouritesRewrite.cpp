@@ -29,11 +29,15 @@ FavouritesRewrite::FavouritesRewrite(RewriteTools tools, ShareFolders folders, Q
     : m_tools(tools), m_folders(std::move(folders)), m_tempFileLocation(std::move(tempFileLocation)),
       m_backupFolder(std::move(backupFolder)) {}
 
-QString FavouritesRewrite::backupFolderOfProduct() const {
-  const QString hardware = m_tools.session.hardwareAddress();
-  const QString key = hardware.isEmpty() ? m_tools.session.IPAddressString() : hardware;
+QString productKey(const Session &session) {
+  const QString hardware = session.hardwareAddress();
+  const QString key = hardware.isEmpty() ? session.IPAddressString() : hardware;
   // "_" in front keeps "", "." and ".." from meaning something else.
-  return m_backupFolder + u"/_"_s + cleanedName(key.toLower()).left(kLongestKey);
+  return u'_' + cleanedName(key.toLower()).left(kLongestKey);
+}
+
+QString FavouritesRewrite::backupFolderOfProduct() const {
+  return m_backupFolder + u'/' + productKey(m_tools.session);
 }
 
 FavouritesBackup FavouritesRewrite::backup(FavouritesKind kind) const {

@@ -26,6 +26,10 @@ struct SeenFile {
   std::optional<FileAttributes> attributes; // none: absent
 };
 
+// Tells the connected product from others in names of folders: by the hardware address read from its share, else by
+// the address connected to.
+[[nodiscard]] QString productKey(const Session &session);
+
 struct RewriteTools {
   FileSystem &files;
   Clock &clock;
@@ -76,7 +80,7 @@ public:
   // At connect, before validation: finishes what was interrupted on this product. Never throws; failures are logged.
   void recoverAtConnect(std::stop_token stop = {});
 
-  // The product's own folder in the backup: the hardware address read from this share, else the address.
+  // The product's own folder in the backup.
   [[nodiscard]] QString backupFolderOfProduct() const;
 
 private:

@@ -9,6 +9,7 @@ namespace sonorel {
 namespace {
 
 constexpr qsizetype kItemCountSize = 4;
+constexpr quint32 kRecordsToExpect = 1024; // whatever a count says, no more room is made on trust
 
 struct Field {
   quint8 kind = 0;
@@ -68,6 +69,7 @@ StoredList storedList(QByteArrayView content) {
   }
   ByteReader reader(content);
   list.count = reader.u32();
+  list.records.reserve(qMin(*list.count, kRecordsToExpect));
   while (!reader.atEnd() && !list.damagedAt) {
     const auto field = nextField(reader);
     if (!field || (field->kind == kFurtherField && list.records.empty() && list.tag)) {

@@ -26,17 +26,26 @@ PlaylistMetaData::PlaylistMetaData(TransferBoard &board, FavouritesMerge &merge,
       m_desktop(desktop), m_hooks(std::move(hooks)) {}
 
 bool PlaylistMetaData::sendMetaDataForPlaylist(bool photos) {
-  const QList<PlaylistInfo> records = m_board.records(photos);
-  bool sent = false;
   try {
-    sent = photos ? sendPhotos(records) : sendMusic(records);
+    return photos ? sendPhotos(m_board.records(true)) : sendMusic();
   } catch (const std::exception &exception) {
     logException(m_desktop, u"sendMetaDataForPlaylist"_s, exception);
+    return false;
   }
-  if (!sent) {
-    m_board.replaceRecords(photos, records);
+}
+
+bool PlaylistMetaData::hasUnwritten(bool photos) const {
+  return !photos && m_unwritten.hasAny(productKey(m_session));
+}
+
+bool PlaylistMetaData::retryUnwritten() {
+  const QString product = productKey(m_session);
+  if (!m_unwritten.hasAny(product) || !m_hooks.isConnected()) {
+    return true;
   }
-  return sent;
+  return m_unwritten.retry(product, [this](const std::vector<NewList> &lists) {
+    return m_merge.addPlaylistToDictionary(lists, m_hooks.stop());
+  });
 }
 
 bool PlaylistMetaData::sendPhotos(const QList<PlaylistInfo> &records) {
@@ -48,17 +57,31 @@ bool PlaylistMetaData::sendPhotos(const QList<PlaylistInfo> &records) {
   return !transferred;
 }
 
-bool PlaylistMetaData::sendMusic(const QList<PlaylistInfo> &records) {
+// Kept lists are written as a transfer of their own, before this one: as if nothing had come between.
+bool PlaylistMetaData::sendMusic() {
+  const bool retried = retryUnwritten();
+  const QList<PlaylistInfo> records = m_board.records(false);
+  const bool sent = records.isEmpty() || sendRecords(records);
+  return sent && retried;
+}
+
+bool PlaylistMetaData::sendRecords(const QList<PlaylistInfo> &records) {
+  const QString product = productKey(m_session);
   const PlaylistDetails details = makePlaylistDetailData(records, m_hooks.album, playerOf(m_session), m_identifiers);
   m_board.replaceRecords(false, details.records);
-  const std::vector<NewList> lists = newLists(details);
+  std::vector<NewList> lists = newLists(details);
   if (m_hooks.isConnected()) {
-    return m_merge.addPlaylistToDictionary(lists, m_hooks.stop());
+    if (m_merge.addPlaylistToDictionary(lists, m_hooks.stop())) {
+      return true;
+    }
+  } else {
+    m_desktop.log(u"The playlists were not written: the share is not mounted."_s);
   }
+  m_board.clearRecords(false);
   if (std::all_of(lists.begin(), lists.end(), [](const NewList &list) { return list.titles.empty(); })) {
     return true; // nothing was transferred
   }
-  m_desktop.log(u"The playlists were not written: the share is not mounted."_s);
+  m_unwritten.keep(product, std::move(lists));
   return false;
 }
 

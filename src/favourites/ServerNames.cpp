@@ -42,8 +42,12 @@ QString nameInFile(const FavouriteList &list, const PlayerTraits &player) {
   return parts.size() > 1 ? parts.at(1) : list.playlistName;
 }
 
+QStringView serverPrefix(FavouritesKind kind) {
+  return kind == FavouritesKind::Photos ? kServerPhotoPrefix : kServerMusicPrefix;
+}
+
 QString storedPathOf(const QString &serverPath, FavouritesKind kind) {
-  const QStringView prefix = kind == FavouritesKind::Photos ? kServerPhotoPrefix : kServerMusicPrefix;
+  const QStringView prefix = serverPrefix(kind);
   const qsizetype found = serverPath.lastIndexOf(prefix);
   return found < 0 ? serverPath : serverPath.mid(found + prefix.size());
 }

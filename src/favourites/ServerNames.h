@@ -15,6 +15,8 @@ namespace sonorel {
 // As the file holds the name of a list: as it was read while it is unchanged, else without its frame.
 [[nodiscard]] QString nameInFile(const FavouriteList &list, const PlayerTraits &player);
 
+// "E:\vb-share\Music\Mac\" or that of pictures.
+[[nodiscard]] QStringView serverPrefix(FavouritesKind kind);
 // Everything up to and including the last prefix of the kind ("E:\vb-share\Music\Mac\") removed.
 [[nodiscard]] QString storedPathOf(const QString &serverPath, FavouritesKind kind);
 // "@@@@@" as a backslash and the prefix in front. An album (ItemType "2") and a path that begins with a drive, which

@@ -26,6 +26,8 @@ public:
     std::function<bool(bool photos)> sendMetaDataForPlaylist; // false: something was not written
     std::function<void(const TransferredKinds &)> sendMetaDataForTransferredFiles;
     std::function<void(quint32)> dropsFinished;
+    // Lists of an earlier transfer wait for another try.
+    std::function<bool(bool photos)> hasUnwrittenPlaylists = [](bool) { return false; };
   };
 
   // All references must outlive the object. mainDictPath is removed at the end of every transfer.
@@ -64,6 +66,7 @@ private:
   After exceptionInSound(const std::exception &exception);
   void endForSleep();
   void endTransfer();
+  void sendPlaylists();
   // Both: true when a drop waited and has become the next transfer of this worker. Looking at the board afterwards
   // would not tell: a drop that came later has a worker of its own.
   [[nodiscard]] bool finishTransferHandler();

@@ -69,15 +69,24 @@ void TransferDriver::endTransfer() {
     m_view.setDockIcon(connected ? u"Connect"_s : u"Disconnect"_s);
     board.clearQueue();
   }
+  sendPlaylists();
+  m_hooks.sendMetaDataForTransferredFiles(m_transferred);
+}
+
+void TransferDriver::sendPlaylists() {
+  TransferBoard &board = m_tools.board;
+  bool written = true;
   for (const bool photos : {true, false}) {
-    if (board.hasRecords(photos)) {
-      if (!m_hooks.sendMetaDataForPlaylist(photos)) {
-        m_tools.desktop.log(u"The favourites of this transfer could not be written."_s);
-      }
+    if (board.hasRecords(photos) || m_hooks.hasUnwrittenPlaylists(photos)) {
+      written = m_hooks.sendMetaDataForPlaylist(photos) && written;
       board.clearRecords(photos);
     }
   }
-  m_hooks.sendMetaDataForTransferredFiles(m_transferred);
+  if (!written) {
+    m_tools.desktop.log(u"The favourites of this transfer could not be written."_s);
+    m_log.appendSeparator();
+    showMessage(withProductName(message(u"FavouritesNotWritten"_s), m_session.deviceName()));
+  }
 }
 
 bool TransferDriver::finishTransferHandler() {

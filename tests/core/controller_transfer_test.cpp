@@ -176,6 +176,32 @@ TEST_F(ControllerTransferTest, EndsAfterTheTransferWhenTheLimitsFileIsDamaged) {
   EXPECT_EQ(fakes.files.bytes(kLimits), QByteArray("no limits at all"));
 }
 
+TEST_F(ControllerTransferTest, WritesWhatCouldNotBeWrittenAfterTheNextConnection) {
+  startConnected();
+  fakes.files.failPath(kFavourites, FailureKind::Unknown);
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  carry();
+  const QString log = fakes.userInterface.last().messageLog;
+  EXPECT_TRUE(log.startsWith(u"The favourites lists on Auracore 5 could not be written."_s)) << log.toStdString();
+  EXPECT_TRUE(log.endsWith(u"\nThe transfer has ended."_s));
+  fakes.files.clearFailures();
+  EXPECT_EQ(lists(), QStringList());
+  controller->disconnect();
+  fakes.loop.runPosted();
+  controller->connect();
+  fakes.loop.runPosted();
+  EXPECT_EQ(lists(), QStringList({u"@~Evening@~: 1"_s}));
+}
+
+TEST_F(ControllerTransferTest, LogsAFileWhoseAlbumCannotBeRead) {
+  startConnected();
+  const auto untagged = u"/Users/anna/Music/Untagged.mp3"_s;
+  fakes.files.put(untagged, QByteArray(200'000, 'm'));
+  deliver(u"@!!!Red!!!@"_s, {untagged});
+  carry();
+  EXPECT_TRUE(fakes.desktop.lines.contains(u"ref is null"_s));
+}
+
 TEST_F(ControllerTransferTest, SaysThatNothingIsConnected) {
   start();
   deliver(u"@~Evening@~"_s, {song(u"One"_s)});

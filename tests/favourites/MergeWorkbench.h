@@ -15,7 +15,9 @@ struct MergeWorkbench : FavouritesWorkbench {
   bool connected = true;
   QHash<QString, QString> albums; // album attribute by source path
   TransferBoard board;
-  ColourLimits limits{files, desktop, standardFolders(), [this] { quitAsked = true; }};
+  ColourLimits limits{{files, clock, desktop, [this] { return rewrite.backupFolderOfProduct(); }},
+                      standardFolders(),
+                      [this] { quitAsked = true; }};
   FavouritesMerge merge{
       {files, propertyLists, clock, desktop, settings, session, dictionary, dictionaryFile, rewrite, limits}};
   PlaylistMetaData metaData{board,

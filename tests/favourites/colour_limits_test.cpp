@@ -1,6 +1,7 @@
 #include "favourites/ColourLimits.h"
 
 #include "platform/Failure.h"
+#include "support/FakeClock.h"
 #include "support/FakeDesktop.h"
 #include "support/Fixtures.h"
 
@@ -12,6 +13,7 @@ namespace sonorel::test {
 
 namespace {
 
+const QString kKept = u"/Client/Backup/_a/OrvSpecialFavouriteLimits.orv.next"_s;
 const QString kPath = u"/Volumes/VB-SHARE$/System/OrvSpecialFavouriteLimits.orv"_s;
 
 QByteArray limitsFile(const QByteArray &red, const QByteArray &redEnable = "1", const QByteArray &end = "\r\n") {
@@ -37,9 +39,11 @@ protected:
   }
 
   FakeFileSystem files;
+  FakeClock clock{&files};
   FakeDesktop desktop;
   int quits = 0;
-  ColourLimits limits{files, desktop, standardFolders(), [this] { ++quits; }};
+  ColourLimits limits{
+      {files, clock, desktop, [] { return u"/Client/Backup/_a"_s; }}, standardFolders(), [this] { ++quits; }};
 };
 
 } // namespace
@@ -140,6 +144,97 @@ TEST_F(ColourLimitsTest, AFailedWriteIsPrintedAndNothingElseIsSaid) {
   EXPECT_EQ(desktop.printed, QStringList{u"Write Limits File: Couldn't open file for writing.\n"_s});
   EXPECT_TRUE(desktop.lines.isEmpty());
   EXPECT_EQ(quits, 0);
+}
+
+TEST_F(ColourLimitsTest, TheFileIsWrittenInPlaceAndTheNewBytesAreKeptMeanwhile) {
+  files.put(kPath, limitsFile("7", "0"));
+  files.clearLog();
+  limits.enableCFLLimits();
+  EXPECT_EQ(files.log().filter(kPath).filter(u"write"_s).first(), u"write "_s + kPath);
+  EXPECT_TRUE(files.log().filter(u".sonorel-"_s).filter(u"VB-SHARE"_s).isEmpty());
+  EXPECT_FALSE(files.exists(kKept));
+}
+
+// The death comes at every operation of the edit in turn; the next run finds the old or the new file, whole.
+TEST_F(ColourLimitsTest, AWriteThatDiesIsCompletedByTheNextRun) {
+  const QByteArray old = limitsFile("7", "0");
+  const QByteArray wanted = limitsFile("7").replace("YELLOW_ENABLED=0", "YELLOW_ENABLED=1");
+  int cut = 0;
+  for (int operation = 1;; ++operation) {
+    files.put(kPath, old);
+    files.dieAt(operation);
+    bool died = false;
+    try {
+      limits.enableCFLLimits();
+    } catch (const Died &) {
+      died = true;
+    }
+    files.revive();
+    const QByteArray left = files.bytes(kPath);
+    cut += left != old && left != wanted;
+    ColourLimits next{{files, clock, desktop, [] { return u"/Client/Backup/_a"_s; }}, standardFolders(), [] {}};
+    next.completeInterruptedWrite();
+    const QByteArray file = files.bytes(kPath);
+    ASSERT_TRUE(file == old || file == wanted) << operation << file.toStdString();
+    next.enableCFLLimits();
+    ASSERT_EQ(files.bytes(kPath), wanted) << operation;
+    ASSERT_FALSE(files.exists(kKept)) << operation;
+    if (!died) {
+      break;
+    }
+  }
+  EXPECT_GT(cut, 0) << "no death left a file in pieces: this test shows nothing";
+}
+
+TEST_F(ColourLimitsTest, AWholeFileIsNotReplacedByWhatWasKept) {
+  files.put(kPath, limitsFile("50"));
+  files.makeFolders(u"/Client/Backup/_a"_s);
+  files.put(kKept, limitsFile("7"));
+  limits.completeInterruptedWrite();
+  EXPECT_EQ(files.bytes(kPath), limitsFile("50"));
+  EXPECT_FALSE(files.exists(kKept));
+}
+
+TEST_F(ColourLimitsTest, ALastNumberThatLostDigitsIsCompleted) {
+  files.makeFolders(u"/Client/Backup/_a"_s);
+  files.put(kKept, limitsFile("7"));
+  files.put(kPath, limitsFile("7").chopped(3)); // "BLUE_LIMIT=4"
+  EXPECT_TRUE(limits.presentLimitSettings());
+  EXPECT_EQ(limits.values()[3], (KeyLimit{1, 40}));
+  EXPECT_EQ(files.bytes(kPath), limitsFile("7"));
+}
+
+TEST_F(ColourLimitsTest, WhatWasKeptOfAnotherProductStaysThere) {
+  files.makeFolders(u"/Client/Backup/_b"_s);
+  files.put(u"/Client/Backup/_b/OrvSpecialFavouriteLimits.orv.next"_s, limitsFile("7"));
+  files.put(kPath, "");
+  limits.enableCFLLimits();
+  EXPECT_EQ(files.bytes(kPath), "");
+  EXPECT_EQ(quits, 1);
+}
+
+TEST_F(ColourLimitsTest, AFileThatNeverWasIsNotMadeFromWhatWasKept) {
+  files.makeFolders(u"/Client/Backup/_a"_s);
+  files.put(kKept, limitsFile("7"));
+  limits.completeInterruptedWrite();
+  EXPECT_FALSE(files.exists(kPath));
+}
+
+TEST_F(ColourLimitsTest, AFullShareGetsTheOldFileBack) {
+  files.put(kPath, limitsFile("9"));
+  files.setFreeBytes(kMountPoint.toString(), 0);
+  limits.setLimitInOrvFile(u"#1#0#1#1#"_s, u"#100#20#10#40#"_s); // one byte more
+  EXPECT_EQ(desktop.printed, QStringList{u"Write Limits File: Couldn't write the file.\n"_s});
+  EXPECT_EQ(files.bytes(kPath), limitsFile("9"));
+  EXPECT_FALSE(files.exists(kKept));
+}
+
+TEST_F(ColourLimitsTest, AFileThatAnotherClientIsWritingIsLookedAtOnceMore) {
+  files.put(kPath, "");
+  clock.onSleep = [this] { files.put(kPath, limitsFile("7")); };
+  limits.enableCFLLimits();
+  EXPECT_EQ(quits, 0);
+  EXPECT_EQ(files.bytes(kPath), limitsFile("7").replace("YELLOW_ENABLED=0", "YELLOW_ENABLED=1"));
 }
 
 TEST_F(ColourLimitsTest, KeysWithoutTitlesAndNamesThatAreNoKeysChangeNothing) {

@@ -163,6 +163,21 @@ TEST(DecodeMusicFavourites, Utf8ComesBackByteForByteAndAsABomToo) {
   EXPECT_EQ(contentsOf(encodeMusicFavourites(read.lists, kAuralisUtf8, kGuid)), foreign);
 }
 
+TEST(DecodeMusicFavourites, TheServersFolderGoesUpToItsLastPlace) {
+  const auto pathOf = [](const QByteArray &stored) {
+    const QByteArray file = wholeFile(musicHeader(), {albums({listRecord("A", "7", "6", guid('a'))}),
+                                                      titles({titleRecord(stored, zeros36(), guid('t'), "1")})});
+    return decodeMusicFavourites(file, {u"Auralis 5"_s, false}).lists.at(0).songs.at(0).songPath;
+  };
+  EXPECT_EQ(pathOf("E:\\vb-share\\Music\\Mac\\Artist\\Song.mp3"), u"Artist\\Song.mp3"_s);
+  EXPECT_EQ(pathOf("E:\\vb-share\\Music\\Mac\\E:\\vb-share\\Music\\Mac\\a.mp3"), u"a.mp3"_s);
+  EXPECT_EQ(pathOf("xE:\\vb-share\\Music\\Mac\\a.mp3"), u"a.mp3"_s);
+  EXPECT_EQ(pathOf("E:\\vb-share\\Music\\Mac\\a:b.mp3"), u"a:b.mp3"_s);
+  EXPECT_EQ(pathOf("E:\\vb-share\\Music\\Mac\\caf\xE9.mp3"), u"caf\u00E9.mp3"_s);
+  EXPECT_EQ(pathOf("E:\\vb-share\\Music\\Other\\a.mp3"), u"E:\\vb-share\\Music\\Other\\a.mp3"_s);
+  EXPECT_EQ(pathOf(""), QString());
+}
+
 TEST(DecodeMusicFavourites, WhatIsNoUtf8IsReadAsWindows1252) {
   const QByteArray file =
       wholeFile(musicHeader(), {albums({listRecord("Bj\xF6rk", "5", "6", guid('1'))}), titles({})});

@@ -86,7 +86,7 @@ TEST_F(MergeOtherClientsTest, AFailedWritePutsTheOldFileBackAndIsReported) {
   EXPECT_FALSE(files.exists(kColourCopyPath.toString()));
   EXPECT_TRUE(client.desktop.logged(u"Exception in ---> <Parser><makeOrvFileForGivenDictionary> "
                                     "NetMusicFavorites.orv could not be written: "_s));
-  ASSERT_TRUE(client.metaData.sendMetaDataForPlaylist(false)); // the records are still there
+  ASSERT_TRUE(client.metaData.sendMetaDataForPlaylist(false)); // the lists were kept
   EXPECT_EQ(client.shown().mid(4), (QStringList{u"7 @~Old@~: f/1"_s, u"8 @~Party@~: a.mp3/1"_s}));
 }
 

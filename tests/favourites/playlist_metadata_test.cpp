@@ -55,19 +55,67 @@ TEST_F(PlaylistMetaDataTest, TheCounterBeginsAt1AndReadsLeadingDigits) {
   EXPECT_EQ(counterAfter(qlonglong(30)), u"31"_s);
 }
 
-TEST_F(PlaylistMetaDataTest, RecordsThatWereNotWrittenStayAsTheyCame) {
+TEST_F(PlaylistMetaDataTest, ListsThatWereNotWrittenLeaveTheBoardAndComeBeforeTheNextTransfers) {
   client.connected = false;
   client.track(u"N0PL@YL!ST"_s, u"1.mp3"_s, u"Gold"_s);
   client.track(u"N0PL@YL!ST"_s, u"2.mp3"_s, u"Gold"_s);
-  const QList<PlaylistInfo> records = client.records;
+  EXPECT_FALSE(client.metaData.hasUnwritten(false));
   EXPECT_FALSE(client.send());
-  EXPECT_EQ(client.board.records(false), records);
+  EXPECT_TRUE(client.board.records(false).isEmpty());
+  EXPECT_TRUE(client.metaData.hasUnwritten(false));
+  client.connected = true;
+  client.albums.clear(); // the dropped files may be gone by then
+  client.track(u"Party"_s, u"3.mp3"_s);
+  EXPECT_TRUE(client.send());
+  EXPECT_EQ(client.shown().mid(4), (QStringList{u"5 @~Gold@~: 1.mp3/1, 2.mp3/1"_s, u"6 @~Party@~: 3.mp3/1"_s}));
+  EXPECT_FALSE(client.metaData.hasUnwritten(false));
+}
+
+TEST_F(PlaylistMetaDataTest, KeptListsAreTriedByATransferWithoutPlaylistsAndWrittenOnce) {
+  client.connected = false;
+  client.track(u"Party"_s, u"a.mp3"_s);
+  EXPECT_FALSE(client.send());
   client.connected = true;
   EXPECT_TRUE(client.metaData.sendMetaDataForPlaylist(false));
-  EXPECT_EQ(client.shown().mid(4), QStringList{u"5 @~Gold@~: 1.mp3/1, 2.mp3/1"_s});
-  // As list building leaves them: the songs gave way to their album's list.
-  ASSERT_EQ(client.board.records(false).size(), 1);
-  EXPECT_EQ(client.board.records(false).first().playlistName, u"@~Gold@~"_s);
+  EXPECT_TRUE(client.metaData.sendMetaDataForPlaylist(false));
+  EXPECT_EQ(client.shown().mid(4), QStringList{u"5 @~Party@~: a.mp3/1"_s});
+}
+
+TEST_F(PlaylistMetaDataTest, KeptListsWaitForTheirOwnProduct) {
+  const auto productIs = [this](const QString &address) { client.session.setHardwareAddress(address); };
+  client.connected = false;
+  client.track(u"Party"_s, u"a.mp3"_s);
+  EXPECT_FALSE(client.send());
+  productIs(u"00-00-00-00-00-0B"_s);
+  client.connected = true;
+  EXPECT_FALSE(client.metaData.hasUnwritten(false));
+  client.track(u"Other"_s, u"b.mp3"_s);
+  EXPECT_TRUE(client.send());
+  EXPECT_EQ(client.shown().mid(4), QStringList{u"5 @~Other@~: b.mp3/1"_s});
+  files.erase(kServerFile); // the share of the first product
+  productIs(u"00-11-22-33-44-55"_s);
+  EXPECT_TRUE(client.metaData.retryUnwritten());
+  EXPECT_EQ(client.shown().mid(4), QStringList{u"5 @~Party@~: a.mp3/1"_s});
+}
+
+TEST_F(PlaylistMetaDataTest, WhatStillCannotBeWrittenIsKeptInItsOrder) {
+  files.failPath(kServerFile, FailureKind::Unknown);
+  client.track(u"First"_s, u"1.mp3"_s);
+  EXPECT_FALSE(client.send());
+  client.track(u"Second"_s, u"2.mp3"_s);
+  EXPECT_FALSE(client.send());
+  EXPECT_FALSE(client.metaData.retryUnwritten());
+  files.clearFailures();
+  EXPECT_TRUE(client.metaData.retryUnwritten());
+  EXPECT_EQ(client.shown().mid(4), (QStringList{u"5 @~First@~: 1.mp3/1"_s, u"6 @~Second@~: 2.mp3/1"_s}));
+}
+
+TEST_F(PlaylistMetaDataTest, ALostShareIsNoSecondFailureOfWhatIsKept) {
+  client.connected = false;
+  client.track(u"Party"_s, u"a.mp3"_s);
+  EXPECT_FALSE(client.send());
+  EXPECT_TRUE(client.metaData.sendMetaDataForPlaylist(false)); // nothing of this transfer was lost
+  EXPECT_TRUE(client.metaData.hasUnwritten(false));
 }
 
 TEST_F(PlaylistMetaDataTest, NothingTransferredIsNothingUnwrittenWhenTheShareIsGone) {

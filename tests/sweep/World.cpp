@@ -98,7 +98,8 @@ Client::Client(World &in)
                 kBackup.toString()),
       m_dictionaryFile(world.files, world.lists, kSupport.toString() + u"mainDict.xml"_s),
       m_dictionary({desktop, world.identifiers, m_settings, m_session}, m_rewrite, m_dictionaryFile),
-      m_limits(world.files, desktop, m_folders, [] {}),
+      m_limits({world.files, world.clock, desktop, [this] { return m_rewrite.backupFolderOfProduct(); }}, m_folders,
+               [] {}),
       m_merge({world.files, world.lists, world.clock, desktop, m_settings, m_session, m_dictionary, m_dictionaryFile,
                m_rewrite, m_limits}),
       m_playlists(board, m_merge, m_settings, m_session, world.identifiers, desktop,
@@ -113,7 +114,8 @@ Client::Client(World &in)
                {[this] { return isConnected(); }, [this] { m_limits.enableCFLLimits(); },
                 [this](bool photos) { return m_playlists.sendMetaDataForPlaylist(photos); },
                 [this](const TransferredKinds &kinds) { m_messages.sendMetaDataForTransferredFiles(kinds); },
-                [this](quint32 count) { finishedDrops += count; }}),
+                [this](quint32 count) { finishedDrops += count; },
+                [this](bool photos) { return m_playlists.hasUnwritten(photos); }}),
       m_intake(world.files, board, m_log, m_strings, m_session, view, desktop,
                {[this] { return isConnected(); }, [this] { m_driver.startTransfer(); }, [] {},
                 [this](quint32 count) { finishedDrops += count; }}) {
@@ -134,7 +136,11 @@ bool Client::connect() {
   m_session.setHardwareAddress(u"00-11-22-33-44-55"_s);
   m_messages.send(kClientConnected);
   m_rewrite.recoverAtConnect();
-  (void)m_dictionary.validateOrvFile(); // when it fails the connection stays
+  const bool validated = m_dictionary.validateOrvFile(); // when it fails the connection stays
+  m_limits.completeInterruptedWrite();
+  if (validated) {
+    m_playlists.retryUnwritten();
+  }
   return true;
 }
 

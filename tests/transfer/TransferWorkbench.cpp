@@ -44,6 +44,7 @@ TransferDriver::Hooks TransferWorkbench::driverHooks() {
   hooks.sendMetaDataForTransferredFiles = [this](const TransferredKinds &kinds) {
     sent.append(u"collections"_s + (kinds.soundFileTransferred ? u" sound"_s : QString()));
   };
+  hooks.hasUnwrittenPlaylists = [this](bool photos) { return !photos && playlistsWait; };
   hooks.dropsFinished = [this](quint32 drops) { dropsFinished += drops; };
   return hooks;
 }

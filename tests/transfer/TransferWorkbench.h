@@ -55,6 +55,7 @@ public:
   int limitsEnabled = 0;
   quint32 dropsFinished = 0;
   bool favouritesSucceed = true;
+  bool playlistsWait = false;     // music of an earlier transfer
   std::function<void()> onSend;   // once, when the playlists are sent
   std::function<void()> onLimits; // once, when the limits are enabled
 

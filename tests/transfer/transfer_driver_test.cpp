@@ -44,6 +44,26 @@ TEST_F(TransferDriverTest, CarriesAPlaylistAndSaysSo) {
   EXPECT_EQ(bench.tags.reads(u"/m/A/B/1.mp3"_s), 1);
 }
 
+TEST_F(TransferDriverTest, FavouritesThatWereNotWrittenAreToldBeforeTheClosingLine) {
+  const QString told =
+      u"The favourites lists on Auracore 5 could not be written. The items themselves were transferred, "
+      "and their lists will be tried again with the next transfer.\n"_s;
+  bench.favouritesSucceed = false;
+  bench.drop(u"Party"_s, {song(1)});
+  EXPECT_EQ(bench.view.lastLog, told.chopped(1) + u"\nThe transfer has ended."_s);
+  EXPECT_TRUE(bench.desktop.logged(u"The favourites of this transfer could not be written."_s));
+  EXPECT_FALSE(bench.board.hasRecords(false));
+  bench.drop(u"Party"_s, {song(2), bench.song(u"/m/page.htm"_s, {})});
+  EXPECT_TRUE(bench.view.lastLog.endsWith(u'\n' + kDashes + told + u"The transfer has ended."_s))
+      << bench.view.lastLog.toStdString();
+}
+
+TEST_F(TransferDriverTest, ListsOfAnEarlierTransferAreTriedByOneWithoutPlaylists) {
+  bench.playlistsWait = true;
+  bench.drop(u"Radio"_s, {u"@~Radio1.mp3"_s});
+  EXPECT_EQ(bench.sent.value(0), u"music"_s);
+}
+
 TEST_F(TransferDriverTest, DropThatComesAfterTheEndIsLeftToItsOwnWorker) {
   bench.view.onTransferComplete = [this] { bench.deliver(u"Late"_s, {song(2)}); };
   bench.drop(u"Party"_s, {song(1)});
