@@ -1,5 +1,7 @@
 #include "core/InterfaceController.h"
 
+#include "core/state/DockImages.h"
+
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -9,9 +11,6 @@ namespace sonorel {
 namespace {
 
 constexpr int kNoAnswer = -1;
-const auto kConnectImage = u"Connect"_s;
-const auto kDisconnectImage = u"Disconnect"_s;
-const auto kTransferIcon = u"Transfer"_s; // names no image
 
 } // namespace
 

@@ -2,7 +2,6 @@
 
 #include "core/AwaitTransfer.h"
 #include "core/Roles.h"
-#include "core/state/Report.h"
 #include "favourites/AlbumNames.h"
 
 using namespace Qt::Literals::StringLiterals;
