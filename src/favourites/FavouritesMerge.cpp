@@ -8,6 +8,7 @@
 #include <QHash>
 #include <QSet>
 
+#include <algorithm>
 #include <optional>
 
 using namespace Qt::Literals::StringLiterals;
@@ -48,15 +49,34 @@ QStringList colourNamesOf(const std::vector<NewList> &newLists) {
   return names;
 }
 
+// A list by its own GUID, or what was put on a colour key by those of its titles.
+bool standsThere(const NewList &added, const FavouriteLists &lists) {
+  const int colour = colourIndex(added.name);
+  return std::any_of(lists.begin(), lists.end(), [&](const FavouriteList &stored) {
+    if (colour < 0 || stored.playlistName != added.name) {
+      return stored.guid == added.guid;
+    }
+    return std::any_of(stored.songs.begin(), stored.songs.end(), [&](const FavouriteTitle &title) {
+      return !added.titles.empty() && title.guid == added.titles.back().guid;
+    });
+  });
+}
+
+std::vector<NewList> withoutWritten(std::vector<NewList> newLists, const FavouriteLists &lists) {
+  std::erase_if(newLists, [&](const NewList &added) { return standsThere(added, lists); });
+  return newLists;
+}
+
 } // namespace
 
 FavouritesMerge::FavouritesMerge(MergeTools tools) : m_tools(tools) {}
 
-bool FavouritesMerge::addPlaylistToDictionary(const std::vector<NewList> &newLists, std::stop_token stop) {
+bool FavouritesMerge::addPlaylistToDictionary(const std::vector<NewList> &newLists, std::stop_token stop,
+                                              MergeTry kind) {
   try {
     FavouritesRewrite::Turn turn = m_tools.rewrite.begin(FavouritesKind::Music, stop);
     for (int attempt = 0; attempt < MainDictionary::kAttempts; ++attempt) {
-      const WriteResult result = mergeOnce(turn, newLists, stop);
+      const WriteResult result = mergeOnce(turn, newLists, stop, kind);
       if (result != WriteResult::Changed) {
         return result == WriteResult::Written;
       }
@@ -68,11 +88,15 @@ bool FavouritesMerge::addPlaylistToDictionary(const std::vector<NewList> &newLis
   }
 }
 
-WriteResult FavouritesMerge::mergeOnce(FavouritesRewrite::Turn &turn, const std::vector<NewList> &newLists,
-                                       std::stop_token stop) {
+WriteResult FavouritesMerge::mergeOnce(FavouritesRewrite::Turn &turn, const std::vector<NewList> &given,
+                                       std::stop_token stop, MergeTry kind) {
   const SeenFile seen = turn.look();
   Parser parser = m_tools.dictionary.parser();
   FavouriteLists lists = m_tools.dictionary.rebuild(parser, seen);
+  const std::vector<NewList> newLists = kind == MergeTry::Again ? withoutWritten(given, lists) : given;
+  if (newLists.empty() && !given.empty()) {
+    return WriteResult::Written;
+  }
   m_tools.dictionary.repair(lists);
   mergeLists(lists, newLists, takePlaylistIDs(newLists.size()));
   // A drop on a key whose place another client's list has taken is appended with that list's number.

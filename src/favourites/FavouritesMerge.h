@@ -28,6 +28,11 @@ struct MergeTools {
   ColourLimits &limits;
 };
 
+enum class MergeTry {
+  First,
+  Again, // a failed write may have come through after all: lists that stand there by their GUIDs are left out
+};
+
 class FavouritesMerge {
 public:
   // What the tools refer to must outlive the object.
@@ -35,11 +40,12 @@ public:
 
   // False when the server's file does not hold the new lists; the reason is logged. A stored list of the same name is
   // always replaced. Throws nothing.
-  [[nodiscard]] bool addPlaylistToDictionary(const std::vector<NewList> &newLists, std::stop_token stop);
+  [[nodiscard]] bool addPlaylistToDictionary(const std::vector<NewList> &newLists, std::stop_token stop,
+                                             MergeTry kind = MergeTry::First);
 
 private:
   [[nodiscard]] WriteResult mergeOnce(FavouritesRewrite::Turn &turn, const std::vector<NewList> &newLists,
-                                      std::stop_token stop);
+                                      std::stop_token stop, MergeTry kind);
   [[nodiscard]] qint64 takePlaylistIDs(size_t count);
   void mergeLists(FavouriteLists &lists, const std::vector<NewList> &newLists, qint64 firstId);
   void mergeIntoColourKey(FavouriteList &key, int index, FavouriteList &&fresh);

@@ -44,7 +44,7 @@ bool PlaylistMetaData::retryUnwritten() {
     return true;
   }
   return m_unwritten.retry(product, [this](const std::vector<NewList> &lists) {
-    return m_merge.addPlaylistToDictionary(lists, m_hooks.stop());
+    return m_merge.addPlaylistToDictionary(lists, m_hooks.stop(), MergeTry::Again);
   });
 }
 

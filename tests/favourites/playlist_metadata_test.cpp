@@ -110,6 +110,32 @@ TEST_F(PlaylistMetaDataTest, WhatStillCannotBeWrittenIsKeptInItsOrder) {
   EXPECT_EQ(client.shown().mid(4), (QStringList{u"5 @~First@~: 1.mp3/1"_s, u"6 @~Second@~: 2.mp3/1"_s}));
 }
 
+// The share goes away between the delete and the write: the next connection writes what was to be written, and the
+// kept lists are there already.
+TEST_F(PlaylistMetaDataTest, WhatTheRecoveryWroteIsNotWrittenTwice) {
+  client.track(u"First"_s, u"1.mp3"_s);
+  ASSERT_TRUE(client.send());
+  files.clearLog();
+  files.beforeOperation = [this](int) {
+    if (files.log().contains(u"removeFile "_s + kServerFile)) {
+      files.setUnknown(kMountPoint.toString(), true);
+    }
+  };
+  client.track(u"Party"_s, u"a.mp3"_s);
+  client.track(u"@!!!Red!!!@"_s, u"b.mp3"_s, u"Gold"_s);
+  EXPECT_FALSE(client.send());
+  files.beforeOperation = nullptr;
+  files.setUnknown(kMountPoint.toString(), false);
+  ASSERT_FALSE(files.exists(kServerFile));
+  client.rewrite.recoverAtConnect();
+  const QStringList recovered = client.shown();
+  EXPECT_EQ(recovered.at(0), u"1 Red: Gold/2"_s);
+  EXPECT_EQ(recovered.mid(4), (QStringList{u"5 @~First@~: 1.mp3/1"_s, u"6 @~Party@~: a.mp3/1"_s}));
+  EXPECT_TRUE(client.metaData.retryUnwritten());
+  EXPECT_EQ(client.shown(), recovered);
+  EXPECT_FALSE(client.metaData.hasUnwritten(false));
+}
+
 TEST_F(PlaylistMetaDataTest, ALostShareIsNoSecondFailureOfWhatIsKept) {
   client.connected = false;
   client.track(u"Party"_s, u"a.mp3"_s);
