@@ -174,10 +174,14 @@ void InterfaceController::transferStateChanged() {
 }
 
 void InterfaceController::transferComplete() {
+  whenShown([this] { m_userInterface.transferComplete(); });
+}
+
+void InterfaceController::whenShown(std::function<void()> told) {
   keepWaitingLog();
-  enqueue([this] {
+  enqueue([this, told = std::move(told)] {
     publish();
-    m_userInterface.transferComplete();
+    told();
   });
 }
 

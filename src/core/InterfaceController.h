@@ -55,6 +55,8 @@ public:
   void showPasswordPanel(bool shown); // always with an empty field
   void windowWillClose();             // the window is hidden
   void quit(int status);              // the first status counts
+  // Runs on the controller's thread when all that was asked for before is shown, with the log as it is now.
+  void whenShown(std::function<void()> told);
 
   // --- controller's thread ---
   // Everything that was asked for takes effect now: before something blocks.

@@ -97,14 +97,19 @@ TransferDriver::Hooks ShareRoles::driverHooks() {
   hooks.sendMetaDataForTransferredFiles = [this](const TransferredKinds &kinds) {
     messages.sendMetaDataForTransferredFiles(kinds);
   };
-  hooks.dropsFinished = roles.values.dropsFinished;
+  hooks.dropsFinished = [this](quint32 drops) { dropsFinished(drops); };
   hooks.hasUnwrittenPlaylists = [this](bool photos) { return playlists.hasUnwritten(photos); };
   return hooks;
 }
 
 DropIntake::Hooks ShareRoles::intakeHooks() {
   return {[this] { return connectFlow.isConnected(); }, [this] { driver.startTransfer(); },
-          [this] { roles.system.killTrackChuteAndLaunch(); }, roles.values.dropsFinished};
+          [this] { roles.system.killTrackChuteAndLaunch(); }, [this](quint32 drops) { dropsFinished(drops); }};
+}
+
+// Not before people can see what has become of them.
+void ShareRoles::dropsFinished(quint32 drops) {
+  roles.interface.whenShown([this, drops] { roles.values.dropsFinished(drops); });
 }
 
 AfterConnection::Hooks ShareRoles::afterConnectionHooks() {

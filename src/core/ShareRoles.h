@@ -82,6 +82,7 @@ private:
   [[nodiscard]] PlaylistMetaData::Hooks playlistHooks();
   [[nodiscard]] TransferDriver::Hooks driverHooks();
   [[nodiscard]] DropIntake::Hooks intakeHooks();
+  void dropsFinished(quint32 drops);
   [[nodiscard]] AfterConnection::Hooks afterConnectionHooks();
   [[nodiscard]] AutomaticConnection::Hooks automaticHooks();
   [[nodiscard]] ApplicationEvents::Hooks eventHooks();

@@ -4,6 +4,8 @@
 #include "platform/Failure.h"
 #include "trackchute/PlaylistName.h"
 
+#include <QStringDecoder>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel::trackchute {
@@ -14,7 +16,11 @@ QString takeName(std::span<const char *const> &arguments, const QString &missing
   if (arguments.empty()) {
     throw Failure(missing);
   }
-  const QString name = QString::fromUtf8(arguments.front());
+  QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
+  const QString name = decoder(QByteArrayView(arguments.front()));
+  if (decoder.hasError()) {
+    throw Failure(u"the name is not UTF-8"_s);
+  }
   arguments = arguments.subspan(1);
   return name;
 }

@@ -40,13 +40,24 @@ bool isPicture(const QString &path) {
                      [&](QStringView known) { return extension.compare(known, Qt::CaseInsensitive) == 0; });
 }
 
+// Behind a link ".." is not the folder that the text says: then the file system is asked.
+fs::path cleaned(const std::string &argument, std::error_code &error) {
+  const fs::path given = fs::absolute(argument, error);
+  const fs::path clean = given.lexically_normal();
+  std::error_code ignored;
+  if (error || !fs::exists(given, ignored) || fs::equivalent(given, clean, ignored)) {
+    return clean;
+  }
+  return fs::canonical(given, error);
+}
+
 class Expansion {
 public:
   DroppedFiles result;
 
   void addArgument(const std::string &argument) {
     std::error_code error;
-    const fs::path path = fs::absolute(argument, error).lexically_normal();
+    const fs::path path = cleaned(argument, error);
     struct stat status {};
     if (argument.empty() || error || ::stat(path.c_str(), &status) != 0) {
       throw Failure(u"there is no file \"%1\""_s.replace(u"%1"_s, shown(argument)), FailureKind::Absent);

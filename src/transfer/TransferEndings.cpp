@@ -107,9 +107,10 @@ bool TransferDriver::finishTransferHandler() {
   }
   m_view.setEnableDisableCancelBtn(false);
   removeMainDictionary();
-  m_hooks.dropsFinished(board.acceptedDrops());
+  const quint32 drops = board.acceptedDrops();
   const bool dropWaited = board.finish();
   m_view.transferStateChanged();
+  m_hooks.dropsFinished(drops);
   m_view.transferComplete();
   return dropWaited;
 }
@@ -126,9 +127,10 @@ bool TransferDriver::cleanUpAfterException(const std::exception &exception) {
   m_view.setHighlightCancelBtn(false);
   m_view.setDockIcon(m_hooks.isConnected() ? u"Connect"_s : u"Disconnect"_s);
   removeMainDictionary();
-  m_hooks.dropsFinished(m_tools.board.acceptedDrops());
+  const quint32 drops = m_tools.board.acceptedDrops();
   const bool dropWaited = m_tools.board.finish();
   m_view.transferStateChanged();
+  m_hooks.dropsFinished(drops);
   m_view.transferComplete();
   return dropWaited;
 }

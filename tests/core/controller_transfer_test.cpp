@@ -53,6 +53,43 @@ TEST_F(ControllerTransferTest, CarriesADroppedPlaylistToThePlayersFavourites) {
   EXPECT_TRUE(controller->getPlaylistArray(false).isEmpty());
 }
 
+// Whoever waits for the drop to be finished reads the state that it has left.
+TEST_F(ControllerTransferTest, CountsADropAsFinishedWhenItsStateIsShownAndBeforeTheSignal) {
+  UserInterfaceState shown;
+  int completed = -1;
+  values.dropsFinished = [&](quint32 drops) {
+    finished += drops;
+    shown = fakes.userInterface.last();
+    completed = fakes.userInterface.transfersCompleted;
+  };
+  startConnected();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  EXPECT_TRUE(fakes.userInterface.last().transferring);
+  carry();
+  EXPECT_EQ(finished, 1U);
+  EXPECT_EQ(shown.messageLog, u"The transfer has ended."_s);
+  EXPECT_FALSE(shown.transferring);
+  EXPECT_EQ(completed, 0);
+  EXPECT_EQ(fakes.userInterface.transfersCompleted, 1);
+}
+
+TEST_F(ControllerTransferTest, CountsADropWithoutAConnectionAsFinishedWhenTheLookIsShown) {
+  UserInterfaceState shown;
+  values.dropsFinished = [&](quint32 drops) {
+    finished += drops;
+    shown = fakes.userInterface.last();
+  };
+  startConnected();
+  controller->disconnect();
+  fakes.loop.runPosted();
+  controller->preferences();
+  fakes.loop.runPosted();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  EXPECT_EQ(finished, 1U);
+  EXPECT_EQ(shown.currentTab, 2);
+  EXPECT_EQ(shown.dockImage, u"Disconnect"_s);
+}
+
 TEST_F(ControllerTransferTest, CopiesNothingAgainWhenTheListIsDroppedAgain) {
   startConnected();
   const QStringList songs{song(u"One"_s), song(u"Two"_s)};

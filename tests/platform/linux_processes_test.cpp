@@ -66,6 +66,19 @@ TEST_F(LinuxTools, RunInstalledPrograms) {
   EXPECT_EQ(QString::fromUtf8(result.output), temporary.below("data/Temporary/a \"b\".webloc") + u"|plain|"_s);
 }
 
+TEST_F(LinuxTools, RemoveNothingBelowAPointThatIsNotMounted) {
+  files.createFolder(u"/Volumes/VB-SHARE$"_s, 0777);
+  temporary.put("runtime/Volumes/VB-SHARE$/a person's only copy", "x");
+  EXPECT_EQ(run(u"/bin/rm"_s, {u"/Volumes/VB-SHARE$/a person's only copy"_s}).status, 1);
+  EXPECT_EQ(temporary.bytes("runtime/Volumes/VB-SHARE$/a person's only copy"), "x");
+  std::filesystem::remove(temporary.base() / "runtime/Volumes/VB-SHARE$/a person's only copy");
+  EXPECT_EQ(run(u"/bin/rmdir"_s, {u"/Volumes/VB-SHARE$"_s}).status, 0) << "the empty point itself may go";
+  mountShare();
+  files.write(u"/Volumes/VB-SHARE$/Music/a"_s, "x");
+  EXPECT_EQ(run(u"/bin/rm"_s, {u"/Volumes/VB-SHARE$/Music/a"_s}).status, 0);
+  EXPECT_EQ(files.presence(u"/Volumes/VB-SHARE$/Music/a"_s), Presence::Absent);
+}
+
 TEST_F(LinuxTools, KnowNoOtherTool) {
   const ToolResult result = run(u"/usr/bin/id"_s, {u"a secret"_s});
   EXPECT_EQ(result.ending, ToolEnding::NotStarted);

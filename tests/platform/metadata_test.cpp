@@ -1,3 +1,4 @@
+#include "platform/linux/FileDescriptor.h"
 #include "platform/linux/TagLibMetadata.h"
 #include "support/Printers.h"
 
@@ -9,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/inotify.h>
 #include <sys/stat.h>
 #include <taglib/fileref.h>
 #include <taglib/tpropertymap.h>
@@ -175,4 +177,15 @@ TEST_F(MetadataTest, OpensRegularFilesOnly) {
   EXPECT_FALSE(metadata.read(path(u"pipe.mp3"_s))); // and does not wait for a writer
   ASSERT_TRUE(QFile::link(u"/dev/zero"_s, path(u"zero.mp3"_s)));
   EXPECT_FALSE(metadata.read(path(u"zero.mp3"_s)));
+}
+
+// A device may act when it is opened: a tape rewinds, a serial line rings.
+TEST_F(MetadataTest, DoesNotEvenOpenWhatIsNoRegularFile) {
+  const QByteArray pipe = path(u"pipe.mp3"_s).toUtf8();
+  ASSERT_EQ(::mkfifo(pipe.constData(), 0600), 0);
+  const FileDescriptor watch(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
+  ASSERT_GE(::inotify_add_watch(watch.get(), pipe.constData(), IN_OPEN), 0);
+  EXPECT_FALSE(metadata.read(path(u"pipe.mp3"_s)));
+  char event[512];
+  EXPECT_LT(::read(watch.get(), event, sizeof event), 0) << "it was opened";
 }

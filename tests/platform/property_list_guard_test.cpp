@@ -143,6 +143,38 @@ TEST(XmlPropertyListGuard, RefusesMoreValuesThanMemoryShouldHold) {
   EXPECT_REFUSED(listOf("<array>" + QByteArray("<true/>").repeated(4'000'001) + "</array>"), "more than 4000000");
 }
 
+// The parser moves the rest of a text for each entity, and looks through a row of keys for each new one.
+TEST(XmlPropertyListGuard, RefusesTextsThatTheParserWouldTakeHoursFor) {
+  const auto text = [](int entities) {
+    return listOf("<string>" + QByteArray("&amp;").repeated(entities) + "</string>");
+  };
+  EXPECT_EQ(refusalOf(text(20'000)), QString());
+  EXPECT_REFUSED(text(200'000), "too many entities");
+  EXPECT_REFUSED(
+      listOf("<array>" + ("<string>" + QByteArray("&lt;").repeated(50'000) + "</string>").repeated(40) + "</array>"),
+      "too many entities");
+  // Many short texts with an entity each are an ordinary list.
+  EXPECT_EQ(refusalOf(listOf(
+                "<array>" +
+                QByteArray("<string>/Music/Mac/Rock &amp; Roll/01 Salt &amp; Pepper.mp3</string>").repeated(200'000) +
+                "</array>")),
+            QString());
+}
+
+TEST(XmlPropertyListGuard, RefusesDictionariesThatTheParserWouldTakeMinutesFor) {
+  const auto dictionary = [](int keys) {
+    QByteArray entries;
+    for (int i = 0; i < keys; ++i) {
+      entries += "<key>" + QByteArray::number(i) + "</key><true/>";
+    }
+    return "<dict>" + entries + "</dict>";
+  };
+  EXPECT_EQ(refusalOf(listOf(dictionary(100'000))), QString()); // a photo library twice the largest one known
+  EXPECT_REFUSED(listOf(dictionary(320'000)), "too many keys");
+  EXPECT_REFUSED(listOf("<array>" + dictionary(190'000).repeated(3) + "</array>"), "too many keys");
+  EXPECT_EQ(refusalOf(listOf("<array>" + dictionary(5).repeated(100'000) + "</array>")), QString());
+}
+
 TEST(BinaryPropertyListGuard, PassesSmallLists) {
   EXPECT_EQ(refusalOf(binaryListOf({"\x53"
                                     "abc"})),

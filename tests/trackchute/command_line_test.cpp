@@ -49,6 +49,7 @@ TEST(CommandLine, RefusesWithAReason) {
   EXPECT_EQ(refusal({"--playlist"}), u"--playlist needs a name"_s);
   EXPECT_EQ(refusal({"--playlist", "Party"}), u"there is no file to drop"_s);
   EXPECT_EQ(refusal({"a.mp3"}), u"\"a.mp3\" is not understood; see trackchute --help"_s);
+  EXPECT_EQ(refusal({"--playlist", "caf\xE9", "a.mp3"}), u"the name is not UTF-8"_s);
   EXPECT_EQ(refusal({"--playlist", "Red", "a.mp3"}),
             u"\"Red\" has a meaning of its own and cannot name a playlist"_s);
 }

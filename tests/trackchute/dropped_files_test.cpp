@@ -49,6 +49,16 @@ TEST_F(DroppedFilesTest, PathsAreAbsoluteAndClean) {
   EXPECT_EQ(found.paths, QStringList{path(u"album/a.mp3"_s)});
 }
 
+// Behind a link ".." is the folder that the file system says, not the one that the text says.
+TEST_F(DroppedFilesTest, DotsBehindALinkLeadToTheFileThatWasMeant) {
+  file("disk/song.mp3");
+  file("disk/albums/other.mp3");
+  file("song.mp3");
+  fs::create_directory_symlink(m_folder / "disk/albums", m_folder / "link");
+  const auto found = expandDroppedFiles(std::vector{m_folder.string() + "/link/../song.mp3"});
+  EXPECT_EQ(found.paths, QStringList{path(u"disk/song.mp3"_s)});
+}
+
 TEST_F(DroppedFilesTest, FoldersAreExpandedInNaturalOrder) {
   for (const char *name :
        {"album/10 ten.mp3", "album/2 two.mp3", "album/CD 1/b.mp3", "album/1 one.mp3", "album/.hidden"}) {

@@ -88,10 +88,16 @@ ToolResult LinuxProcesses::runRemoval(const ToolRequest &request, const QByteArr
       command.arguments.append(argument.toUtf8());
       continue;
     }
-    // The embedded product's point is a link, which must not be taken for a file.
+    // The embedded product's point is a link, which must not be taken for a file; and what lies below a point that is
+    // not mounted is a person's own.
     const QString name = PathMap::volumeName(*clean);
-    if (!name.isEmpty() && PathMap::belowVolume(*clean).isEmpty() && m_volumes.mounted(name)) {
+    const bool isPoint = PathMap::belowVolume(*clean).isEmpty();
+    const bool isMounted = !name.isEmpty() && m_volumes.mounted(name);
+    if (isPoint && isMounted) {
       return ended(1, "the volume is in use\n");
+    }
+    if (!isPoint && !isMounted) {
+      return ended(1, "the volume is not mounted\n");
     }
     command.arguments.append(hostArgument(m_volumes.map(), *clean));
   }

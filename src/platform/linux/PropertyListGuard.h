@@ -11,6 +11,10 @@ namespace sonorel {
 
 inline constexpr qsizetype kPropertyListObjects = 4'000'000;       // values and keys of an XML list
 inline constexpr qsizetype kBinaryPropertyListObjects = 1'000'000; // of a binary one, shared ones counted each time
+// What the parser spends more on than the size of a list says, bounded to a few seconds: the bytes that it moves for
+// the entities of a text, and the keys of a dictionary times themselves.
+inline constexpr quint64 kPropertyListMovedBytes = 20'000'000'000;
+inline constexpr quint64 kPropertyListComparedKeys = 100'000'000'000;
 
 // "bplist" at the front.
 [[nodiscard]] bool isBinaryPropertyList(QByteArrayView bytes);

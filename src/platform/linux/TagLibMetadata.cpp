@@ -115,10 +115,15 @@ TrackTags tagsOf(TagLib::File &file) {
   return tags;
 }
 
-// O_NONBLOCK: opening a FIFO must not wait for a writer.
+// Devices can react to being opened, so the kind is looked at before as well as after; O_NONBLOCK: opening a FIFO
+// that has taken the name meanwhile must not wait for a writer.
 FileDescriptor openRegularFile(const QString &hostPath) {
-  FileDescriptor file(::open(hostPath.toUtf8().constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  const QByteArray name = hostPath.toUtf8();
   struct stat status {};
+  if (::stat(name.constData(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    return {};
+  }
+  FileDescriptor file(::open(name.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   if (!file.isOpen() || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
     return {};
   }

@@ -58,7 +58,8 @@ public:
 private:
   struct Open {
     Element element;
-    qsizetype values = 0;  // children, keys not counted
+    qsizetype values = 0; // children, keys not counted
+    qsizetype keys = 0;
     bool keyGiven = false; // in a dictionary: a key waits for its value
   };
   struct Tag {
@@ -70,6 +71,8 @@ private:
   QByteArrayView m_bytes;
   qsizetype m_at = 0;
   qsizetype m_objects = 0;
+  quint64 m_movedBytes = 0;
+  quint64 m_comparedKeys = 0;
   std::vector<Open> m_open;
   bool m_ended = false;
 
@@ -163,7 +166,7 @@ private:
     if (parent.element == Element::Plist && parent.values > 0) {
       refuse(u"the list holds more than one value"_s);
     }
-    parent.values += element == Element::Key ? 0 : 1;
+    ++(element == Element::Key ? parent.keys : parent.values);
   }
 
   void closeContainer(Element element) {
@@ -177,6 +180,9 @@ private:
     if (element == Element::Plist && open.values == 0) {
       refuse(u"the list holds no value"_s);
     }
+    const auto keys = static_cast<quint64>(open.keys);
+    m_comparedKeys += keys * keys;
+    require(m_comparedKeys <= kPropertyListComparedKeys, u"its dictionaries hold too many keys"_s);
     m_open.pop_back();
     m_ended = m_open.empty();
   }
@@ -204,7 +210,7 @@ private:
     checkText(element, text);
   }
 
-  void checkText(Element element, QByteArrayView text) const {
+  void checkText(Element element, QByteArrayView text) {
     switch (element) {
     case Element::Key:
     case Element::String:
@@ -233,13 +239,14 @@ private:
     }
   }
 
-  void checkEntities(QByteArrayView text) const {
-    if (text.contains("<![CDATA[")) {
-      return;
-    }
+  void checkEntities(QByteArrayView text) {
+    const bool isPlain = !text.contains("<![CDATA[");
     for (qsizetype i = text.indexOf('&'); i >= 0; i = text.indexOf('&', i + 1)) {
-      const qsizetype end = text.indexOf(';', i);
-      require(end >= 0 && isListEntity(text.sliced(i + 1, end - i - 1)), u"a text holds an unknown entity"_s);
+      m_movedBytes += static_cast<quint64>(text.size() - i);
+      require(m_movedBytes <= kPropertyListMovedBytes, u"its texts hold too many entities"_s);
+      const qsizetype end = isPlain ? text.indexOf(';', i) : i;
+      require(!isPlain || (end >= 0 && isListEntity(text.sliced(i + 1, end - i - 1))),
+              u"a text holds an unknown entity"_s);
     }
   }
 
