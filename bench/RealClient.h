@@ -67,7 +67,7 @@ public:
   TransferBoard board;
   Settings settings{files, propertyLists, roots.data + QStringLiteral("/MacClientProperty")};
   Strings strings{files, propertyLists, test::resourceFolder()};
-  MessageLog log{[this](const QString &text) { view.fillMessageLog(text); }};
+  MessageLog log{[this] { view.fillMessageLog([this] { return log.viewText(); }); }};
   MetadataCache cache{files, metadata};
   TransferTools tools{files, processes, clock, desktop, cache, board};
   Transfer transfer{tools, test::standardFolders()};

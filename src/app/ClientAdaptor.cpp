@@ -1,6 +1,7 @@
 #include "app/ClientAdaptor.h"
 
 #include "app/DoorErrors.h"
+#include "products/AddressField.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -9,20 +10,6 @@ namespace sonorel {
 namespace {
 
 constexpr int kLanguages = 13;
-constexpr qsizetype kLongestAddress = 15;
-
-// What the address field of the window would have let a person type.
-bool isTypableAddress(const QString &address) {
-  if (address.size() > kLongestAddress || address.count(u'.') > 3) {
-    return false;
-  }
-  for (const QChar character : address) {
-    if (character != u'.' && !(character >= u'0' && character <= u'9')) {
-      return false;
-    }
-  }
-  return true;
-}
 
 } // namespace
 
@@ -86,7 +73,7 @@ void ClientAdaptor::AddManualProduct(const QString &address, const QString &host
   }
   if (address.isEmpty() && hostName.isEmpty()) {
     refuse(m_door.bus(), message, DoorError::Invalid, u"an address or a host name is needed"_s);
-  } else if (!isTypableAddress(address)) {
+  } else if (!fitsAddressField(address)) {
     refuse(m_door.bus(), message, DoorError::Invalid, u"an address holds at most four numbers and three dots"_s);
   } else {
     m_door.actions().addManualProduct(address, hostName);

@@ -13,8 +13,6 @@
 #include <QObject>
 #include <QTimer>
 
-#include <optional>
-
 namespace sonorel {
 
 // The property Alert on the wire: (ussas).

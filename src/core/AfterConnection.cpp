@@ -1,5 +1,6 @@
 #include "core/AfterConnection.h"
 
+#include "core/state/DockImages.h"
 #include "core/state/ShareLayout.h"
 #include "products/PasswordArchive.h"
 
@@ -13,7 +14,6 @@ namespace {
 
 const auto kUnknownName = u"0"_s;
 const auto kDeviceConnected = u"DeviceConnected"_s;
-const auto kConnectImage = u"Connect"_s;
 
 } // namespace
 

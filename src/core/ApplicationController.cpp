@@ -58,6 +58,10 @@ void ApplicationController::reopen(bool hasVisibleWindows) {
        [hasVisibleWindows](ShareRoles &share) { share.events.applicationShouldHandleReopen(hasVisibleWindows); });
 }
 
+void ApplicationController::windowWillClose() {
+  post(u"windowWillClose"_s, [](ShareRoles &share) { share.events.windowWillClose(); });
+}
+
 void ApplicationController::openFiles(const QStringList &paths) {
   post(u"openFiles"_s, [this, paths](ShareRoles &share) {
     share.intake.openFiles();
@@ -90,11 +94,17 @@ void ApplicationController::help() {
 }
 
 void ApplicationController::products() {
-  m_roles->interface.selectTab(Tab::Connection);
+  showTab(Tab::Connection);
 }
 
 void ApplicationController::preferences() {
-  m_roles->interface.selectTab(Tab::Preferences);
+  showTab(Tab::Preferences);
+}
+
+// The menu that asks for it is there also while the window is hidden.
+void ApplicationController::showTab(Tab tab) {
+  m_roles->interface.selectTab(tab);
+  m_roles->interface.windowFrontCentre();
 }
 
 void ApplicationController::answerAlert(quint32 serial, int button) {

@@ -42,6 +42,7 @@ public:
 
   // --- what is asked from outside ---
   void reopen(bool hasVisibleWindows); // a click on the dock icon
+  void windowWillClose();              // hides it
   void openFiles(const QStringList &paths);
   void connect();
   void disconnect();
@@ -81,6 +82,7 @@ public:
   [[nodiscard]] QString getAlbum() const;
 
 private:
+  void showTab(Tab tab);
   // On the controller's thread; dropped before `init` has made the roles and after the end.
   void post(const QString &name, std::function<void(ShareRoles &)> operation);
 

@@ -1,5 +1,6 @@
 #include "core/ApplicationEvents.h"
 
+#include "core/state/DockImages.h"
 #include "core/state/Report.h"
 
 #include <utility>
@@ -7,12 +8,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
-
-namespace {
-
-const auto kQuittingImage = u"NewAppIcon"_s;
-
-} // namespace
 
 ApplicationEvents::ApplicationEvents(ConnectFlow &connectFlow, const ConnectParts &parts, Settings &preferences,
                                      Clock &clock, Desktop &desktop, Hooks hooks)
@@ -92,7 +87,7 @@ void ApplicationEvents::reopen() {
     m_parts.interface.selectTab(Tab::Transfer);
   } else {
     m_parts.interface.selectTab(Tab::About);
-    m_parts.interface.setDockIcon(connected ? u"Connect"_s : u"Disconnect"_s);
+    m_parts.interface.setDockIcon(connected ? kConnectImage : kDisconnectImage);
   }
   m_parts.interface.windowFrontCentre();
   m_hooks.killTrackChuteAndLaunch();

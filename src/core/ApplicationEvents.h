@@ -4,7 +4,6 @@
 
 #include "core/ConnectFlow.h"
 #include "core/state/Settings.h"
-#include "core/state/Strings.h"
 #include "platform/Clock.h"
 #include "platform/Desktop.h"
 

@@ -1,6 +1,6 @@
 #include "core/AutomaticConnection.h"
 
-using namespace Qt::Literals::StringLiterals;
+#include "core/state/DockImages.h"
 
 namespace sonorel {
 
@@ -28,12 +28,12 @@ void AutomaticConnection::run() {
 }
 
 void AutomaticConnection::showNotConnected() {
-  m_view.setDockIcon(u"Disconnect"_s);
+  m_view.setDockIcon(kDisconnectImage);
   m_view.selectTab(Tab::Connection);
 }
 
 void AutomaticConnection::failed() {
-  m_view.setDockIcon(u"Disconnect"_s);
+  m_view.setDockIcon(kDisconnectImage);
   if (m_hooks.givenUp()) {
     return;
   }

@@ -28,6 +28,26 @@ QString cleanedBundlePath(QString path) {
   return path;
 }
 
+// The settings that are carried over. Everybody may write that file: a value of the wrong type counts as missing.
+QVariantMap carriedSettings(const QVariantMap &machine) {
+  const auto isText = [](const QVariant &value) { return value.typeId() == QMetaType::QString; };
+  const auto isData = [](const QVariant &value) { return value.typeId() == QMetaType::QByteArray; };
+  QVariantMap carried;
+  for (const QString &key : {u"IPAddress"_s, u"Username"_s}) {
+    if (isText(machine.value(key))) {
+      carried.insert(key, machine.value(key));
+    }
+  }
+  // A password that somebody wrote by hand is a text.
+  if (const QVariant password = machine.value(u"Password"_s); isData(password) || isText(password)) {
+    carried.insert(u"Password"_s, password);
+  }
+  if (const QVariant addressFile = machine.value(u"MACAdress"_s); isData(addressFile)) {
+    carried.insert(u"MACAdress"_s, addressFile);
+  }
+  return carried;
+}
+
 void copyWhenPresent(const QVariantMap &from, QVariantMap &to, const QString &key) {
   if (from.contains(key)) {
     to.insert(key, from.value(key));
@@ -102,31 +122,28 @@ void CarryOver::removeBundle(const QString &path) {
 
 void CarryOver::fromMachinePreferences() {
   const QVariantMap machine = m_machinePreferences.read().value_or(QVariantMap());
-  if (machine.contains(u"IPAddress"_s) && machine.contains(u"Password"_s) && machine.contains(u"Username"_s)) {
-    takeOver(machine);
+  const QVariantMap carried = carriedSettings(machine);
+  if (carried.contains(u"IPAddress"_s) && carried.contains(u"Password"_s) && carried.contains(u"Username"_s)) {
+    takeOver(carried);
   }
   m_files.removeTree(m_paths.machineFolder);
   m_files.createFolder(m_paths.machineFolder, kFolderMode);
   m_machinePreferences.write(machine, kFolderMode);
 }
 
-void CarryOver::takeOver(const QVariantMap &machine) {
-  m_settings.change([&](QVariantMap &settings) {
-    for (const QString &key : {u"IPAddress"_s, u"Password"_s, u"Username"_s, u"MACAdress"_s}) {
-      copyWhenPresent(machine, settings, key);
-    }
-  });
+void CarryOver::takeOver(const QVariantMap &carried) {
+  m_settings.change([&](QVariantMap &settings) { settings.insert(carried); });
   if (m_files.presence(m_paths.productsDetailsDictFilePath) == Presence::Absent) {
-    createProductList(machine);
+    createProductList(carried);
   }
 }
 
-void CarryOver::createProductList(const QVariantMap &machine) {
+void CarryOver::createProductList(const QVariantMap &carried) {
   QVariantMap record{{u"Is Selected"_s, u"No"_s},
                      {u"Detection Type"_s, u"1"_s},
-                     {u"Password"_s, machine.value(u"Password"_s)},
-                     {u"IP Address"_s, machine.value(u"IPAddress"_s)}};
-  const QString hardwareAddress = hardwareAddressIn(machine.value(u"MACAdress"_s).toByteArray());
+                     {u"Password"_s, carried.value(u"Password"_s)},
+                     {u"IP Address"_s, carried.value(u"IPAddress"_s)}};
+  const QString hardwareAddress = hardwareAddressIn(carried.value(u"MACAdress"_s).toByteArray());
   if (!hardwareAddress.isEmpty()) {
     record.insert(u"Mac Address"_s, hardwareAddress);
   }

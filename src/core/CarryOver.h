@@ -24,8 +24,8 @@ private:
   [[nodiscard]] QString earlierBundle(const QString &receipt);
   void saveForNewInstallation();
   void removeBundle(const QString &path);
-  void takeOver(const QVariantMap &machine);
-  void createProductList(const QVariantMap &machine);
+  void takeOver(const QVariantMap &carried);
+  void createProductList(const QVariantMap &carried);
 
   FileSystem &m_files;
   PropertyLists &m_lists;

@@ -1,6 +1,7 @@
 #include "core/ConnectFlow.h"
 
 #include "core/EscapeSequences.h"
+#include "core/state/DockImages.h"
 #include "core/state/Report.h"
 #include "platform/Failure.h"
 
@@ -9,13 +10,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
-
-namespace {
-
-const auto kConnectImage = u"Connect"_s;
-const auto kDisconnectImage = u"Disconnect"_s;
-
-} // namespace
 
 ConnectFlow::ConnectFlow(const ConnectionTools &tools, const ConnectParts &parts, QString mainDictPath, Hooks hooks)
     : m_tools(tools), m_parts(parts), m_mainDictPath(std::move(mainDictPath)), m_hooks(std::move(hooks)) {}

@@ -70,7 +70,7 @@ void DeviceName::storeHardwareAddress() {
   m_settings.setAndSave(u"MACAdress"_s, bytes);
   QVariantMap machine = m_machinePreferences.read().value_or(QVariantMap());
   machine.insert(u"MACAdress"_s, bytes);
-  m_machinePreferences.write(machine);
+  m_machinePreferences.write(machine, m_machinePreferences.exists() ? std::nullopt : std::optional(kFolderMode));
 }
 
 } // namespace sonorel

@@ -1,5 +1,7 @@
 #include "core/InterfaceController.h"
 
+#include "core/state/DockImages.h"
+
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -9,9 +11,6 @@ namespace sonorel {
 namespace {
 
 constexpr int kNoAnswer = -1;
-const auto kConnectImage = u"Connect"_s;
-const auto kDisconnectImage = u"Disconnect"_s;
-const auto kTransferIcon = u"Transfer"_s; // names no image
 
 } // namespace
 
@@ -69,8 +68,44 @@ template <typename Value> void InterfaceController::put(Value UserInterfaceState
 
 // --- View ---
 
-void InterfaceController::fillMessageLog(const QString &text) {
-  enqueue([this, text] { put(&UserInterfaceState::messageLog, text); });
+// Thousands of messages may come while this thread is busy: each would carry the whole log.
+void InterfaceController::fillMessageLog(std::function<QString()> text) {
+  std::shared_ptr<LogText> waiting;
+  {
+    const std::lock_guard lock(m_mutex);
+    if (m_waitingLog) {
+      *m_waitingLog = std::move(text);
+      return;
+    }
+    waiting = m_waitingLog = std::make_shared<LogText>(std::move(text));
+  }
+  enqueue([this, waiting] { showLog(waiting); });
+}
+
+void InterfaceController::showLog(const std::shared_ptr<LogText> &text) {
+  LogText last;
+  {
+    const std::lock_guard lock(m_mutex);
+    if (m_waitingLog == text) {
+      m_waitingLog.reset();
+    }
+    last = *text;
+  }
+  put(&UserInterfaceState::messageLog, last());
+}
+
+// What is told next must not show a log that came later.
+void InterfaceController::keepWaitingLog() {
+  std::shared_ptr<LogText> waiting;
+  {
+    const std::lock_guard lock(m_mutex);
+    waiting = std::exchange(m_waitingLog, nullptr);
+  }
+  if (waiting) {
+    LogText kept = [text = (*waiting)()] { return text; };
+    const std::lock_guard lock(m_mutex);
+    *waiting = std::move(kept);
+  }
 }
 
 void InterfaceController::windowFrontCentre() {
@@ -139,6 +174,7 @@ void InterfaceController::transferStateChanged() {
 }
 
 void InterfaceController::transferComplete() {
+  keepWaitingLog();
   enqueue([this] {
     publish();
     m_userInterface.transferComplete();
@@ -211,6 +247,7 @@ void InterfaceController::setProducts(const ProductTables &tables) {
     put(&UserInterfaceState::detectedProducts, tables.detected);
     put(&UserInterfaceState::addedProducts, tables.added);
     put(&UserInterfaceState::selectedProducts, tables.selected);
+    put(&UserInterfaceState::activeProduct, static_cast<int>(tables.active));
   });
 }
 

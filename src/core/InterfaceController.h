@@ -14,6 +14,7 @@
 
 #include <chrono>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -30,7 +31,7 @@ public:
   InterfaceController &operator=(const InterfaceController &) = delete;
 
   // --- View ---
-  void fillMessageLog(const QString &text) override;
+  void fillMessageLog(std::function<QString()> text) override;
   void windowFrontCentre() override;
   void setEnableDisableCancelBtn(bool enabled) override;
   void setHighlightCancelBtn(bool highlighted) override;
@@ -73,7 +74,11 @@ private:
     std::function<void(int)> answered;
   };
 
+  using LogText = std::function<QString()>;
+
   void enqueue(std::function<void()> change);
+  void showLog(const std::shared_ptr<LogText> &text);
+  void keepWaitingLog();
   template <typename Value> void put(Value UserInterfaceState::*field, const Value &value);
   void publish();
   void showImage(const QString &image);
@@ -86,9 +91,10 @@ private:
   const TransferBoard &m_board;
   const Strings &m_strings;
 
-  std::mutex m_mutex; // guards the two below
+  std::mutex m_mutex; // guards everything down to the empty line
   std::vector<std::function<void()>> m_wanted;
   bool m_posted = false;
+  std::shared_ptr<LogText> m_waitingLog; // wanted and not yet in effect; null: none, or one that must stay as it is
 
   // Controller's thread.
   UserInterfaceState m_state;

@@ -19,7 +19,7 @@ Roles::Roles(const Platform &given, const ControllerValues &givenValues)
       preferences(platform.files, platform.propertyLists, paths.preferences),
       strings(platform.files, platform.propertyLists, paths.resourceFilePath),
       interface(platform.loop, platform.userInterface, board, strings),
-      log([this](const QString &text) { interface.fillMessageLog(text); }),
+      log([this] { interface.fillMessageLog([this] { return log.viewText(); }); }),
       system(platform.runningApplications, platform.processes, platform.scripts, platform.desktop, platform.loop,
              settings, paths),
       startUp(platform, paths, {settings, preferences, strings, session}, system, interface, steps()),

@@ -2,7 +2,6 @@
 
 #include "core/AwaitTransfer.h"
 #include "core/Roles.h"
-#include "core/state/Report.h"
 #include "favourites/AlbumNames.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -40,7 +39,8 @@ ShareRoles::ShareRoles(Roles &owner)
                                                                                   owner.platform.clock,
                                                                                   owner.platform.desktop,
                                                                                   metadataCache,
-                                                                                  owner.board},
+                                                                                  owner.board,
+                                                                                  owner.values.homePath},
       transfer(transferTools, folders),
       driver(transferTools, transfer, owner.log, owner.strings, owner.session, owner.interface, owner.platform.worker,
              folders, owner.paths.mainDictPath, driverHooks()),

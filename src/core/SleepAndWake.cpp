@@ -1,5 +1,6 @@
 #include "core/SleepAndWake.h"
 
+#include "core/state/DockImages.h"
 #include "core/state/ShareLayout.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -48,7 +49,7 @@ void SleepAndWake::afterWakeup() {
   } else {
     m_view.selectTab(Tab::Connection);
   }
-  m_view.setDockIcon(u"Disconnect"_s);
+  m_view.setDockIcon(kDisconnectImage);
   m_view.setProgressBar(0);
   m_countCanSleepEvent = 0;
 }

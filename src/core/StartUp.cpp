@@ -92,7 +92,7 @@ void StartUp::createFolderIfMissing(const QString &path) {
 
 void StartUp::loadPreferences() {
   const QString oddity = m_state.preferences.load();
-  if (m_platform.files.presence(m_paths.preferences) == Presence::Present) {
+  if (m_platform.files.presence(m_paths.preferences) != Presence::Absent) {
     if (!oddity.isEmpty()) {
       m_platform.desktop.log(oddity);
     }

@@ -29,6 +29,7 @@ struct UserInterfaceState {
   QStringList detectedProducts;
   QStringList addedProducts;
   QStringList selectedProducts;
+  int activeProduct = -1; // the selected row that gets the check mark while connected; -1: none
 };
 
 struct Question {

@@ -55,6 +55,12 @@ public:
   void AddManuallyAddedProductToProductsList(const ProductRow &row);
   void RemoveAManualProductFromList(const ProductRow &row);
 
+  // --- for discovery ---
+  // Replaces every equal detected record, or is appended; renews the same product among the selected ones.
+  void addDetectedDevice(const ProductRecord &record);
+  // The first detected record with this hardware address, else the first with this serial number.
+  void removeDetectedDevice(const QString &macAddress, const QString &serialNumber);
+
   // --- for the selection ---
   [[nodiscard]] std::optional<ProductRecord> selectedProduct(const ProductRow &row);
   // Makes that row the active one; nothing when there is no such row or the file could not be written.

@@ -1,6 +1,6 @@
 // The product list file: read whole, changed in memory, written back whole beside and by renaming, for this user
 // only. A file that cannot be parsed is set aside before anything is written. Controller's thread; blocks on the
-// disk. Format: docs/formats/products.md.
+// disk. Format: docs/product-list.md. Read next: ProductRecord.h, which holds the keys.
 #pragma once
 
 #include "platform/Desktop.h"

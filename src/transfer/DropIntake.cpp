@@ -155,12 +155,23 @@ QString DropIntake::pictureAlbumName(const QString &name) const {
   return colourNameOfMarker(name);
 }
 
+// Without a thread there is no transfer, and the next drop must be able to start one.
+void DropIntake::startTransfer() {
+  try {
+    m_hooks.startTransfer();
+  } catch (const std::exception &) {
+    (void)m_board.finish();
+    m_view.transferStateChanged();
+    throw;
+  }
+}
+
 void DropIntake::handOver(const Drop &drop) {
   switch (m_board.offer(drop)) {
   case DropAnswer::Started:
     m_view.setProgressBar(0);
     m_view.transferStateChanged();
-    m_hooks.startTransfer();
+    startTransfer();
     break;
   case DropAnswer::Refused:
     m_log.showOnly(m_strings.text(u"Message11"_s));

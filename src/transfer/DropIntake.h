@@ -52,6 +52,7 @@ private:
   void addFile(Drop &drop, const QString &name, const QString &path);
   [[nodiscard]] QString pictureAlbumName(const QString &name) const;
   void handOver(const Drop &drop);
+  void startTransfer();
 
   FileSystem &m_files;
   TransferBoard &m_board;

@@ -13,11 +13,14 @@ constexpr std::array<QStringView, 14> kPhotoOrVideo{u"jpeg", u"jpg",  u"gif", u"
 constexpr std::array<QStringView, 2> kBookmark{u"webloc", u"url"};
 
 template <size_t N> bool holds(const std::array<QStringView, N> &table, QStringView extension) {
-  return std::any_of(table.begin(), table.end(),
-                     [&](QStringView known) { return known.compare(extension, Qt::CaseInsensitive) == 0; });
+  return std::any_of(table.begin(), table.end(), [&](QStringView known) { return checkFileType(extension, known); });
 }
 
 } // namespace
+
+bool checkFileType(QStringView extension, QStringView fileType) {
+  return extension.compare(fileType, Qt::CaseInsensitive) == 0;
+}
 
 FileType fileTypeOf(QStringView extension) {
   if (holds(kSound, extension)) {

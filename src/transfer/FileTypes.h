@@ -7,6 +7,7 @@ namespace sonorel {
 
 enum class FileType { Sound, PhotoOrVideo, Bookmark, Invalid };
 
+[[nodiscard]] bool checkFileType(QStringView extension, QStringView fileType);
 [[nodiscard]] FileType fileTypeOf(QStringView extension);
 
 } // namespace sonorel

@@ -74,9 +74,18 @@ void Transfer::createFolderIfMissing(const QString &path) {
   }
 }
 
-void Transfer::createFoldersOf(const QString &relativeName) {
+// A product that was never filled has not even the folder above it.
+void Transfer::createMusicFolder() {
+  const QString music = m_folders.music();
+  if (!isFolder(m_tools.files, music.chopped(music.endsWith(u'/') ? 1 : 0))) {
+    const QString below = m_folders.share() + u'/';
+    createFoldersOf(below, music.mid(below.size()));
+  }
+}
+
+void Transfer::createFoldersOf(const QString &base, const QString &relativeName) {
   for (qsizetype slash = relativeName.indexOf(u'/'); slash >= 0; slash = relativeName.indexOf(u'/', slash + 1)) {
-    createFolderIfMissing(m_folders.music() + relativeName.left(slash));
+    createFolderIfMissing(base + relativeName.left(slash));
   }
 }
 
@@ -95,7 +104,7 @@ bool Transfer::transferSoundFile(const QString &sourcePath, const QString &chang
   track.parenthesised = withExtension(u'(' + nameWithoutExtension(sourcePath) + u')', pathExtension(sourcePath));
   track.olderName = cleanedName(changeSongFileNameOlderWay(sourcePath, m_tools.metadata.tags(sourcePath)));
 
-  createFolderIfMissing(music.chopped(music.endsWith(u'/') ? 1 : 0));
+  createMusicFolder();
   m_asciiFileName = music + withinNameLimit(track.newName);
   m_nonAsciiFileName = music + track.ownName;
   if (exists(m_asciiFileName)) {
@@ -122,14 +131,14 @@ bool Transfer::placeInHierarchy(const Track &track) {
   const QString hierarchy = hierarchyFolder(track.source, track.useArtistFolder);
 
   const QString older = shortenedRelativeName(hierarchy + track.olderName);
-  createFoldersOf(older);
+  createFoldersOf(music, older);
   m_asciiFileName = music + older;
   if (exists(m_asciiFileName)) {
     return settleOn(track, m_asciiFileName, true);
   }
 
   const QString newer = shortenedRelativeName(hierarchy + track.newName);
-  createFoldersOf(newer);
+  createFoldersOf(music, newer);
   const QString folder = music + newer.left(newer.lastIndexOf(u'/') + 1);
   const QString newFile = music + newer;
   const QString ownFile = folder + track.ownName;
@@ -168,6 +177,9 @@ bool Transfer::copyIntoHierarchy(const Track &track, const QString &folder, cons
 
 // Nothing stood there before the copy, so what a failed one left is half a track, which players would show.
 void Transfer::removeRemains(const QString &file) {
+  if (m_tools.files.presence(file) == Presence::Absent) {
+    return; // a name that the share does not take leaves nothing
+  }
   try {
     m_tools.files.removeFile(file);
   } catch (const Failure &failure) {
@@ -184,15 +196,10 @@ bool Transfer::settleOn(const Track &track, const QString &file, bool useFolderH
     record(track, file);
     return false;
   }
-  bool removed = true;
-  try {
-    m_tools.files.removeFile(file);
-  } catch (const Failure &failure) {
-    if (failure.kind() == FailureKind::Unknown) {
-      throw;
-    }
-    removed = false;
-    m_tools.desktop.log(u"%1 could not be removed: %2"_s.arg(file, failure.reason()));
+  const bool removed = removeOld(file);
+  // What cannot be removed is copied over all the same, but a folder would take the copy inside.
+  if (!removed && isFolder(m_tools.files, file)) {
+    return false;
   }
   if (!m_tools.clock.sleep(kPauseAfterRemoval, m_stop)) {
     return false;
@@ -205,6 +212,19 @@ bool Transfer::settleOn(const Track &track, const QString &file, bool useFolderH
     removeRemains(file);
   }
   return false;
+}
+
+bool Transfer::removeOld(const QString &file) {
+  try {
+    m_tools.files.removeFile(file);
+  } catch (const Failure &failure) {
+    if (failure.kind() == FailureKind::Unknown) {
+      throw;
+    }
+    m_tools.desktop.log(u"%1 could not be removed: %2"_s.arg(file, failure.reason()));
+    return false;
+  }
+  return true;
 }
 
 bool Transfer::copyTo(const Track &track, const QString &file) {

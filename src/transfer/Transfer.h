@@ -27,6 +27,7 @@ struct TransferTools {
   Desktop &desktop;
   MetadataCache &metadata;
   TransferBoard &board;
+  QString homePath = {}; // the user's home folder, no "/" at its end
 };
 
 // What stands beside a track once it is placed: album artwork. Mode 1 embeds before the copy, mode 2 places a
@@ -72,12 +73,14 @@ private:
 
   [[nodiscard]] bool exists(const QString &path);
   void createFolderIfMissing(const QString &path);
-  void createFoldersOf(const QString &relativeName);
+  void createMusicFolder();
+  void createFoldersOf(const QString &base, const QString &relativeName);
   [[nodiscard]] bool settleOn(const Track &track, const QString &file, bool useFolderHierarchy);
   [[nodiscard]] bool copyTo(const Track &track, const QString &file);
   [[nodiscard]] bool placeInHierarchy(const Track &track);
   [[nodiscard]] bool copyIntoHierarchy(const Track &track, const QString &folder, const QString &newFile);
   void removeRemains(const QString &file);
+  [[nodiscard]] bool removeOld(const QString &file);
   void artworkAction(const Track &track, const QString &file, bool useFolderHierarchy);
   void record(const Track &track, const QString &file);
 

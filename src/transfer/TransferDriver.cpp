@@ -2,6 +2,7 @@
 
 #include "core/state/Report.h"
 #include "transfer/PathNames.h"
+#include "transfer/TemporaryDragFiles.h"
 #include "transfer/TrackNames.h"
 
 #include <QScopeGuard>
@@ -15,6 +16,15 @@ namespace {
 constexpr quint64 kSmallestSound = 0x1FFFF; // a sound file must be larger
 constexpr quint64 kSmallestWav = 0x4FFFFF;
 constexpr int kArtworkBeside = 2;
+
+// A source that cannot be looked at is as good as missing: nothing on the share hangs on it.
+std::optional<FileAttributes> sourceFacts(FileSystem &files, const QString &path, Links links) {
+  try {
+    return files.attributes(path, links);
+  } catch (const Failure &) {
+    return std::nullopt;
+  }
+}
 
 } // namespace
 
@@ -36,7 +46,9 @@ TransferDriver::TransferDriver(const TransferTools &tools, Transfer &transfer, M
 void TransferDriver::startTransfer() {
   m_worker.join(); // the last step of an earlier transfer takes the mark away
   m_isAtWork = true;
+  auto notStarted = qScopeGuard([this] { m_isAtWork = false; });
   m_worker.start([this](std::stop_token stop) { transferToVaultbox(std::move(stop)); });
+  notStarted.dismiss();
 }
 
 void TransferDriver::transferToVaultbox(std::stop_token stop) {
@@ -120,7 +132,7 @@ TransferDriver::After TransferDriver::carryItem(const QueueEntry &entry) {
   m_view.setHighlightCancelBtn(true);
   m_view.setLanguageEnabled(false);
   m_transfer.isValidFile(item.extension);
-  item.isAppleLossless = item.extension.compare(u"m4a", Qt::CaseInsensitive) == 0 && checkAppleLossless(item.path);
+  item.isAppleLossless = checkFileType(item.extension, u"m4a") && checkAppleLossless(item.path);
   if (m_tools.board.track(m_trackCounter) == item.path) {
     ++m_trackCounter;
     item.hierarchyFlag = 1;
@@ -135,9 +147,15 @@ TransferDriver::After TransferDriver::carryItem(const QueueEntry &entry) {
     rejectItem(item);
   }
   if (after == After::NextItem) {
-    setProgress(static_cast<double>(m_place + entry.places()) * 100.0 / static_cast<double>(m_tools.board.places()));
+    showProgressBehind(entry);
   }
   return after;
+}
+
+void TransferDriver::showProgressBehind(const QueueEntry &entry) {
+  const qsizetype done = m_place + entry.places();
+  const qsizetype all = qMax(done, m_tools.board.places()); // a wake may have emptied the queue
+  setProgress(static_cast<double>(done) * 100.0 / static_cast<double>(all));
 }
 
 TransferDriver::After TransferDriver::carrySound(const Item &item) {
@@ -153,8 +171,12 @@ TransferDriver::After TransferDriver::carrySound(const Item &item) {
 }
 
 TransferDriver::After TransferDriver::copySound(const Item &item) {
-  const auto facts = m_tools.files.attributes(item.path, Links::Follow);
-  const quint64 size = facts ? facts->size : 0;
+  const auto facts = sourceFacts(m_tools.files, item.path, Links::Follow);
+  if (!facts) {
+    reportMissing(item.path);
+    return After::NextItem;
+  }
+  const quint64 size = facts->size;
   const bool isWav = item.extension == u"wav";
   if (size <= kSmallestSound && !isWav) {
     showMessage(withFileName(message(u"Message15"_s), item.name));
@@ -199,10 +221,11 @@ TransferDriver::After TransferDriver::copySound(const Item &item) {
 
 bool TransferDriver::isVaultboxDiskFree(const QString &sourcePath) {
   const QString vaultboxDiskPath = m_folders.share();
-  const auto facts = m_tools.files.attributes(sourcePath, Links::NoFollow);
+  const auto facts = sourceFacts(m_tools.files, sourcePath, Links::NoFollow);
   const auto volume = m_tools.files.volume(vaultboxDiskPath);
   m_isNetworkAlive = m_hooks.isConnected();
-  return facts && volume && volume->mountRoot == vaultboxDiskPath && facts->size < volume->freeBytes;
+  const quint64 size = facts ? facts->size : 0; // a missing source is not the disk's fault
+  return volume && volume->mountRoot == vaultboxDiskPath && size < volume->freeBytes;
 }
 
 bool TransferDriver::checkAppleLossless(const QString &path) {
@@ -255,6 +278,9 @@ void TransferDriver::rejectItem(const Item &item) {
     return;
   }
   showMessage(withFileName(message(u"Message5"_s), item.name));
+  if (item.extension == u"inetloc") {
+    removeTemporaryDragFile(m_tools.files, m_tools.desktop, m_tools.homePath, item.name);
+  }
 }
 
 void TransferDriver::reportMissing(const QString &path) {

@@ -71,12 +71,15 @@ private:
   // would not tell: a drop that came later has a worker of its own.
   [[nodiscard]] bool finishTransferHandler();
   [[nodiscard]] bool cleanUpAfterException(const std::exception &exception);
+  void removeMainDictionary();
 
   // --- messages ---
   [[nodiscard]] QString message(const QString &key);
-  void showMessage(const QString &text); // appended, shown, then the line end
+  void showMessage(const QString &text);           // appended, shown, then the line end
+  void showWithRemainingList(const QString &text); // a block of its own
   [[nodiscard]] bool appendRemainingList();
   void setProgress(double percent);
+  void showProgressBehind(const QueueEntry &entry);
 
   TransferTools m_tools;
   Transfer &m_transfer;

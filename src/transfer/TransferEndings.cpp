@@ -13,12 +13,11 @@ constexpr std::chrono::milliseconds kPauseBeforeEnding{1000};
 
 } // namespace
 
+// In each of them the ending begins before the list is made: a drop that comes later is not in the list, and waits
+// for a transfer of its own instead of going down with this one.
 TransferDriver::After TransferDriver::shareLost(const QString &iconImageType) {
-  m_log.appendSeparator();
-  m_log.append(message(u"Message1"_s) + u'\n');
-  if (appendRemainingList()) {
-    m_log.show();
-  }
+  m_tools.board.beginEnding();
+  showWithRemainingList(message(u"Message1"_s));
   m_view.windowFrontCentre();
   setProgress(100);
   m_view.setDockIcon(iconImageType);
@@ -26,11 +25,8 @@ TransferDriver::After TransferDriver::shareLost(const QString &iconImageType) {
 }
 
 TransferDriver::After TransferDriver::diskFull() {
-  m_log.appendSeparator();
-  m_log.append(withProductName(message(u"Message2"_s), m_session.deviceName()) + u'\n');
-  if (appendRemainingList()) {
-    m_log.show();
-  }
+  m_tools.board.beginEnding();
+  showWithRemainingList(withProductName(message(u"Message2"_s), m_session.deviceName()));
   m_view.windowFrontCentre();
   setProgress(100);
   return After::Ending;
@@ -42,11 +38,8 @@ TransferDriver::After TransferDriver::exceptionInSound(const std::exception &exc
   if (m_isNetworkAlive) {
     return After::NextItem;
   }
-  m_log.appendSeparator();
-  m_log.append(message(u"Message1"_s) + u'\n');
-  if (appendRemainingList()) {
-    m_log.show();
-  }
+  m_tools.board.beginEnding();
+  showWithRemainingList(message(u"Message1"_s));
   m_view.stopPulse();
   setProgress(0);
   return After::Ending;
@@ -113,13 +106,7 @@ bool TransferDriver::finishTransferHandler() {
     m_log.showOnly(text + m_strings.text(u"Message6"_s));
   }
   m_view.setEnableDisableCancelBtn(false);
-  try {
-    if (m_tools.files.presence(m_mainDictPath) == Presence::Present) {
-      m_tools.files.removeFile(m_mainDictPath);
-    }
-  } catch (const Failure &failure) {
-    m_tools.desktop.log(u"The main dictionary could not be removed: "_s + failure.reason());
-  }
+  removeMainDictionary();
   m_hooks.dropsFinished(board.acceptedDrops());
   const bool dropWaited = board.finish();
   m_view.transferStateChanged();
@@ -130,6 +117,7 @@ bool TransferDriver::finishTransferHandler() {
 // The client stays usable: everything that the end handler clears is cleared, without a closing line. The records
 // that are "Y" go out with the next transfer.
 bool TransferDriver::cleanUpAfterException(const std::exception &exception) {
+  m_tools.board.beginEnding(); // a drop from here on waits
   logException(m_tools.desktop, u"transferToVaultbox"_s, exception);
   m_view.setLanguageEnabled(true);
   m_view.stopPulse();
@@ -137,11 +125,22 @@ bool TransferDriver::cleanUpAfterException(const std::exception &exception) {
   m_view.setEnableDisableCancelBtn(false);
   m_view.setHighlightCancelBtn(false);
   m_view.setDockIcon(m_hooks.isConnected() ? u"Connect"_s : u"Disconnect"_s);
+  removeMainDictionary();
   m_hooks.dropsFinished(m_tools.board.acceptedDrops());
   const bool dropWaited = m_tools.board.finish();
   m_view.transferStateChanged();
   m_view.transferComplete();
   return dropWaited;
+}
+
+void TransferDriver::removeMainDictionary() {
+  try {
+    if (m_tools.files.presence(m_mainDictPath) == Presence::Present) {
+      m_tools.files.removeFile(m_mainDictPath);
+    }
+  } catch (const Failure &failure) {
+    m_tools.desktop.log(u"The main dictionary could not be removed: "_s + failure.reason());
+  }
 }
 
 QString TransferDriver::message(const QString &key) {
@@ -153,6 +152,14 @@ void TransferDriver::showMessage(const QString &text) {
   m_log.append(text);
   m_log.show();
   m_log.append(u"\n"_s);
+}
+
+void TransferDriver::showWithRemainingList(const QString &text) {
+  m_log.appendSeparator();
+  m_log.append(text + u'\n');
+  if (appendRemainingList()) {
+    m_log.show();
+  }
 }
 
 bool TransferDriver::appendRemainingList() {

@@ -95,7 +95,7 @@ protected:
   Session session;
   TransferBoard board;
   InterfaceController interface { fakes.loop, fakes.userInterface, board, strings };
-  MessageLog log{[this](const QString &text) { interface.fillMessageLog(text); }};
+  MessageLog log{[this] { interface.fillMessageLog([this] { return log.viewText(); }); }};
   ClientMessages messages{fakes.files, fakes.desktop, strings, interface, session, standardFolders()};
   DeviceName deviceName{fakes.files,       fakes.propertyLists,           fakes.desktop, settings, session,
                         standardFolders(), fakes.paths.machinePreferences};

@@ -168,9 +168,12 @@ TEST_F(ControllerTest, SelectsALanguageAndShowsTabsAndHelp) {
   controller->preferences();
   fakes.loop.runPosted();
   EXPECT_EQ(fakes.userInterface.last().currentTab, 3);
+  EXPECT_TRUE(fakes.userInterface.last().windowVisible) << "asked for while the window is hidden";
+  EXPECT_EQ(fakes.userInterface.raises, 1);
   controller->products();
   fakes.loop.runPosted();
   EXPECT_EQ(fakes.userInterface.last().currentTab, 2);
+  EXPECT_EQ(fakes.userInterface.raises, 2);
   controller->selectLanguage(9);
   fakes.loop.runPosted();
   EXPECT_EQ(controller->getCurrentLanguage(), u"StringsKorean"_s);
@@ -187,6 +190,34 @@ TEST_F(ControllerTest, EndsTheFirstLaunchAtTheFirstReopen) {
   fakes.loop.runPosted();
   EXPECT_EQ(controller->getAppProperty().value(u"FirstLaunch"_s), u"No"_s);
   EXPECT_EQ(fakes.processes.detached.size(), 2) << "the agent is restarted";
+}
+
+TEST_F(ControllerTest, HidesTheWindowThatIsClosedAndShowsItAgain) {
+  startConnected();
+  controller->reopen(false);
+  fakes.loop.runPosted();
+  EXPECT_TRUE(fakes.userInterface.last().windowVisible);
+  controller->windowWillClose();
+  fakes.loop.runPosted();
+  EXPECT_FALSE(fakes.userInterface.last().windowVisible);
+  EXPECT_TRUE(fakes.userInterface.last().connected) << "only the window is gone";
+  EXPECT_EQ(fakes.userInterface.quitStatus, std::nullopt);
+  controller->reopen(false);
+  fakes.loop.runPosted();
+  EXPECT_TRUE(fakes.userInterface.last().windowVisible);
+}
+
+TEST_F(ControllerTest, TellsWhichSelectedProductIsTheActiveOne) {
+  start();
+  EXPECT_EQ(fakes.userInterface.last().activeProduct, -1);
+  controller->addManualProduct({}, u"kitchen"_s);
+  controller->addManualProduct({}, u"study"_s);
+  controller->addAddedProduct(0, u"kitchen"_s);
+  controller->addAddedProduct(1, u"study"_s);
+  controller->selectProduct(1, u"study * "_s);
+  fakes.loop.runPosted();
+  EXPECT_EQ(fakes.userInterface.last().selectedProducts, QStringList({u"kitchen * "_s, u"study * "_s}));
+  EXPECT_EQ(fakes.userInterface.last().activeProduct, 1);
 }
 
 TEST_F(ControllerTest, ForwardsTheClassGetters) {

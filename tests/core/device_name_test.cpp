@@ -99,6 +99,7 @@ TEST_F(DeviceNameTest, MakesTheMachineWideFileWhenItIsMissing) {
   fakes.files.put(kAddressFile, kAddressBytes);
   EXPECT_EQ(device.getDeviceName(), u"Auracore 5"_s);
   EXPECT_EQ(fakes.dictionary(fakes.paths.machinePreferences), QVariantMap({{u"MACAdress"_s, kAddressBytes}}));
+  EXPECT_EQ(fakes.files.mode(fakes.paths.machinePreferences), 0777U) << "as everybody else makes it";
 }
 
 TEST_F(DeviceNameTest, ForgetsTheHardwareAddressOfAnEarlierProduct) {

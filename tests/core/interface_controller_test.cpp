@@ -20,6 +20,9 @@ protected:
     strings.setLanguageFile(u"StringsEnglish"_s);
     strings.reload();
   }
+  void fillLog(const QString &text) {
+    interface.fillMessageLog([text] { return text; });
+  }
   UserInterfaceState shown() { return fakes.userInterface.last(); }
   QList<UserInterfaceState> &states() { return fakes.userInterface.states; }
 
@@ -34,8 +37,8 @@ protected:
 TEST_F(InterfaceControllerTest, SettersTakeEffectOnTheLoopsThreadInTheirOrder) {
   interface.setProgressBar(40);
   interface.selectTab(Tab::Transfer);
-  interface.fillMessageLog(u"one"_s);
-  interface.fillMessageLog(u"two"_s);
+  fillLog(u"one"_s);
+  fillLog(u"two"_s);
   EXPECT_TRUE(states().isEmpty());
   fakes.loop.runPosted();
   ASSERT_EQ(states().size(), 1) << "one publication for all of them";
@@ -161,13 +164,30 @@ TEST_F(InterfaceControllerTest, EndOfTheProgramAnswersEveryQuestion) {
 }
 
 TEST_F(InterfaceControllerTest, CompletionIsToldAfterItsValues) {
-  interface.fillMessageLog(u"The transfer has ended."_s);
+  fillLog(u"The transfer has ended."_s);
   interface.transferComplete();
-  interface.fillMessageLog(u"the next one"_s);
+  fillLog(u"the next one"_s);
   fakes.loop.runPosted();
   EXPECT_EQ(fakes.userInterface.transfersCompleted, 1);
   ASSERT_EQ(states().size(), 2);
   EXPECT_EQ(states().first().messageLog, u"The transfer has ended."_s);
+}
+
+TEST_F(InterfaceControllerTest, LogIsReadOnceHoweverOftenItChanged) {
+  int reads = 0;
+  for (int line = 1; line <= 10'000; ++line) {
+    interface.fillMessageLog([&reads, line] {
+      ++reads;
+      return u"%1 lines"_s.arg(line);
+    });
+  }
+  EXPECT_EQ(reads, 0);
+  fakes.loop.runPosted();
+  EXPECT_EQ(reads, 1);
+  EXPECT_EQ(shown().messageLog, u"10000 lines"_s);
+  fillLog(u"and one more"_s);
+  fakes.loop.runPosted();
+  EXPECT_EQ(shown().messageLog, u"and one more"_s);
 }
 
 TEST_F(InterfaceControllerTest, WindowPasswordPanelAndProducts) {
@@ -184,6 +204,7 @@ TEST_F(InterfaceControllerTest, WindowPasswordPanelAndProducts) {
   EXPECT_EQ(shown().detectedProducts, QStringList({u"d"_s}));
   EXPECT_EQ(shown().addedProducts, QStringList({u"a"_s}));
   EXPECT_EQ(shown().selectedProducts, QStringList({u"s"_s}));
+  EXPECT_EQ(shown().activeProduct, 0);
   EXPECT_FALSE(shown().languageEnabled);
 }
 

@@ -27,5 +27,9 @@ TEST(Languages, StandInTheOrderOfThePopUp) {
   EXPECT_EQ(languageTitles(), QStringList({u"English"_s, u"Dansk"_s, u"Deutsch"_s, u"Svenska"_s, u"Espanol"_s,
                                            u"Francais"_s, u"Italiano"_s, u"Nederlands"_s, u"Japanese"_s, u"Korean"_s,
                                            u"Russian"_s, u"ChineseTraditional"_s, u"ChineseSimplified"_s}));
-  EXPECT_EQ(languageFiles().at(9), u"StringsKorean"_s);
+  EXPECT_EQ(languageFiles(),
+            QStringList({u"StringsEnglish"_s, u"StringsDansk"_s, u"StringsDeutsch"_s, u"StringsSvenska"_s,
+                         u"StringsEspanol"_s, u"StringsFrancais"_s, u"StringsItaliano"_s, u"StringsNederlands"_s,
+                         u"StringsJapanese"_s, u"StringsKorean"_s, u"StringsRussian"_s,
+                         u"StringsChineseTraditional"_s, u"StringsChineseSimplified"_s}));
 }

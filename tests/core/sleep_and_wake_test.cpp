@@ -28,13 +28,14 @@ protected:
   void queue(const QList<QueueEntry> &entries) {
     Drop drop;
     drop.items = entries;
+    drop.tracks = {u"/Music/done.mp3"_s};
     EXPECT_EQ(board.offer(drop), DropAnswer::Started);
   }
 
   FakePlatform fakes;
   FakeView view;
   Strings strings{fakes.files, fakes.propertyLists, fakes.paths.resourceFilePath};
-  MessageLog log{[this](const QString &text) { view.fillMessageLog(text); }};
+  MessageLog log{[this] { view.fillMessageLog([this] { return log.viewText(); }); }};
   TransferBoard board;
   bool connected = true;
   int disconnects = 0;
@@ -95,8 +96,9 @@ TEST_F(SleepAndWakeTest, ListsWhatWasNotTransferred) {
             u"earlier\n"_s + QString(87, u'-') + u'\n' + kMessage1 + u"left.mp3\nJazz FM\nNews.url\n"_s);
   EXPECT_EQ(view.tab, Tab::Transfer);
   EXPECT_EQ(board.count(), 0);
+  EXPECT_EQ(board.trackCount(), 0);
   EXPECT_FALSE(board.manualSleepWasConnected);
-  EXPECT_EQ(view.icon, u"Disconnect"_s);
+  EXPECT_EQ(view.calls.mid(view.calls.size() - 2), QStringList({u"setDockIcon Disconnect"_s, u"setProgressBar 0"_s}));
 }
 
 TEST_F(SleepAndWakeTest, ShowsTheTransferTabWhenTheQueueWasDone) {
@@ -113,6 +115,24 @@ TEST_F(SleepAndWakeTest, ShowsTheConnectionTabWhenNothingWasQueued) {
   power.afterWakeup();
   EXPECT_EQ(view.tab, Tab::Connection);
   EXPECT_EQ(view.lastLog, QString());
+}
+
+TEST_F(SleepAndWakeTest, LeftOverItemsAreListedAlsoWhenTheShareStayed) {
+  queue({{QueueEntry::Kind::Path, u"/Music/left.mp3"_s, {}}});
+  power.powerMessage(PowerMessage::SystemWillSleep);
+  power.afterWakeup();
+  EXPECT_EQ(view.lastLog, kMessage1 + u"left.mp3\n"_s) << "no line of dashes above the first block";
+  EXPECT_EQ(view.tab, Tab::Transfer);
+}
+
+TEST_F(SleepAndWakeTest, IdleSleepKeepsTheQueue) {
+  queue({{QueueEntry::Kind::Path, u"/Music/left.mp3"_s, {}}});
+  power.powerMessage(PowerMessage::CanSystemSleep);
+  unmount();
+  power.afterWakeup();
+  EXPECT_EQ(view.tab, Tab::Connection);
+  EXPECT_EQ(view.lastLog, QString());
+  EXPECT_EQ(board.count(), 1);
 }
 
 TEST_F(SleepAndWakeTest, ShowsTheConnectionTabAfterAnyOtherWake) {

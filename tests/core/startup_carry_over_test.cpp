@@ -70,6 +70,33 @@ TEST_F(CarryOverTest, TakesNothingFromPreferencesWithoutAPassword) {
   EXPECT_FALSE(fakes.files.exists(kProducts));
 }
 
+TEST_F(CarryOverTest, ValueOfAWrongTypeCountsAsMissing) {
+  for (const QString &key : {u"IPAddress"_s, u"Password"_s, u"Username"_s}) {
+    QVariantMap carried = kCarried;
+    carried.insert(key, 7);
+    fakes.putDictionary(kMachinePreferences, carried);
+    ASSERT_TRUE(startUp.init());
+    EXPECT_FALSE(fakes.dictionary(kProperties).contains(u"IPAddress"_s)) << key.toStdString();
+    EXPECT_FALSE(fakes.files.exists(kProducts)) << key.toStdString();
+  }
+  QVariantMap carried = kCarried;
+  carried.insert(u"MACAdress"_s, u"first line\n00-1A-2B-3C-4D-5E"_s);
+  fakes.putDictionary(kMachinePreferences, carried);
+  ASSERT_TRUE(startUp.init());
+  EXPECT_FALSE(fakes.dictionary(kProperties).contains(u"MACAdress"_s));
+  const QVariantMap record = fakes.dictionary(kProducts).value(u"Selected Devices"_s).toList().first().toMap();
+  EXPECT_EQ(record.keys(), QStringList({u"Detection Type"_s, u"IP Address"_s, u"Is Selected"_s, u"Password"_s}));
+}
+
+TEST_F(CarryOverTest, HardwareAddressStartsBehindTheFirstLineFeedAlsoAfterACarriageReturn) {
+  QVariantMap carried = kCarried;
+  carried.insert(u"MACAdress"_s, QByteArray("192.168.1.20\r\n00:1a:2b:3c:4d:5eXYZ\n11-11-11-11-11-11"));
+  fakes.putDictionary(kMachinePreferences, carried);
+  ASSERT_TRUE(startUp.init());
+  const QVariantMap record = fakes.dictionary(kProducts).value(u"Selected Devices"_s).toList().first().toMap();
+  EXPECT_EQ(record.value(u"Mac Address"_s), u"00:1a:2b:3c:4d:5e"_s);
+}
+
 TEST_F(CarryOverTest, LeavesOutAHardwareAddressThatIsTooShort) {
   QVariantMap carried = kCarried;
   carried.insert(u"MACAdress"_s, QByteArray("192.168.1.20\n00-1A-2B"));

@@ -62,6 +62,18 @@ TEST_F(StartUpTest, WritesNoMachineWidePreferencesWhenItIsUnknownWhetherTheyAreT
   EXPECT_TRUE(startUp.init());
 }
 
+TEST_F(StartUpTest, LeavesPreferencesAloneWhenItIsUnknownWhetherTheyAreThere) {
+  fakes.install();
+  fakes.putDictionary(kUserPreferences, {{u"Language"_s, u"StringsKorean"_s}, {u"UserFirstLaunch"_s, u"No"_s}});
+  fakes.files.failPath(kUserPreferences, FailureKind::Unknown);
+  EXPECT_TRUE(startUp.init());
+  EXPECT_TRUE(fakes.desktop.logged(kUserPreferences));
+  fakes.files.clearFailures();
+  EXPECT_EQ(fakes.dictionary(kUserPreferences),
+            QVariantMap({{u"Language"_s, u"StringsKorean"_s}, {u"UserFirstLaunch"_s, u"No"_s}}));
+  EXPECT_TRUE(fakes.desktop.items.empty());
+}
+
 TEST_F(StartUpTest, WritesThePreferencesOfAFirstStartWithTheSystemLanguage) {
   fakes.install();
   fakes.desktop.language = u"sv-SE"_s;

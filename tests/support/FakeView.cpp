@@ -35,10 +35,11 @@ QStringList FakeView::callsStartingWith(const QString &start) const {
   return found;
 }
 
-void FakeView::fillMessageLog(const QString &text) {
+void FakeView::fillMessageLog(std::function<QString()> text) {
+  const QString filled = text();
   const std::lock_guard guard(m_mutex);
-  calls.append(u"fillMessageLog "_s + text);
-  lastLog = text;
+  calls.append(u"fillMessageLog "_s + filled);
+  lastLog = filled;
 }
 
 void FakeView::windowFrontCentre() {

@@ -38,7 +38,7 @@ public:
   void answer(int button);
   [[nodiscard]] QStringList callsStartingWith(const QString &start) const;
 
-  void fillMessageLog(const QString &text) override;
+  void fillMessageLog(std::function<QString()> text) override;
   void windowFrontCentre() override;
   void setEnableDisableCancelBtn(bool enabled) override;
   void setHighlightCancelBtn(bool highlighted) override;

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 namespace sonorel::test {
@@ -14,6 +15,7 @@ class FakeWorker : public Worker {
 public:
   [[nodiscard]] bool hasBody() const { return static_cast<bool>(m_body); }
   [[nodiscard]] int starts() const { return m_starts; }
+  bool failsToStart = false; // no thread can be had
   void run() {
     if (const auto body = std::exchange(m_body, nullptr)) {
       body(m_stop.get_token());
@@ -22,6 +24,9 @@ public:
 
   void start(std::function<void(std::stop_token)> body) override {
     run();
+    if (failsToStart) {
+      throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again), "no thread");
+    }
     ++m_starts;
     m_stop = std::stop_source();
     m_body = std::move(body);

@@ -82,15 +82,14 @@ QString World::track(const QString &path, char seed, qint64 time) {
 Client::Client(World &in)
     : world(in), m_settings(world.files, world.lists, kSettings.toString()),
       m_strings(world.files, world.lists, resourceFolder()),
-      m_log([this](const QString &text) { view.fillMessageLog(text); }), m_connectionTools{world.files,
-                                                                                           world.processes,
-                                                                                           world.clock,
-                                                                                           desktop,
-                                                                                           m_settings,
-                                                                                           [] {
-                                                                                             return std::stop_token();
-                                                                                           },
-                                                                                           m_isAuthenticationError},
+      m_log([this] { view.fillMessageLog([this] { return m_log.viewText(); }); }),
+      m_connectionTools{world.files,
+                        world.processes,
+                        world.clock,
+                        desktop,
+                        m_settings,
+                        [] { return std::stop_token(); },
+                        m_isAuthenticationError},
       m_messages(world.files, desktop, m_strings, view, m_session, m_folders),
       m_metadata(world.files, world.metadata), m_transferTools{world.files, world.processes, world.clock,
                                                                desktop,     m_metadata,      board},

@@ -25,7 +25,12 @@ bool TransferWorkbench::shareIsThere() const {
 TransferDriver::Hooks TransferWorkbench::driverHooks() {
   TransferDriver::Hooks hooks;
   hooks.isConnected = [this] { return isConnected(); };
-  hooks.enableCFLLimits = [this] { ++limitsEnabled; };
+  hooks.enableCFLLimits = [this] {
+    ++limitsEnabled;
+    if (const auto once = std::exchange(onLimits, nullptr)) {
+      once();
+    }
+  };
   hooks.sendMetaDataForPlaylist = [this](bool photos) {
     sent.append(photos ? u"pictures"_s : u"music"_s);
     if (!photos) {

@@ -45,9 +45,9 @@ public:
   Session session;
   TransferBoard board;
   Strings strings{files, propertyLists, resourceFolder()};
-  MessageLog log{[this](const QString &text) { view.fillMessageLog(text); }};
+  MessageLog log{[this] { view.fillMessageLog([this] { return log.viewText(); }); }};
   MetadataCache cache{files, tags};
-  TransferTools tools{files, processes, clock, desktop, cache, board};
+  TransferTools tools{files, processes, clock, desktop, cache, board, QStringLiteral("/Users/me")};
   Transfer transfer{tools, standardFolders()};
 
   QStringList sent;                // "music", "pictures", "collections sound" in the order of the calls
@@ -55,8 +55,9 @@ public:
   int limitsEnabled = 0;
   quint32 dropsFinished = 0;
   bool favouritesSucceed = true;
-  bool playlistsWait = false;   // music of an earlier transfer
-  std::function<void()> onSend; // once, when the playlists are sent
+  bool playlistsWait = false;     // music of an earlier transfer
+  std::function<void()> onSend;   // once, when the playlists are sent
+  std::function<void()> onLimits; // once, when the limits are enabled
 
   TransferDriver driver;
   DropIntake intake;

@@ -46,6 +46,51 @@ TEST_F(DropIntakeTest, APlaylistDroppedTwiceHasOneSetOfRecordsColoursAccumulate)
                                   u"N0PL@YL!ST /m/1.mp3"_s, u"N0PL@YL!ST /m/1.mp3"_s}));
 }
 
+TEST_F(DropIntakeTest, APlaylistWithoutANameReplacesItselfToo) {
+  bench.deliver({}, {file(u"/m/1.mp3"_s)});
+  bench.deliver({}, {file(u"/m/1.mp3"_s)});
+  EXPECT_EQ(names(), QStringList{u" /m/1.mp3"_s});
+}
+
+TEST_F(DropIntakeTest, APlaylistDroppedAgainWithoutTracksIsForgotten) {
+  bench.deliver(u"Party"_s, {file(u"/m/1.mp3"_s)});
+  bench.deliver(u"Party"_s, {u"/m/gone.mp3"_s});
+  EXPECT_FALSE(bench.board.hasRecords(false));
+  EXPECT_EQ(bench.board.count(), 1) << "what was queued before is still carried";
+}
+
+TEST_F(DropIntakeTest, SourcesThatCannotBeTransferredStartAnEmptyTransfer) {
+  for (const QString &name : {u"TV Shows"_s, u"iPod Games"_s, u"N0PL@YL!ST"_s}) {
+    TransferWorkbench fresh;
+    fresh.files.put(u"/m/1.mp3"_s, "x");
+    fresh.deliver(name, name == u"N0PL@YL!ST" ? QStringList() : QStringList{u"/m/1.mp3"_s});
+    EXPECT_EQ(fresh.view.lastLog, u"These items cannot be transferred."_s);
+    EXPECT_TRUE(fresh.view.calls.contains(u"windowFrontCentre"_s));
+    EXPECT_EQ(fresh.board.count(), 0);
+    EXPECT_TRUE(fresh.worker.hasBody()) << name.toStdString();
+  }
+}
+
+TEST_F(DropIntakeTest, EveryDragAsksForAttentionAndClearsAnOldLog) {
+  bench.log.append(u"old"_s);
+  bench.log.show();
+  bench.deliver(u"Party"_s, {file(u"/m/1.mp3"_s)});
+  EXPECT_TRUE(bench.view.calls.contains(u"attention"_s));
+  EXPECT_EQ(bench.view.lastLog, QString());
+  bench.log.append(u"running"_s);
+  bench.log.show();
+  bench.deliver(u"Party"_s, {u"/m/1.mp3"_s});
+  EXPECT_EQ(bench.view.lastLog, u"running"_s) << "the log of a running transfer stays";
+}
+
+TEST_F(DropIntakeTest, ADropThatStartsATransferTakesAnOldCancelBack) {
+  bench.board.isCancel = true;
+  bench.deliver(u"Party"_s, {file(u"/m/1.mp3"_s)});
+  EXPECT_FALSE(bench.board.isCancel);
+  EXPECT_EQ(bench.view.progress, 0);
+  EXPECT_TRUE(bench.worker.hasBody());
+}
+
 TEST_F(DropIntakeTest, PicturesOfANamedPlaylistMakeAnAlbum) {
   bench.deliver(u"@~Jazz"_s, {file(u"/m/A/p.JPG"_s)});
   EXPECT_EQ(bench.board.records(true),

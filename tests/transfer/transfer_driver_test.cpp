@@ -1,5 +1,7 @@
 #include "TransferWorkbench.h"
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel::test {
@@ -262,9 +264,25 @@ TEST_F(TransferDriverTest, TenThousandTracksAreReadOnceEach) {
   }
   bench.processes.onRun = [](const ToolRequest &) { return exited(0); };
   bench.drop(u"Party"_s, songs);
-  EXPECT_EQ(bench.tags.reads(songs.last()), 1);
+  EXPECT_TRUE(
+      std::all_of(songs.begin(), songs.end(), [this](const QString &path) { return bench.tags.reads(path) == 1; }));
   EXPECT_EQ(bench.sentRecords.size(), 10'000);
   EXPECT_EQ(bench.sentRecords.last().songTransferFlag, u"Y"_s);
+}
+
+TEST_F(TransferDriverTest, ATrackCostsTheSameInALongDrop) {
+  const auto operationsOf = [](int count) {
+    TransferWorkbench one;
+    QStringList songs;
+    for (int i = 0; i < count; ++i) {
+      songs.append(one.song(u"/m/A/B/%1.mp3"_s.arg(i), {}, 131'072));
+    }
+    one.processes.onRun = [](const ToolRequest &) { return exited(0); };
+    const int before = one.files.operations();
+    one.drop(u"Party"_s, songs);
+    return one.files.operations() - before;
+  };
+  EXPECT_EQ(operationsOf(1100) - operationsOf(1000), 10 * (operationsOf(20) - operationsOf(10)));
 }
 
 } // namespace sonorel::test

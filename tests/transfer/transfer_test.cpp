@@ -112,4 +112,61 @@ TEST_F(TransferTest, TheCompanionOfACopyIsRemoved) {
   EXPECT_FALSE(bench.files.exists(kMusic + u"ABBA/Gold/._ABBA-Gold-Waterloo.mp3"_s));
 }
 
+TEST_F(TransferTest, NothingIsCopiedIntoAFolderOfTheTracksName) {
+  const QString folder = kMusic + u"ABBA/Gold/ABBA-Gold-Waterloo.mp3"_s;
+  bench.files.makeFolders(folder);
+  bench.board.replaceRecords(false, {{u"P"_s, source, {}, {}, u"N"_s}});
+  EXPECT_FALSE(place(source));
+  EXPECT_TRUE(bench.musicTree().isEmpty());
+  EXPECT_EQ(bench.board.records(false).first().songTransferFlag, u"N"_s);
+}
+
+TEST_F(TransferTest, ASourceOnTheShareItselfIsIdentical) {
+  const QString own = bench.song(kMusic + u"ABBA/Gold/01.mp3"_s, waterloo());
+  EXPECT_FALSE(place(own));
+  EXPECT_TRUE(bench.transfer.settledOnIdenticalFile());
+  EXPECT_TRUE(bench.files.exists(own));
+  EXPECT_TRUE(bench.processes.requests.isEmpty());
+}
+
+TEST_F(TransferTest, AnotherMusicFolderIsAFailure) {
+  ShareFolders folders = standardFolders();
+  folders.musicFolder = u"/Klang/"_s;
+  Transfer elsewhere(bench.tools, folders);
+  EXPECT_THROW((void)elsewhere.transferSoundFile(source, u"n.mp3"_s, 0, 1), Failure);
+  EXPECT_TRUE(bench.processes.requests.isEmpty());
+}
+
+TEST_F(TransferTest, APathOfTwoComponentsGetsNoFolder) {
+  const QString top = bench.song(u"/1.mp3"_s, waterloo());
+  EXPECT_TRUE(place(top));
+  EXPECT_EQ(bench.musicTree(), QStringList{u"ABBA-Gold-Waterloo.mp3"_s});
+}
+
+TEST_F(TransferTest, EveryRecordOfTheFileIsMarkedAndNoOther) {
+  bench.board.replaceRecords(false, {{u"P"_s, source, {}, {}, u"N"_s},
+                                     {u"P"_s, u"/m/other.mp3"_s, {}, {}, u"N"_s},
+                                     {u"Q"_s, source, {}, u"stale"_s, u"N"_s}});
+  EXPECT_TRUE(place(source));
+  const QList<PlaylistInfo> records = bench.board.records(false);
+  EXPECT_EQ(records[0].destinationSongName, u"ABBA@@@@@Gold@@@@@ABBA-Gold-Waterloo.mp3"_s);
+  EXPECT_EQ(records[2], (PlaylistInfo{u"Q"_s, source, {}, records[0].destinationSongName, u"Y"_s}));
+  EXPECT_EQ(records[1].songTransferFlag, u"N"_s);
+}
+
+TEST_F(TransferTest, PictureRecordsKeepTheirFolderAndGetACleanName) {
+  const QString picture = u"/m/A/what?.jpg"_s;
+  bench.board.replaceRecords(true, {{u"P"_s, picture, {}, picture, u"N"_s}});
+  bench.transfer.playlistInfoUpdate(picture, true);
+  EXPECT_EQ(bench.board.records(true).first(), (PlaylistInfo{u"P"_s, picture, {}, u"/m/A/what_.jpg"_s, u"Y"_s}));
+}
+
+TEST_F(TransferTest, OnAShareThatDoesNotAnswerNothingIsTouched) {
+  bench.files.setUnknown(kMountPoint.toString(), true);
+  EXPECT_THROW((void)place(source), Failure);
+  bench.files.setUnknown(kMountPoint.toString(), false);
+  EXPECT_FALSE(bench.files.exists(kMusic.chopped(1)));
+  EXPECT_TRUE(bench.processes.requests.isEmpty());
+}
+
 } // namespace sonorel::test

@@ -1,26 +1,34 @@
 #include "core/state/MessageLog.h"
 
+#include <utility>
+
 namespace sonorel {
 
 namespace {
 
 constexpr qsizetype kSeparatorDashes = 87;
+constexpr qsizetype kOwnText = -1;
 
 } // namespace
 
-MessageLog::MessageLog(std::function<void(const QString &)> show) : m_show(std::move(show)) {}
+MessageLog::MessageLog(std::function<void()> changed) : m_changed(std::move(changed)) {}
 
 void MessageLog::clear() {
   {
-    const std::lock_guard lock(m_GUILock);
+    const std::lock_guard guard(m_GUILock);
+    const std::lock_guard lock(m_threadLock);
     m_fileInvalid.clear();
-    setViewText(QString());
+    m_viewText.clear();
+    m_shownLength = 0;
   }
-  handOver();
+  m_changed();
 }
 
 void MessageLog::startNew() {
-  const std::lock_guard lock(m_GUILock);
+  const std::lock_guard guard(m_GUILock);
+  const std::lock_guard lock(m_threadLock);
+  m_viewText = shownText();
+  m_shownLength = kOwnText;
   m_fileInvalid.clear();
 }
 
@@ -41,48 +49,34 @@ QString MessageLog::fileInvalid() const {
   return m_fileInvalid;
 }
 
+// Only the length is kept: a copy would have to be made anew by the next append.
 void MessageLog::show() {
   {
-    const std::lock_guard lock(m_GUILock);
-    setViewText(m_fileInvalid);
+    const std::lock_guard guard(m_GUILock);
+    const std::lock_guard lock(m_threadLock);
+    m_shownLength = m_fileInvalid.size();
+    m_viewText.clear();
   }
-  handOver();
+  m_changed();
 }
 
 void MessageLog::showOnly(const QString &text) {
-  setViewText(text);
-  handOver();
+  {
+    const std::lock_guard lock(m_threadLock);
+    m_shownLength = kOwnText;
+    m_viewText = text;
+  }
+  m_changed();
 }
 
 QString MessageLog::viewText() const {
+  const std::lock_guard guard(m_GUILock);
   const std::lock_guard lock(m_threadLock);
-  return m_viewText;
+  return shownText();
 }
 
-void MessageLog::setViewText(const QString &text) {
-  const std::lock_guard lock(m_threadLock);
-  m_viewText = text;
-  m_toShow.append(text);
-}
-
-// One thread at a time hands over, without a lock held: two callers could otherwise overtake each other between
-// their unlocking and their call.
-void MessageLog::handOver() {
-  for (bool first = true;; first = false) {
-    QString text;
-    {
-      const std::lock_guard lock(m_threadLock);
-      if (first && m_showing) {
-        return;
-      }
-      m_showing = !m_toShow.isEmpty();
-      if (!m_showing) {
-        return;
-      }
-      text = m_toShow.takeFirst();
-    }
-    m_show(text);
-  }
+QString MessageLog::shownText() const {
+  return m_shownLength < 0 ? m_viewText : m_fileInvalid.first(m_shownLength);
 }
 
 } // namespace sonorel

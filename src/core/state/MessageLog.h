@@ -1,10 +1,9 @@
-// The message log: `fileInvalid`, the text of the running transfer, and the text last handed to the view. Locked by
-// `GUILock` (fileInvalid) and `threadLock` (the copy for the view), always in that order, never while waiting.
-// Any thread.
+// The message log: `fileInvalid`, the text of the running transfer, and the text that the view shows. Locked by
+// `GUILock` (fileInvalid) and `threadLock` (what the view shows), always in that order, never while waiting. A line
+// costs what the line is long, however long the log has become. Any thread.
 #pragma once
 
 #include <QString>
-#include <QStringList>
 
 #include <functional>
 #include <mutex>
@@ -13,9 +12,9 @@ namespace sonorel {
 
 class MessageLog {
 public:
-  // show hands a text to the window (`fillMessageLog:`); it must not block and is called without the locks held,
-  // texts in the order in which they were shown.
-  explicit MessageLog(std::function<void(const QString &)> show);
+  // changed tells the window that viewText() is another (`fillMessageLog:`); it must not block and is called without
+  // the locks held.
+  explicit MessageLog(std::function<void()> changed);
 
   // fileInvalid and the view.
   void clear();
@@ -25,23 +24,22 @@ public:
   // The line of 87 dashes, only when fileInvalid is not empty.
   void appendSeparator();
   [[nodiscard]] QString fileInvalid() const;
-  // Hands fileInvalid as it is now to the view.
+  // The view shows fileInvalid as it is now; what is appended later is not seen.
   void show();
   // The view alone shows this text.
   void showOnly(const QString &text);
+  // A copy of the whole.
   [[nodiscard]] QString viewText() const;
 
 private:
-  void setViewText(const QString &text);
-  void handOver();
+  [[nodiscard]] QString shownText() const; // both locks held
 
-  std::function<void(const QString &)> m_show;
+  std::function<void()> m_changed;
   mutable std::mutex m_GUILock; // guards m_fileInvalid
   QString m_fileInvalid;
   mutable std::mutex m_threadLock; // guards everything below
+  qsizetype m_shownLength = 0;     // the view shows so much of fileInvalid; negative: it shows m_viewText
   QString m_viewText;
-  QStringList m_toShow;   // set and not yet handed over
-  bool m_showing = false; // somebody hands over, in order; the others leave it to him
 };
 
 } // namespace sonorel

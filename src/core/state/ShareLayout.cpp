@@ -43,14 +43,18 @@ QString colourName(int index) {
   return kColours.at(static_cast<size_t>(index)).toString();
 }
 
-QString cleanedName(const QString &name) {
-  QString cleaned = name;
-  for (QChar &character : cleaned) {
-    if (kInvalidChars.contains(character)) {
-      character = u'_';
+QString stringWithSubstitute(const QString &text, QStringView forCharactersFromSet, QChar replaceWith) {
+  QString replaced = text;
+  for (QChar &character : replaced) {
+    if (forCharactersFromSet.contains(character)) {
+      character = replaceWith;
     }
   }
-  return cleaned;
+  return replaced;
+}
+
+QString cleanedName(const QString &name) {
+  return stringWithSubstitute(name, kInvalidChars, u'_');
 }
 
 } // namespace sonorel

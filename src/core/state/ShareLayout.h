@@ -58,6 +58,8 @@ struct ShareFolders {
 // 0 Red, 1 Green, 2 Yellow, 3 Blue; -1 for any other name.
 [[nodiscard]] int colourIndex(QStringView name);
 [[nodiscard]] QString colourName(int index);
+// Every character of the set is replaced, one at a time.
+[[nodiscard]] QString stringWithSubstitute(const QString &text, QStringView forCharactersFromSet, QChar replaceWith);
 // Every character of kInvalidChars becomes "_".
 [[nodiscard]] QString cleanedName(const QString &name);
 

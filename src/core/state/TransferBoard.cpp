@@ -44,8 +44,8 @@ void TransferBoard::apply(const Drop &drop) {
     m_places += entry.places();
   }
   m_tracks.append(drop.tracks);
-  if (!drop.purgedPlaylist.isEmpty()) {
-    m_music.removePlaylist(drop.purgedPlaylist);
+  if (drop.purgedPlaylist) {
+    m_music.removePlaylist(*drop.purgedPlaylist);
   }
   m_music.append(drop.musicRecords);
   m_pictures.append(drop.pictureRecords);

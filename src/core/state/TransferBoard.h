@@ -29,7 +29,7 @@ struct QueueEntry {
 struct Drop {
   QList<QueueEntry> items;
   QStringList tracks;
-  QString purgedPlaylist; // records of this name leave the music array first; empty: none
+  std::optional<QString> purgedPlaylist; // records of this name leave the music array first
   QList<PlaylistInfo> musicRecords;
   QList<PlaylistInfo> pictureRecords;
   bool hasVideoOrPicture = false; // `isVideoFilePresentInItunesData`

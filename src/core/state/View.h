@@ -14,7 +14,8 @@ enum class Tab { About = 0, Transfer = 1, Connection = 2, Preferences = 3 };
 class View {
 public:
   virtual ~View() = default;
-  virtual void fillMessageLog(const QString &text) = 0;
+  // Asked for the text when it takes effect, once for all calls that came meanwhile; the last one counts.
+  virtual void fillMessageLog(std::function<QString()> text) = 0;
   virtual void windowFrontCentre() = 0;
   virtual void setEnableDisableCancelBtn(bool enabled) = 0; // never enables while a cancel is under way
   virtual void setHighlightCancelBtn(bool highlighted) = 0;

@@ -5,7 +5,6 @@
 
 #include <QDateTime>
 #include <QMetaType>
-#include <QTimeZone>
 
 #include <cmath>
 #include <cstdlib>

@@ -77,7 +77,7 @@ TEST(TransferBoard, SamePlaylistDroppedAgainLeavesOneSetOfRecords) {
 TEST(TransferBoard, DropWithoutPurgeKeepsBothSets) {
   TransferBoard board;
   Drop colour = dropOf(u"@!!!Red!!!@"_s, {u"/m/a.mp3"_s});
-  colour.purgedPlaylist.clear();
+  colour.purgedPlaylist.reset();
   ASSERT_EQ(board.offer(colour), DropAnswer::Started);
   ASSERT_EQ(board.offer(colour), DropAnswer::Appended);
   EXPECT_EQ(board.records(false).size(), 2);

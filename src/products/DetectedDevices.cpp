@@ -1,0 +1,73 @@
+// What discovery writes into the product list: "Detected Devices", and the same product in "Selected Devices".
+#include "products/ProductList.h"
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel {
+
+namespace {
+
+void putIntoDetected(QVariantMap &lists, const ProductRecord &record) {
+  ProductRecords detected = productRecords(lists, kDetectedDevices);
+  bool replaced = false;
+  for (ProductRecord &one : detected) {
+    if (sameDetectedProduct(one, record)) {
+      one = record;
+      replaced = true;
+    }
+  }
+  if (!replaced) {
+    detected.append(record);
+  }
+  setProductRecords(lists, kDetectedDevices, detected);
+}
+
+// The user's choice, the password and how the product was added outlast a new address or room.
+void renewSelected(QVariantMap &lists, ProductRecord record) {
+  ProductRecords selected = productRecords(lists, kSelectedDevices);
+  const auto same = std::find_if(selected.begin(), selected.end(), [&](const ProductRecord &one) {
+    return productText(one, kMacAddressKey) == productText(record, kMacAddressKey) &&
+           one.contains(kLocationKey.toString()) && one.contains(kSerialNumberKey.toString());
+  });
+  if (same == selected.end()) {
+    return;
+  }
+  for (const QStringView key : {kPasswordKey, kIsSelectedKey, kDetectionTypeKey}) {
+    if (same->contains(key.toString())) {
+      record.insert(key.toString(), same->value(key.toString()));
+    }
+  }
+  *same = record;
+  setProductRecords(lists, kSelectedDevices, selected);
+}
+
+} // namespace
+
+void ProductList::addDetectedDevice(const ProductRecord &record) {
+  change(u"netServiceDidResolveAddress"_s, [&](QVariantMap &lists) {
+    putIntoDetected(lists, record);
+    renewSelected(lists, record);
+  });
+}
+
+void ProductList::removeDetectedDevice(const QString &macAddress, const QString &serialNumber) {
+  change(u"didRemoveService"_s, [&](QVariantMap &lists) {
+    ProductRecords detected = productRecords(lists, kDetectedDevices);
+    const auto with = [&](QStringView key, const QString &text) {
+      return std::find_if(detected.begin(), detected.end(),
+                          [&](const ProductRecord &one) { return productText(one, key) == text; });
+    };
+    auto found = with(kMacAddressKey, macAddress);
+    if (found == detected.end()) {
+      found = with(kSerialNumberKey, serialNumber);
+    }
+    if (found != detected.end()) {
+      detected.erase(found);
+      setProductRecords(lists, kDetectedDevices, detected);
+    }
+  });
+}
+
+} // namespace sonorel

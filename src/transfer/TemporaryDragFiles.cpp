@@ -1,0 +1,24 @@
+#include "transfer/TemporaryDragFiles.h"
+
+#include "platform/Failure.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel {
+
+void removeTemporaryDragFile(FileSystem &files, Desktop &desktop, const QString &homePath, const QString &fileName) {
+  for (const QString &folder : {u"/private/tmp/"_s, homePath + u"/Library/Caches/TemporaryItems/"_s}) {
+    const QString path = folder + fileName;
+    if (files.presence(path) != Presence::Present) {
+      continue;
+    }
+    try {
+      files.removeFile(path);
+    } catch (const Failure &failure) {
+      desktop.log(u"%1 could not be removed: %2"_s.arg(path, failure.reason()));
+    }
+    return;
+  }
+}
+
+} // namespace sonorel

@@ -1,0 +1,118 @@
+// Items that are no tracks, tracks that are no files, and what the share may hold already.
+#include "TransferWorkbench.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel::test {
+
+namespace {
+
+const QString kTooSmall = u" was not transferred: music files must be at least 128 KB in size."_s;
+const QString kNotSupported = u" was not transferred because this kind of file or bookmark is not supported."_s;
+const QString kTemporary = u"/private/tmp/"_s;
+const QString kCaches = u"/Users/me/Library/Caches/TemporaryItems/"_s;
+
+class TransferItemsTest : public testing::Test {
+protected:
+  static TrackTags waterloo() {
+    TrackTags tags;
+    tags.authors = QStringList{u"ABBA"_s};
+    tags.album = u"Gold"_s;
+    tags.title = u"Waterloo"_s;
+    return tags;
+  }
+
+  TransferWorkbench bench;
+};
+
+} // namespace
+
+TEST_F(TransferItemsTest, FoldersPipesAndDevicesAreRefusedByTheirSize) {
+  bench.files.makeFolders(u"/m/folder.mp3"_s);
+  bench.files.putOther(u"/m/pipe.mp3"_s);
+  bench.files.putOther(u"/m/device.wav"_s);
+  bench.files.putOther(u"/m/pipe"_s);
+  bench.files.makeFolders(u"/m/folder"_s);
+  bench.drop(u"Party"_s, {u"/m/folder.mp3"_s, u"/m/pipe.mp3"_s, u"/m/device.wav"_s, u"/m/pipe"_s, u"/m/folder"_s});
+  EXPECT_EQ(bench.view.lastLog,
+            u"\"folder.mp3\""_s + kTooSmall + u"\n\"pipe.mp3\""_s + kTooSmall +
+                u"\n\"device.wav\" was not transferred: WAV files must be at least 5 MB in size.\n\"pipe\""_s +
+                kNotSupported + u"\n\"folder\""_s + kNotSupported);
+  EXPECT_TRUE(bench.processes.requests.isEmpty());
+  EXPECT_TRUE(bench.musicTree().isEmpty());
+}
+
+TEST_F(TransferItemsTest, AnUnknownFormatIsLoggedAndKeepsItsName) {
+  bench.files.put(u"/m/A/B/odd_name.mp3"_s, QByteArray(200'000, 'x'));
+  bench.drop(u"Party"_s, {u"/m/A/B/odd_name.mp3"_s});
+  EXPECT_EQ(bench.musicTree(), QStringList{u"A/B/odd_name.mp3"_s});
+  EXPECT_EQ(bench.desktop.lines.count(u"/m/A/B/odd_name.mp3... File has no metadata!"_s), 1);
+}
+
+TEST_F(TransferItemsTest, ALosslessTestWithoutTagsIsLogged) {
+  bench.files.put(u"/m/A/B/x.m4a"_s, QByteArray(200'000, 'x'));
+  bench.drop(u"Party"_s, {u"/m/A/B/x.m4a"_s});
+  EXPECT_TRUE(bench.desktop.lines.contains(u"/m/A/B/x.m4a... File has no metadata inside AppleLossless!"_s));
+  EXPECT_EQ(bench.musicTree(), QStringList{u"A/B/x.m4a"_s});
+}
+
+TEST_F(TransferItemsTest, OnlyTheFirstCodecTellsLossless) {
+  TrackTags tags = waterloo();
+  tags.codecs = QStringList{u"AAC"_s, u"Apple Lossless"_s};
+  bench.drop(u"Party"_s, {bench.song(u"/m/A/B/x.m4a"_s, tags)});
+  EXPECT_EQ(bench.musicTree(), QStringList{u"A/B/ABBA-Gold-Waterloo.m4a"_s});
+}
+
+TEST_F(TransferItemsTest, ARefusedAddressFileLosesItsTemporaryCopy) {
+  bench.files.put(u"/m/a.inetloc"_s, "x");
+  bench.files.put(u"/m/b.inetloc"_s, "x");
+  bench.files.put(u"/m/c.INETLOC"_s, "x");
+  bench.files.put(kTemporary + u"a.inetloc"_s, "x");
+  bench.files.put(kCaches + u"a.inetloc"_s, "x");
+  bench.files.put(kCaches + u"b.inetloc"_s, "x");
+  bench.files.put(kTemporary + u"c.INETLOC"_s, "x");
+  bench.drop(u"Finder"_s, {u"/m/a.inetloc"_s, u"/m/b.inetloc"_s, u"/m/c.INETLOC"_s});
+  EXPECT_FALSE(bench.files.exists(kTemporary + u"a.inetloc"_s));
+  EXPECT_TRUE(bench.files.exists(kCaches + u"a.inetloc"_s)) << "only one of the two";
+  EXPECT_FALSE(bench.files.exists(kCaches + u"b.inetloc"_s));
+  EXPECT_TRUE(bench.files.exists(kTemporary + u"c.INETLOC"_s)) << "the extension is compared exactly";
+  EXPECT_TRUE(bench.files.exists(u"/m/a.inetloc"_s));
+  EXPECT_EQ(bench.view.lastLog, u"\"a.inetloc\""_s + kNotSupported + u"\n\"b.inetloc\""_s + kNotSupported +
+                                    u"\n\"c.INETLOC\""_s + kNotSupported);
+}
+
+TEST_F(TransferItemsTest, ATemporaryCopyThatCannotBeRemovedHoldsNothingUp) {
+  bench.files.put(u"/m/a.inetloc"_s, "x");
+  bench.files.put(kTemporary + u"a.inetloc"_s, "x");
+  bench.files.failPath(kTemporary + u"a.inetloc"_s, FailureKind::Other);
+  bench.drop(u"Finder"_s, {u"/m/a.inetloc"_s, bench.song(u"/m/A/B/1.mp3"_s, waterloo())});
+  EXPECT_EQ(bench.musicTree(), QStringList{u"B/ABBA-Gold-Waterloo.mp3"_s});
+  EXPECT_TRUE(bench.view.lastLog.endsWith(u"The transfer has ended."_s));
+}
+
+// The flat copy differs, is removed, and its copy fails: another identical copy still means that the track is there.
+TEST_F(TransferItemsTest, AnIdenticalCopyUnderAnyOfTheNamesCounts) {
+  for (const QString &place :
+       {u"ABBA/Gold/ABBA-Gold-Waterloo.mp3"_s, u"ABBA/Gold/01.mp3"_s, u"ABBA/Gold/(01).mp3"_s, u"01.mp3"_s,
+        u"(01).mp3"_s, u"(_ABBA_)-(Gold)-(Waterloo).mp3"_s, u"ABBA/Gold/(_ABBA_)-(Gold)-(Waterloo).mp3"_s}) {
+    TransferWorkbench fresh;
+    const QString song = fresh.song(u"/m/ABBA/Gold/01.mp3"_s, waterloo());
+    fresh.files.put(kMusic + u"ABBA-Gold-Waterloo.mp3"_s, QByteArray(200'001, 'm'), 1000);
+    fresh.files.put(kMusic + place, QByteArray(200'000, 'm'), 1000);
+    fresh.processes.onRun = [](const ToolRequest &) { return exited(1); };
+    fresh.drop(u"Party"_s, {song});
+    EXPECT_EQ(fresh.view.lastLog, u"The transfer has ended."_s) << place.toStdString();
+    EXPECT_EQ(fresh.sent.last(), u"collections"_s);
+  }
+}
+
+TEST_F(TransferItemsTest, ADifferentFileUnderAnyOfTheNamesDoesNotCount) {
+  const QString song = bench.song(u"/m/ABBA/Gold/01.mp3"_s, waterloo());
+  bench.files.put(kMusic + u"ABBA-Gold-Waterloo.mp3"_s, QByteArray(200'001, 'm'), 1000);
+  bench.files.put(kMusic + u"ABBA/Gold/01.mp3"_s, QByteArray(200'000, 'm'), 1001);
+  bench.processes.onRun = [](const ToolRequest &) { return exited(1); };
+  bench.drop(u"Party"_s, {song});
+  EXPECT_EQ(bench.view.lastLog, u"\"01.mp3\" could not be transferred."_s);
+}
+
+} // namespace sonorel::test
