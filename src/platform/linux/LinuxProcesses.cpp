@@ -12,6 +12,7 @@ namespace sonorel {
 namespace {
 
 constexpr QStringView kInstalled = u"/Applications/Sonorel/App Data/";
+constexpr QStringView kMountMark = u".autodiskmounted";
 
 ToolResult ended(int status, const QByteArray &text) {
   return {ToolEnding::Exited, status, text};
@@ -88,15 +89,15 @@ ToolResult LinuxProcesses::runRemoval(const ToolRequest &request, const QByteArr
       command.arguments.append(argument.toUtf8());
       continue;
     }
-    // The embedded product's point is a link, which must not be taken for a file; and what lies below a point that is
-    // not mounted is a person's own.
     const QString name = PathMap::volumeName(*clean);
-    const bool isPoint = PathMap::belowVolume(*clean).isEmpty();
+    const QString below = PathMap::belowVolume(*clean);
     const bool isMounted = !name.isEmpty() && m_volumes.mounted(name);
-    if (isPoint && isMounted) {
+    // The embedded product's point is a link, which must not be taken for a file.
+    if (below.isEmpty() && isMounted) {
       return ended(1, "the volume is in use\n");
     }
-    if (!isPoint && !isMounted) {
+    // What lies below a point that is not mounted is a person's own, but for the mark of an old mount.
+    if (!below.isEmpty() && !isMounted && below != kMountMark) {
       return ended(1, "the volume is not mounted\n");
     }
     command.arguments.append(hostArgument(m_volumes.map(), *clean));
