@@ -53,9 +53,9 @@ DoorAlert Door::alert() const {
   return {oldest.serial, oldest.message, oldest.informativeText, oldest.buttons};
 }
 
-bool Door::answer(quint32 serial, quint32 button) {
+bool Door::answer(quint32 serial, int button) {
   for (qsizetype i = 0; i < m_questions.size(); ++i) {
-    if (m_questions[i].serial == serial && button < static_cast<quint32>(m_questions[i].buttons.size())) {
+    if (m_questions[i].serial == serial && button >= 0 && button < m_questions[i].buttons.size()) {
       m_questions.removeAt(i);
       announceAlert();
       return true;
