@@ -3,6 +3,8 @@
 #include "app/DoorErrors.h"
 #include "products/AddressField.h"
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
@@ -10,6 +12,13 @@ namespace sonorel {
 namespace {
 
 constexpr int kLanguages = 13;
+constexpr qsizetype kLongestText = 1024; // of a field of one line
+
+bool fitsField(const QString &text) {
+  return text.size() <= kLongestText && std::none_of(text.begin(), text.end(), [](QChar character) {
+           return character.category() == QChar::Other_Control;
+         });
+}
 
 } // namespace
 
@@ -58,6 +67,8 @@ void ClientAdaptor::EnterPassword(const QString &password, const QDBusMessage &m
     refuse(m_door.bus(), message, DoorError::Invalid, u"no password is wanted"_s);
   } else if (password.isEmpty()) {
     refuse(m_door.bus(), message, DoorError::Invalid, u"the password is empty"_s);
+  } else if (!fitsField(password)) {
+    refuse(m_door.bus(), message, DoorError::Invalid, u"a password is one line of at most 1024 characters"_s);
   } else {
     m_door.actions().enterPassword(password);
   }
@@ -75,6 +86,8 @@ void ClientAdaptor::AddManualProduct(const QString &address, const QString &host
     refuse(m_door.bus(), message, DoorError::Invalid, u"an address or a host name is needed"_s);
   } else if (!fitsAddressField(address)) {
     refuse(m_door.bus(), message, DoorError::Invalid, u"an address holds at most four numbers and three dots"_s);
+  } else if (!fitsField(hostName)) {
+    refuse(m_door.bus(), message, DoorError::Invalid, u"a host name is one line of at most 1024 characters"_s);
   } else {
     m_door.actions().addManualProduct(address, hostName);
   }

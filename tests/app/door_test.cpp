@@ -296,6 +296,19 @@ TEST_F(DoorTest, TheAddPanelsFieldRulesHold) {
   EXPECT_EQ(done, (QStringList{u"add 10.0.0.7 "_s, u"add  localhost:4450"_s}));
 }
 
+// What no person can type into a field of one line; a text of megabytes would make the stored list unreadable.
+TEST_F(DoorTest, TextsThatNoFieldHoldsAreRefused) {
+  UserInterfaceState state;
+  state.passwordWanted = true;
+  door.publish(state);
+  for (const QString &text : {u"two\nlines"_s, QString(QChar(0x1B)) + u"[2J"_s, QString(1025, u'x')}) {
+    EXPECT_EQ(caller.client(u"AddManualProduct"_s, {u""_s, text}).errorName(), u"com.orv.Sonorel.Error.Invalid"_s);
+    EXPECT_EQ(caller.client(u"EnterPassword"_s, {text}).errorName(), u"com.orv.Sonorel.Error.Invalid"_s);
+  }
+  EXPECT_EQ(done, QStringList());
+  EXPECT_EQ(caller.client(u"EnterPassword"_s, {QString(1024, u'é')}).type(), QDBusMessage::ReplyMessage);
+}
+
 TEST_F(DoorTest, PasswordsAreTakenOnlyWhenWanted) {
   EXPECT_EQ(caller.client(u"EnterPassword"_s, {u"x"_s}).errorName(), u"com.orv.Sonorel.Error.Invalid"_s);
   UserInterfaceState state;
