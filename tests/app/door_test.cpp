@@ -296,6 +296,16 @@ TEST_F(DoorTest, TheAddPanelsFieldRulesHold) {
   EXPECT_EQ(done, (QStringList{u"add 10.0.0.7 "_s, u"add  localhost:4450"_s}));
 }
 
+TEST_F(DoorTest, OpensLocalFilesOnly) {
+  const auto open = [&](const QStringList &uris) {
+    return caller.call(u"org.freedesktop.Application"_s, u"Open"_s, {uris, QVariantMap()}).errorName();
+  };
+  EXPECT_EQ(open({u"http://host/a.mp3"_s, u"/music/no-uri.mp3"_s}), u"com.orv.Sonorel.Error.Invalid"_s);
+  EXPECT_EQ(open({}), u"com.orv.Sonorel.Error.Invalid"_s);
+  EXPECT_EQ(open({u"http://host/a.mp3"_s, u"file:///music/b.mp3"_s}), u""_s);
+  EXPECT_EQ(done, QStringList{u"open /music/b.mp3"_s});
+}
+
 // What no person can type into a field of one line; a text of megabytes would make the stored list unreadable.
 TEST_F(DoorTest, TextsThatNoFieldHoldsAreRefused) {
   UserInterfaceState state;
