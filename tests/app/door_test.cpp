@@ -238,6 +238,39 @@ TEST_F(DoorTest, TransferCompleteComesAfterItsValues) {
   EXPECT_TRUE(caller.order.contains(u"MessageLog"_s));
 }
 
+TEST_F(DoorTest, PendingIsAnnouncedWithEachChangeAndNeverFallsBelowNothing) {
+  counter.received();
+  counter.received();
+  door.announcePending();
+  ASSERT_TRUE(caller.wait([&] { return caller.values.contains(u"Pending"_s); }));
+  EXPECT_EQ(caller.values.take(u"Pending"_s), QVariant(2U));
+  door.announcePending(); // nothing new
+  counter.finished(3);
+  door.announcePending();
+  ASSERT_TRUE(caller.wait([&] { return caller.values.contains(u"Pending"_s); }));
+  EXPECT_EQ(caller.values.take(u"Pending"_s), QVariant(0U));
+  EXPECT_EQ(caller.order, (QStringList{u"Pending"_s, u"Pending"_s}));
+}
+
+TEST_F(DoorTest, AlertIsAnnouncedInItsForm) {
+  door.openQuestion({3, u"Attention"_s, u"An address is missing."_s, {u"OK"_s}});
+  ASSERT_TRUE(caller.wait([&] { return caller.values.contains(u"Alert"_s); }));
+  const auto announced = caller.values.take(u"Alert"_s).value<QDBusArgument>();
+  EXPECT_EQ(announced.currentSignature(), u"(ussas)"_s);
+  DoorAlert alert;
+  announced >> alert;
+  EXPECT_EQ(alert.serial, 3U);
+  EXPECT_EQ(alert.message, u"Attention"_s);
+  EXPECT_EQ(alert.informativeText, u"An address is missing."_s);
+  EXPECT_EQ(alert.buttons, QStringList{u"OK"_s});
+  door.closeQuestion(3);
+  ASSERT_TRUE(caller.wait([&] { return caller.values.contains(u"Alert"_s); }));
+  const auto closed = caller.values.take(u"Alert"_s).value<QDBusArgument>();
+  closed >> alert;
+  EXPECT_EQ(alert.serial, 0U);
+  EXPECT_EQ(alert.buttons, QStringList());
+}
+
 TEST_F(DoorTest, TheOldestAlertIsShownAndAnswered) {
   door.openQuestion({3, u"Attention"_s, u"An address is missing."_s, {u"OK"_s}});
   door.openQuestion({4, u"Please note"_s, u"Really?"_s, {u"No"_s, u"Yes"_s}});
