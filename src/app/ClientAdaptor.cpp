@@ -1,6 +1,7 @@
 #include "app/ClientAdaptor.h"
 
 #include "app/DoorErrors.h"
+#include "core/Languages.h"
 #include "products/AddressField.h"
 
 #include <algorithm>
@@ -11,7 +12,6 @@ namespace sonorel {
 
 namespace {
 
-constexpr int kLanguages = 13;
 constexpr qsizetype kLongestText = 1024; // of a field of one line
 
 bool fitsField(const QString &text) {
@@ -123,8 +123,9 @@ void ClientAdaptor::SelectLanguage(int index, const QDBusMessage &message) {
   if (refusedWhileBusy(message)) {
     return;
   }
-  if (index < 0 || index >= kLanguages) {
-    refuse(m_door.bus(), message, DoorError::Invalid, u"the languages are counted from 0 to 12"_s);
+  const qsizetype languages = languageFiles().size();
+  if (index < 0 || index >= languages) {
+    refuse(m_door.bus(), message, DoorError::Invalid, u"the languages are counted from 0 to %1"_s.arg(languages - 1));
   } else if (!m_door.state().languageEnabled) {
     refuse(m_door.bus(), message, DoorError::Busy, u"the language cannot be changed during a transfer"_s);
   } else {

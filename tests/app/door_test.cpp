@@ -352,6 +352,18 @@ TEST_F(DoorTest, TextsThatNoFieldHoldsAreRefused) {
   EXPECT_EQ(caller.client(u"EnterPassword"_s, {QString(1024, u'é')}).type(), QDBusMessage::ReplyMessage);
 }
 
+TEST_F(DoorTest, LanguagesAreThirteenAndWaitForATransfer) {
+  for (const int index : {-1, 13}) {
+    EXPECT_EQ(caller.client(u"SelectLanguage"_s, {index}).errorName(), u"com.orv.Sonorel.Error.Invalid"_s);
+  }
+  EXPECT_EQ(caller.client(u"SelectLanguage"_s, {12}).type(), QDBusMessage::ReplyMessage);
+  UserInterfaceState state;
+  state.languageEnabled = false;
+  door.publish(state);
+  EXPECT_EQ(caller.client(u"SelectLanguage"_s, {0}).errorName(), u"com.orv.Sonorel.Error.Busy"_s);
+  EXPECT_EQ(done, QStringList{u"language 12"_s});
+}
+
 TEST_F(DoorTest, PasswordsAreTakenOnlyWhenWanted) {
   EXPECT_EQ(caller.client(u"EnterPassword"_s, {u"x"_s}).errorName(), u"com.orv.Sonorel.Error.Invalid"_s);
   UserInterfaceState state;
