@@ -1,5 +1,6 @@
 #include "transfer/DropIntake.h"
 
+#include "core/state/DockImages.h"
 #include "core/state/Report.h"
 #include "core/state/ShareLayout.h"
 #include "transfer/FileTypes.h"
@@ -80,7 +81,7 @@ void DropIntake::open() {
 
 void DropIntake::showNotConnected() {
   m_view.selectTab(Tab::Connection);
-  m_view.setDockIcon(u"Disconnect"_s);
+  m_view.setDockIcon(kDisconnectImage);
   m_view.setProgressBar(0);
   m_view.windowFrontCentre();
 }
