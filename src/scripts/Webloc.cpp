@@ -5,6 +5,7 @@
 #include "platform/linux/LibplistPropertyLists.h"
 #include "platform/linux/SystemError.h"
 #include "scripts/RegularFile.h"
+#include "transfer/BookmarkNames.h"
 #include "transfer/PathNames.h"
 
 #include <QVariantMap>
@@ -21,7 +22,6 @@ namespace sonorel {
 namespace {
 
 constexpr std::size_t kLargestBookmark = 16UL * 1024 * 1024;
-constexpr QStringView kShortcutHead = u"[InternetShortcut]\nURL=";
 
 bool isControl(QChar character) {
   return character.category() == QChar::Other_Control;
@@ -54,7 +54,7 @@ QString addressInBookmark(const QByteArray &bytes) {
 }
 
 void convertBookmarkFile(const QString &path) {
-  const QString text = kShortcutHead.toString() + addressInBookmark(bytesOf(path));
+  const QString text = shortcutText(addressInBookmark(bytesOf(path)));
   const QString folder = path.left(path.lastIndexOf(u'/') + 1);
   const QString made = folder + withExtension(nameWithoutExtension(path), u"url"_s);
   const QString beside = folder + u".sonorel-"_s + QString::number(::getpid());
