@@ -14,6 +14,7 @@ ClientPaths::ClientPaths(const QString &homePath, const QString &bundlePath)
       appDataFolder(bundlePath.left(bundlePath.indexOf(u"/Sonorel.app"_s)) + u"/App Data/"_s),
       PFPath(appDataFolder + u"MacClientProperty"_s),
       dropperPropertyFilePath(appDataFolder + u"DropperPropertyListFile"_s),
-      agentExecutable(resourceFilePath + u"TrackChute.app/Contents/MacOS/TrackChute"_s) {}
+      agentExecutable(resourceFilePath + u"TrackChute.app/Contents/MacOS/TrackChute"_s),
+      artworkHandOver(machineFolder + u"/ArtworkData.txt"_s) {}
 
 } // namespace sonorel

@@ -23,6 +23,7 @@ struct ClientPaths {
   QString PFPath;           // the client property file
   QString dropperPropertyFilePath;
   QString agentExecutable;
+  QString artworkHandOver; // what the artwork exporter may read about the track
 };
 
 } // namespace sonorel

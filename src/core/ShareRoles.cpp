@@ -39,7 +39,9 @@ ShareRoles::ShareRoles(Roles &owner)
       transferTools{owner.platform.files, owner.platform.processes, owner.platform.scripts,
                     owner.platform.clock, owner.platform.desktop,   metadataCache,
                     owner.board,          owner.values.homePath},
-      transfer(transferTools, folders),
+      artwork(transferTools, owner.platform.runningApplications, owner.strings, owner.interface, folders,
+              {owner.paths.bundle, owner.paths.appDataFolder, owner.paths.artworkHandOver}),
+      transfer(transferTools, folders, transferArtwork()),
       driver(transferTools, transfer, owner.log, owner.strings, owner.session, owner.interface, owner.platform.worker,
              folders, owner.paths.mainDictPath, driverHooks()),
       intake(owner.platform.files, owner.board, owner.log, owner.strings, owner.session, owner.interface,
@@ -85,6 +87,13 @@ PlaylistMetaData::Hooks ShareRoles::playlistHooks() {
   const AlbumNames names([this](const QString &path) { return metadataCache.tags(path); }, roles.platform.desktop);
   return {[this] { return isConnected(); }, [names](const QString &path) { return names.albumOf(path); },
           [this] { return forcedEnd.get_token(); }};
+}
+
+TransferArtwork ShareRoles::transferArtwork() {
+  return {[this](const QString &track, const std::stop_token &stop) { artwork.embedArtworkToTrack(track, stop); },
+          [this](const QString &track, const QString &name, bool hierarchy, const std::stop_token &stop) {
+            artwork.transferStandAloneArtwork(track, name, hierarchy, stop);
+          }};
 }
 
 TransferDriver::Hooks ShareRoles::driverHooks() {

@@ -16,6 +16,7 @@
 #include "products/ProductSelection.h"
 #include "products/WakeOnLan.h"
 #include "transfer/DropIntake.h"
+#include "transfer/TrackArtwork.h"
 #include "transfer/TransferDriver.h"
 
 #include <atomic>
@@ -53,6 +54,7 @@ struct ShareRoles {
   // --- transfer ---
   MetadataCache metadataCache;
   TransferTools transferTools;
+  TrackArtwork artwork;
   Transfer transfer;
   TransferDriver driver;
   DropIntake intake;
@@ -80,6 +82,7 @@ private:
   [[nodiscard]] ConnectionTools makeConnectionTools();
   [[nodiscard]] ProductSelection::Hooks selectionHooks();
   [[nodiscard]] PlaylistMetaData::Hooks playlistHooks();
+  [[nodiscard]] TransferArtwork transferArtwork();
   [[nodiscard]] TransferDriver::Hooks driverHooks();
   [[nodiscard]] DropIntake::Hooks intakeHooks();
   void dropsFinished(quint32 drops);

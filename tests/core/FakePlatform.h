@@ -49,6 +49,7 @@ struct FakePlatform {
   FakePlatform() {
     files.makeFolders(QStringLiteral("/Volumes"));
     files.makeFolders(QStringLiteral("/Users/anna"));
+    runningApplications.applications = {{QStringLiteral("iTunes"), QStringLiteral("/Applications/Player"), {}, 0}};
   }
 
   // The shipped files at their places in the resource folder, and the writable property files beside the bundle.
