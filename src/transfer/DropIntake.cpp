@@ -1,5 +1,6 @@
 #include "transfer/DropIntake.h"
 
+#include "core/state/DockImages.h"
 #include "core/state/Report.h"
 #include "core/state/ShareLayout.h"
 #include "transfer/BookmarkNames.h"
@@ -136,7 +137,7 @@ bool DropIntake::isConnectedOrShown() {
     return true;
   }
   m_view.selectTab(Tab::Connection);
-  m_view.setDockIcon(u"Disconnect"_s);
+  m_view.setDockIcon(kDisconnectImage);
   m_view.setProgressBar(0);
   m_view.windowFrontCentre();
   m_hooks.dropsFinished(1);

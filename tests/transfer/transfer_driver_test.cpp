@@ -44,6 +44,25 @@ TEST_F(TransferDriverTest, CarriesAPlaylistAndSaysSo) {
   EXPECT_EQ(bench.tags.reads(u"/m/A/B/1.mp3"_s), 1);
 }
 
+TEST_F(TransferDriverTest, TheWindowIsToldEveryStepInItsOrder) {
+  const QString only = song(1);
+  bench.view.calls.clear();
+  bench.drop(u"Party"_s, {only});
+  EXPECT_EQ(bench.view.calls,
+            (QStringList{u"attention"_s, u"fillMessageLog "_s, u"setProgressBar 0"_s, u"transferStateChanged"_s,
+                         // the worker begins
+                         u"selectTab 1"_s, u"transferStateChanged"_s, u"setDockIcon Transfer"_s,
+                         // its item
+                         u"setEnableDisableCancelBtn YES"_s, u"setHighlightCancelBtn YES"_s,
+                         u"setLanguageEnabled NO"_s, u"setProgressBar 100"_s,
+                         // the ending
+                         u"setLanguageEnabled YES"_s, u"setProgressBar 0"_s, u"setEnableDisableCancelBtn NO"_s,
+                         u"setHighlightCancelBtn NO"_s, u"setDockIcon Connect"_s,
+                         // the end handler
+                         u"fillMessageLog The transfer has ended."_s, u"setEnableDisableCancelBtn NO"_s,
+                         u"transferStateChanged"_s, u"transferComplete"_s}));
+}
+
 TEST_F(TransferDriverTest, FavouritesThatWereNotWrittenAreToldBeforeTheClosingLine) {
   const QString told =
       u"The favourites lists on Auracore 5 could not be written. The items themselves were transferred, "
@@ -98,6 +117,20 @@ TEST_F(TransferDriverTest, AnEmptyQueueEndsAfterASecondAndTheMetadataCalls) {
   EXPECT_EQ(bench.sent, QStringList{u"collections"_s});
   EXPECT_EQ(bench.view.lastLog, u"These items cannot be transferred."_s);
   EXPECT_EQ(bench.view.transfersCompleted, 1);
+}
+
+TEST_F(TransferDriverTest, WhatIsSkippedForItsKindOrAbsenceBringsTheLogToTheFront) {
+  const QString gone = song(1);
+  for (const QString &item : {u"@~Radio One"_s, gone}) {
+    bench.deliver(u"Party"_s, {item});
+    bench.files.removeFile(gone);
+    bench.view.calls.clear();
+    bench.run();
+    const qsizetype told = bench.view.calls.indexOf(u"windowFrontCentre"_s);
+    ASSERT_GT(told, 0) << item.toStdString();
+    EXPECT_EQ(bench.view.calls.at(told - 1), u"selectTab 1"_s);
+    song(1);
+  }
 }
 
 TEST_F(TransferDriverTest, RadioEntriesAreOnlyReported) {
