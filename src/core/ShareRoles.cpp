@@ -17,6 +17,7 @@ ShareRoles::ShareRoles(Roles &owner)
       selection(products, owner.session, owner.strings, owner.interface, selectionHooks()),
       wakeOnLan(products, owner.platform.datagrams, owner.platform.clock, owner.platform.desktop,
                 [&owner] { return owner.interruption.token(); }),
+      discovery(owner.platform.serviceBrowser, products),
       messages(owner.platform.files, owner.platform.desktop, owner.strings, owner.interface, owner.session, folders),
       deviceName(owner.platform.files, owner.platform.propertyLists, owner.platform.desktop, owner.settings,
                  owner.session, folders, owner.paths.machinePreferences),
