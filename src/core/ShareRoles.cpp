@@ -3,6 +3,7 @@
 #include "core/AwaitTransfer.h"
 #include "core/Roles.h"
 #include "favourites/AlbumNames.h"
+#include "transfer/PicturePaths.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -35,13 +36,10 @@ ShareRoles::ShareRoles(Roles &owner)
              owner.settings, owner.session, dictionary, dictionaryFile, rewrite, limits}),
       playlists(owner.board, merge, owner.settings, owner.session, owner.platform.identifiers, owner.platform.desktop,
                 playlistHooks()),
-      metadataCache(owner.platform.files, owner.platform.metadata), transferTools{owner.platform.files,
-                                                                                  owner.platform.processes,
-                                                                                  owner.platform.clock,
-                                                                                  owner.platform.desktop,
-                                                                                  metadataCache,
-                                                                                  owner.board,
-                                                                                  owner.values.homePath},
+      metadataCache(owner.platform.files, owner.platform.metadata),
+      transferTools{owner.platform.files, owner.platform.processes, owner.platform.scripts,
+                    owner.platform.clock, owner.platform.desktop,   metadataCache,
+                    owner.board,          owner.values.homePath},
       transfer(transferTools, folders),
       driver(transferTools, transfer, owner.log, owner.strings, owner.session, owner.interface, owner.platform.worker,
              folders, owner.paths.mainDictPath, driverHooks()),
@@ -112,6 +110,10 @@ DropIntake::Hooks ShareRoles::intakeHooks() {
   hooks.pause = [this](std::chrono::milliseconds pause) {
     roles.interface.flush();
     roles.platform.clock.sleep(pause, roles.interruption.token());
+  };
+  hooks.changePhotosPaths = [this](const QStringList &paths) {
+    return sonorel::changePhotosPaths(paths, roles.values.homePath, roles.platform.files,
+                                      roles.platform.propertyLists, roles.platform.desktop);
   };
   return hooks;
 }

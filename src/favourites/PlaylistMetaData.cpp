@@ -54,7 +54,7 @@ bool PlaylistMetaData::sendPhotos(const QList<PlaylistInfo> &records) {
   if (transferred) {
     m_desktop.log(u"The albums of the transferred pictures were not written: this is not possible yet."_s);
   }
-  return !transferred;
+  return true;
 }
 
 // Kept lists are written as a transfer of their own, before this one: as if nothing had come between.

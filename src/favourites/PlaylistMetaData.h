@@ -28,8 +28,8 @@ public:
   // What earlier transfers could not write comes first, then the board's records. False when the server's favourites
   // do not hold all of it; the reason is logged. Music that was not written is taken off the board and kept here.
   // Emptying the records otherwise is the driver's.
-  // photos: the albums of pictures. Transferred pictures cannot be written to the photo favourites: false and a log
-  // line, nothing is changed. Without one there is nothing to write.
+  // photos: the albums of pictures. They are not written to the photo favourites yet: a log line when there are any,
+  // and true, because nothing has failed.
   [[nodiscard]] bool sendMetaDataForPlaylist(bool photos);
   // Something waits for another try on the product connected now.
   [[nodiscard]] bool hasUnwritten(bool photos) const;
