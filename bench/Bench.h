@@ -39,5 +39,6 @@ bool transferOf300Tracks();
 bool favouritesOf100000Titles();
 bool mergeInto100000Titles();
 bool dropOf20000Paths();
+bool mappingOf20000Pictures();
 
 } // namespace sonorel::bench

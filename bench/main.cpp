@@ -23,7 +23,8 @@ int main(int argc, char **argv) {
   const std::vector<std::pair<std::string, bool (*)()>> rows{{"1", transferOf300Tracks},
                                                              {"4", favouritesOf100000Titles},
                                                              {"5", mergeInto100000Titles},
-                                                             {"6", dropOf20000Paths}};
+                                                             {"6", dropOf20000Paths},
+                                                             {"7", mappingOf20000Pictures}};
   const std::vector<std::string> wanted(argv + 1, argv + argc);
   bool reached = true;
   for (const auto &[row, measure] : rows) {

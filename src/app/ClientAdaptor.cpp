@@ -40,12 +40,12 @@ void ClientAdaptor::onRow(const QStringList &rows, int row, const QString &text,
   }
 }
 
-void ClientAdaptor::AnswerAlert(uint serial, uint button, const QDBusMessage &message) {
+void ClientAdaptor::AnswerAlert(uint serial, int button, const QDBusMessage &message) {
   if (!m_door.answer(serial, button)) {
     refuse(m_door.bus(), message, DoorError::Invalid, u"there is no such alert, or it has no such button"_s);
     return;
   }
-  m_door.actions().answerAlert(serial, static_cast<int>(button));
+  m_door.actions().answerAlert(serial, button);
 }
 
 void ClientAdaptor::EnterPassword(const QString &password, const QDBusMessage &message) {

@@ -50,7 +50,7 @@ public:
   [[nodiscard]] QStringList selectedProducts() const { return m_door.state().selectedProducts; }
 
 public Q_SLOTS:
-  void AnswerAlert(uint serial, uint button, const QDBusMessage &message);
+  void AnswerAlert(uint serial, int button, const QDBusMessage &message);
   void EnterPassword(const QString &password, const QDBusMessage &message);
   void CancelPassword();
   void AddManualProduct(const QString &address, const QString &hostName, const QDBusMessage &message);

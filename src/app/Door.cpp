@@ -2,6 +2,7 @@
 
 #include "app/ApplicationAdaptor.h"
 #include "app/ClientAdaptor.h"
+#include "platform/linux/BusNames.h"
 
 #include <QDBusMessage>
 #include <QDBusMetaType>
@@ -41,8 +42,8 @@ Door::Door(QDBusConnection bus, ClientActions actions, const DropCounter &counte
 }
 
 bool Door::open() {
-  return m_bus.registerObject(u"/com/orv/Sonorel"_s, this, QDBusConnection::ExportAdaptors) &&
-         m_bus.registerService(u"com.orv.Sonorel"_s);
+  return m_bus.registerObject(kClientPath, this, QDBusConnection::ExportAdaptors) &&
+         m_bus.registerService(kClientService);
 }
 
 DoorAlert Door::alert() const {
@@ -53,9 +54,9 @@ DoorAlert Door::alert() const {
   return {oldest.serial, oldest.message, oldest.informativeText, oldest.buttons};
 }
 
-bool Door::answer(quint32 serial, quint32 button) {
+bool Door::answer(quint32 serial, int button) {
   for (qsizetype i = 0; i < m_questions.size(); ++i) {
-    if (m_questions[i].serial == serial && button < static_cast<quint32>(m_questions[i].buttons.size())) {
+    if (m_questions[i].serial == serial && button >= 0 && button < m_questions[i].buttons.size()) {
       m_questions.removeAt(i);
       announceAlert();
       return true;
@@ -114,7 +115,7 @@ void Door::closeQuestion(quint32 serial) {
 void Door::announceTransferComplete() {
   announceSlowOnes();
   announcePending();
-  m_bus.send(QDBusMessage::createSignal(u"/com/orv/Sonorel"_s, u"com.orv.Sonorel.Client"_s, u"TransferComplete"_s));
+  m_bus.send(QDBusMessage::createSignal(kClientPath, kClientInterface, u"TransferComplete"_s));
 }
 
 void Door::announce(const QVariantMap &changed, const QStringList &invalidated) {
@@ -122,8 +123,8 @@ void Door::announce(const QVariantMap &changed, const QStringList &invalidated) 
     return;
   }
   QDBusMessage signal =
-      QDBusMessage::createSignal(u"/com/orv/Sonorel"_s, u"org.freedesktop.DBus.Properties"_s, u"PropertiesChanged"_s);
-  signal << u"com.orv.Sonorel.Client"_s << changed << invalidated;
+      QDBusMessage::createSignal(kClientPath, u"org.freedesktop.DBus.Properties"_s, u"PropertiesChanged"_s);
+  signal << QString(kClientInterface) << changed << invalidated;
   m_bus.send(signal);
 }
 

@@ -42,7 +42,7 @@ public:
   [[nodiscard]] const QDBusConnection &bus() const { return m_bus; }
 
   // Takes the question away; false when it is not open or has no such button.
-  [[nodiscard]] bool answer(quint32 serial, quint32 button);
+  [[nodiscard]] bool answer(quint32 serial, int button);
 
   // --- from DoorInterface, on the main thread ---
   void publish(const UserInterfaceState &state);

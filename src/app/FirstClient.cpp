@@ -1,5 +1,7 @@
 #include "app/FirstClient.h"
 
+#include "platform/linux/BusNames.h"
+
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QVariantMap>
@@ -20,13 +22,13 @@ constexpr auto kBetweenTries = 100ms; // a client owns its name as soon as its f
 } // namespace
 
 bool isClientOn(const QDBusConnection &bus) {
-  return bus.interface()->isServiceRegistered(u"com.orv.Sonorel"_s);
+  return bus.interface()->isServiceRegistered(kClientService);
 }
 
 bool activateFirstClient(const QDBusConnection &bus) {
   for (int i = 0; i < kTries; ++i) {
     if (isClientOn(bus)) {
-      QDBusMessage activate = QDBusMessage::createMethodCall(u"com.orv.Sonorel"_s, u"/com/orv/Sonorel"_s,
+      QDBusMessage activate = QDBusMessage::createMethodCall(kClientService, kClientPath,
                                                              u"org.freedesktop.Application"_s, u"Activate"_s);
       activate << QVariantMap();
       return bus.call(activate).type() == QDBusMessage::ReplyMessage;

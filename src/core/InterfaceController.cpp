@@ -116,7 +116,7 @@ void InterfaceController::windowFrontCentre() {
   });
 }
 
-// A worker's wish may arrive after Cancel was pressed.
+// A worker's wish may arrive after Cancel was pressed; so may those for progress and the pulse.
 void InterfaceController::setEnableDisableCancelBtn(bool enabled) {
   enqueue([this, enabled] { put(&UserInterfaceState::cancelEnabled, enabled && !m_board.isCancel); });
 }
@@ -126,14 +126,14 @@ void InterfaceController::setHighlightCancelBtn(bool highlighted) {
 }
 
 void InterfaceController::setProgressBar(double percent) {
-  enqueue([this, percent] { put(&UserInterfaceState::progress, percent); });
+  enqueue([this, percent] { put(&UserInterfaceState::progress, m_board.isCancel ? 0.0 : percent); });
 }
 
 void InterfaceController::setDockIcon(const QString &iconImageType) {
   enqueue([this, iconImageType] {
     if (iconImageType != kTransferIcon) {
       showImage(iconImageType);
-    } else if (m_pulsatingTimer == 0) {
+    } else if (m_pulsatingTimer == 0 && !m_board.isCancel) {
       m_pulsatingTimer = m_loop.every(kPulsePeriod, [this] { pulsateImage(); });
     }
   });

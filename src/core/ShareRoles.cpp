@@ -107,8 +107,16 @@ TransferDriver::Hooks ShareRoles::driverHooks() {
 }
 
 DropIntake::Hooks ShareRoles::intakeHooks() {
-  return {[this] { return connectFlow.isConnected(); }, [this] { driver.startTransfer(); },
-          [this] { roles.system.killTrackChuteAndLaunch(); }, [this](quint32 drops) { dropsFinished(drops); }};
+  DropIntake::Hooks hooks;
+  hooks.isConnected = [this] { return connectFlow.isConnected(); };
+  hooks.startTransfer = [this] { driver.startTransfer(); };
+  hooks.killTrackChuteAndLaunch = [this] { roles.system.killTrackChuteAndLaunch(); };
+  hooks.dropsFinished = [this](quint32 drops) { dropsFinished(drops); };
+  hooks.pause = [this](std::chrono::milliseconds pause) {
+    roles.interface.flush();
+    roles.platform.clock.sleep(pause, roles.interruption.token());
+  };
+  return hooks;
 }
 
 // Not before people can see what has become of them.

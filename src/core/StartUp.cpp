@@ -91,12 +91,13 @@ void StartUp::createFolderIfMissing(const QString &path) {
 }
 
 void StartUp::loadPreferences() {
+  const bool isMissing = m_platform.files.presence(m_paths.preferences) == Presence::Absent;
   const QString oddity = m_state.preferences.load();
+  if (!isMissing && !oddity.isEmpty()) {
+    m_platform.desktop.log(oddity);
+  }
   if (m_platform.files.presence(m_paths.preferences) != Presence::Absent) {
-    if (!oddity.isEmpty()) {
-      m_platform.desktop.log(oddity);
-    }
-    return;
+    return; // a damaged one has been set aside
   }
   m_state.preferences.change([](QVariantMap &values) {
     values = {{kLanguage, kDefaultLanguageFile.toString()}, {u"ArtworkOption"_s, 0}, {kUserFirstLaunch, kYes}};

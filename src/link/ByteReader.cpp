@@ -37,11 +37,6 @@ QByteArrayView ByteReader::view(quint32 count) {
   return found;
 }
 
-void ByteReader::skip(quint32 count) {
-  require(count);
-  m_position += count;
-}
-
 void ByteReader::seek(qsizetype position) {
   if (position < 0 || position > m_data.size()) {
     throw Failure(u"offset %1 of %2 bytes"_s.arg(position).arg(m_data.size()), FailureKind::Damaged);

@@ -13,12 +13,10 @@ public:
 
   [[nodiscard]] quint8 u8();
   [[nodiscard]] quint32 u32();
-  [[nodiscard]] qint32 i32() { return static_cast<qint32>(u32()); }
   // A copy of the next bytes.
   [[nodiscard]] QByteArray bytes(quint32 count);
   // The next bytes without a copy.
   [[nodiscard]] QByteArrayView view(quint32 count);
-  void skip(quint32 count);
   // Moves to an offset counted from the beginning; the end itself is allowed.
   void seek(qsizetype position);
 

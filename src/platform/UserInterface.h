@@ -23,7 +23,6 @@ struct UserInterfaceState {
   bool languageEnabled = true;
   bool passwordWanted = false;
   bool windowVisible = false;
-  quint32 pending = 0; // drops received and not yet finished
   QString languageFile;
   QMap<QString, QString> labels; // strings-table key to text, placeholders replaced
   QStringList detectedProducts;

@@ -1,12 +1,13 @@
 #include "trackchute/Poster.h"
 
 #include "platform/Failure.h"
+#include "platform/linux/BusNames.h"
+#include "platform/linux/NotificationMessage.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusVariant>
-#include <QVariantMap>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -14,17 +15,12 @@ namespace sonorel::trackchute {
 
 namespace {
 
-constexpr auto kClientService = "com.orv.Sonorel";
-constexpr auto kClientPath = "/com/orv/Sonorel";
-constexpr auto kClientInterface = "com.orv.Sonorel.Client";
-constexpr qsizetype kLargestNotification = 32 * 1024 * 1024;
 constexpr int kAnswerTimeout = 30000; // milliseconds; the door answers at once, a busy machine may not
 
 QDBusMessage property(const QString &name) {
   QDBusMessage call =
-      QDBusMessage::createMethodCall(QString::fromLatin1(kClientService), QString::fromLatin1(kClientPath),
-                                     u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
-  call << QString::fromLatin1(kClientInterface) << name;
+      QDBusMessage::createMethodCall(kClientService, kClientPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
+  call << QString(kClientInterface) << name;
   return QDBusConnection::sessionBus().call(call, QDBus::Block, kAnswerTimeout);
 }
 
@@ -35,7 +31,7 @@ Poster::Poster() {
   if (!bus.isConnected()) {
     throw Failure(u"there is no session bus; start the programs below dbus-run-session"_s);
   }
-  if (!bus.interface()->isServiceRegistered(QString::fromLatin1(kClientService))) {
+  if (!bus.interface()->isServiceRegistered(kClientService)) {
     throw Failure(u"no Sonorel client is running"_s);
   }
 }
@@ -49,16 +45,8 @@ QString Poster::deviceName() const {
 }
 
 void Poster::postDrag(const QString &object, const QStringList &draggedFiles) {
-  qsizetype bytes = object.size();
-  for (const QString &path : draggedFiles) {
-    bytes += path.toUtf8().size() + 8; // the length, the ending NUL and the padding
-  }
-  if (bytes > kLargestNotification) {
-    throw Failure(u"this is more than one drop can hold; drop it in smaller portions"_s);
-  }
-  QDBusMessage drag =
-      QDBusMessage::createSignal(u"/com/orv/TrackChute"_s, u"com.orv.TrackChute"_s, u"TrackChute_DragRecieved"_s);
-  drag << object << QVariantMap{{u"draggedFiles"_s, draggedFiles}};
+  const QDBusMessage drag =
+      messageOfNotification(u"TrackChute_DragRecieved"_s, {object, {{u"draggedFiles"_s, draggedFiles}}});
   if (!QDBusConnection::sessionBus().send(drag)) {
     throw Failure(u"the session bus did not take the drop"_s);
   }

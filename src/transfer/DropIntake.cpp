@@ -1,7 +1,9 @@
 #include "transfer/DropIntake.h"
 
+#include "core/state/DockImages.h"
 #include "core/state/Report.h"
 #include "core/state/ShareLayout.h"
+#include "transfer/BookmarkNames.h"
 #include "transfer/FileTypes.h"
 #include "transfer/PathNames.h"
 
@@ -14,6 +16,39 @@ namespace sonorel {
 namespace {
 
 constexpr QStringView kFinder = u"Finder";
+constexpr std::chrono::milliseconds kPauseBeforeAgent{1000};
+
+QueueEntry entryOf(const QString &path) {
+  const bool isRadio = path.startsWith(kRadioPrefix);
+  return {isRadio ? QueueEntry::Kind::Radio : QueueEntry::Kind::Path, path, {}};
+}
+
+struct Album {
+  QString name;
+  QStringList paths;
+};
+
+// Those that hold something.
+QList<Album> albumsOf(const QVariantList &photoData) {
+  QList<Album> albums;
+  for (const QVariant &value : photoData) {
+    const QVariantMap album = value.toMap();
+    const QStringList paths = album.value(u"draggedFiles"_s).toStringList();
+    if (!paths.isEmpty()) {
+      albums.append({album.value(u"albumName"_s).toString(), paths});
+    }
+  }
+  return albums;
+}
+
+// Pairs up to the shorter of the two lists.
+Drop dropOfBookmarks(const QStringList &titles, const QStringList &urls) {
+  Drop drop;
+  for (qsizetype i = 0; i < qMin(titles.size(), urls.size()); ++i) {
+    drop.items.append({QueueEntry::Kind::BookmarkPair, bookmarkFileName(titles[i]), shortcutText(urls[i])});
+  }
+  return drop;
+}
 
 bool isNotTransferable(const QString &name, const QStringList &paths) {
   return name == u"TV Shows" || name == u"iPod Games" || (paths.isEmpty() && name == kNoPlaylist);
@@ -42,30 +77,49 @@ void DropIntake::whenReady(std::function<void()> handling) {
 }
 
 void DropIntake::handleiTunesDragAndDrop(const Notification &notification) {
-  whenReady([this, notification] { guarded(u"handleiTunesDragAndDrop"_s, [&] { handleMusic(notification); }); });
+  whenReady([this, notification] {
+    guarded(u"handleiTunesDragAndDrop"_s, OnException::Alert, [&] { handleMusic(notification); });
+  });
 }
 
-void DropIntake::handleiPhotoDragAndDrop(const Notification & /*notification*/) {
-  whenReady([this] { guarded(u"handleiPhotoDragAndDrop"_s, [this] { refuseKind(); }); });
+void DropIntake::handleiPhotoDragAndDrop(const Notification &notification) {
+  whenReady([this, notification] {
+    guarded(u"handleiPhotoDragAndDrop"_s, OnException::Alert, [&] {
+      if (isConnectedOrShown()) {
+        handOver(dropOfAlbums(notification.userInfo.value(u"PhotoData"_s).toList()));
+      }
+    });
+  });
 }
 
-void DropIntake::handleSafariDragAndDrop(const Notification & /*notification*/) {
-  whenReady([this] { guarded(u"handleSafariDragAndDrop"_s, [this] { refuseKind(); }); });
+void DropIntake::handleSafariDragAndDrop(const Notification &notification) {
+  whenReady([this, notification] {
+    guarded(u"handleSafariDragAndDrop"_s, OnException::LogOnly, [&] {
+      if (isConnectedOrShown()) {
+        handOver(dropOfBookmarks(notification.userInfo.value(u"Titles"_s).toStringList(),
+                                 notification.userInfo.value(u"Urls"_s).toStringList()),
+                 Refusal::Silent);
+      }
+    });
+  });
 }
 
 void DropIntake::openFiles() {
   open();
   m_view.windowFrontCentre();
+  m_hooks.pause(kPauseBeforeAgent);
   m_hooks.killTrackChuteAndLaunch();
 }
 
-void DropIntake::guarded(const QString &operation, const std::function<void()> &handling) {
+void DropIntake::guarded(const QString &operation, OnException onException, const std::function<void()> &handling) {
   try {
     open();
     handling();
   } catch (const std::exception &exception) {
     logException(m_desktop, operation, exception);
-    m_view.alert(m_strings.text(u"ExceptionText"_s), m_strings.text(u"ErrorDrag"_s));
+    if (onException == OnException::Alert) {
+      m_view.alert(m_strings.text(u"ExceptionText"_s), m_strings.text(u"ErrorDrag"_s));
+    }
     m_hooks.dropsFinished(1);
   }
 }
@@ -78,25 +132,22 @@ void DropIntake::open() {
   }
 }
 
-void DropIntake::showNotConnected() {
+bool DropIntake::isConnectedOrShown() {
+  if (m_hooks.isConnected()) {
+    return true;
+  }
   m_view.selectTab(Tab::Connection);
-  m_view.setDockIcon(u"Disconnect"_s);
+  m_view.setDockIcon(kDisconnectImage);
   m_view.setProgressBar(0);
   m_view.windowFrontCentre();
-}
-
-void DropIntake::refuseKind() {
-  m_log.showOnly(m_strings.text(u"Message12"_s));
-  m_view.windowFrontCentre();
   m_hooks.dropsFinished(1);
+  return false;
 }
 
 void DropIntake::handleMusic(const Notification &notification) {
   const QStringList paths = notification.userInfo.value(u"draggedFiles"_s).toStringList();
   QString name = notification.object;
-  if (!m_hooks.isConnected()) {
-    showNotConnected();
-    m_hooks.dropsFinished(1);
+  if (!isConnectedOrShown()) {
     return;
   }
   if (isNotTransferable(name, paths)) {
@@ -120,7 +171,7 @@ Drop DropIntake::dropOf(const QString &name, const QStringList &paths) {
     if (name == kFinder || m_files.presence(path) != Presence::Absent) {
       addFile(drop, name, path);
     } else if (path.startsWith(kRadioPrefix)) {
-      drop.items.append({QueueEntry::Kind::Radio, path, {}});
+      drop.items.append(entryOf(path));
     }
   }
   if (!drop.pictureRecords.isEmpty()) {
@@ -131,9 +182,8 @@ Drop DropIntake::dropOf(const QString &name, const QStringList &paths) {
 }
 
 void DropIntake::addFile(Drop &drop, const QString &name, const QString &path) {
-  const bool isRadio = path.startsWith(kRadioPrefix);
-  drop.items.append({isRadio ? QueueEntry::Kind::Radio : QueueEntry::Kind::Path, path, {}});
-  if (name == kFinder || isRadio) {
+  drop.items.append(entryOf(path));
+  if (name == kFinder || drop.items.constLast().kind == QueueEntry::Kind::Radio) {
     return;
   }
   const FileType type = fileTypeOf(pathExtension(path));
@@ -155,6 +205,29 @@ QString DropIntake::pictureAlbumName(const QString &name) const {
   return colourNameOfMarker(name);
 }
 
+// A marker ends each album, whatever its name; tracks stay empty.
+Drop DropIntake::dropOfAlbums(const QVariantList &photoData) {
+  const QList<Album> albums = albumsOf(photoData);
+  QStringList all;
+  for (const Album &album : albums) {
+    all.append(album.paths);
+  }
+  const QStringList images = m_hooks.changePhotosPaths(all);
+  Drop drop;
+  qsizetype next = 0;
+  for (const Album &album : albums) {
+    const bool isRecorded = album.name != kFinder && album.name != kNoPlaylist;
+    for (qsizetype end = next + album.paths.size(); next < end; ++next) {
+      drop.items.append(entryOf(images[next]));
+      if (isRecorded) {
+        drop.pictureRecords.append({album.name, images[next], {}, images[next], u"N"_s});
+      }
+    }
+    drop.pictureRecords.append(PlaylistInfo());
+  }
+  return drop;
+}
+
 // Without a thread there is no transfer, and the next drop must be able to start one.
 void DropIntake::startTransfer() {
   try {
@@ -166,7 +239,7 @@ void DropIntake::startTransfer() {
   }
 }
 
-void DropIntake::handOver(const Drop &drop) {
+void DropIntake::handOver(const Drop &drop, Refusal refusal) {
   switch (m_board.offer(drop)) {
   case DropAnswer::Started:
     m_view.setProgressBar(0);
@@ -174,8 +247,10 @@ void DropIntake::handOver(const Drop &drop) {
     startTransfer();
     break;
   case DropAnswer::Refused:
-    m_log.showOnly(m_strings.text(u"Message11"_s));
-    m_view.windowFrontCentre();
+    if (refusal == Refusal::Told) {
+      m_log.showOnly(m_strings.text(u"Message11"_s));
+      m_view.windowFrontCentre();
+    }
     m_hooks.dropsFinished(1);
     break;
   case DropAnswer::Appended:

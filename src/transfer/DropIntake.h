@@ -12,6 +12,7 @@
 #include "platform/FileSystem.h"
 #include "platform/Notifications.h"
 
+#include <chrono>
 #include <functional>
 #include <vector>
 
@@ -25,6 +26,11 @@ public:
     std::function<void()> startTransfer;
     std::function<void()> killTrackChuteAndLaunch;
     std::function<void(quint32)> dropsFinished; // for a drop that reached no transfer
+    std::function<void(std::chrono::milliseconds)> pause = [](std::chrono::milliseconds) {};
+    // The picture library's image files behind the paths, one for each; asked once for a drop.
+    std::function<QStringList(const QStringList &)> changePhotosPaths = [](const QStringList &paths) {
+      return paths;
+    };
   };
 
   // All references must outlive the object.
@@ -35,23 +41,26 @@ public:
   void setReady();
 
   void handleiTunesDragAndDrop(const Notification &notification);
-  // Albums of pictures and bookmarks are not carried yet: the user is told so, nothing is queued.
   void handleiPhotoDragAndDrop(const Notification &notification);
   void handleSafariDragAndDrop(const Notification &notification);
-  // Files opened with the application: the agent is restarted, the paths are not queued here.
+  // Files opened with the application: the agent is restarted, after a second; the paths are not queued here.
   void openFiles();
 
 private:
+  enum class OnException { Alert, LogOnly };
+  enum class Refusal { Told, Silent }; // of a drop while the running transfer is being cancelled
+
   void whenReady(std::function<void()> handling);
-  void guarded(const QString &operation, const std::function<void()> &handling);
+  void guarded(const QString &operation, OnException onException, const std::function<void()> &handling);
   void open(); // what every drag begins with
-  void showNotConnected();
+  // Shown, and the drop is over, when not.
+  [[nodiscard]] bool isConnectedOrShown();
   void handleMusic(const Notification &notification);
-  void refuseKind();
+  [[nodiscard]] Drop dropOfAlbums(const QVariantList &photoData);
   [[nodiscard]] Drop dropOf(const QString &name, const QStringList &paths);
   void addFile(Drop &drop, const QString &name, const QString &path);
   [[nodiscard]] QString pictureAlbumName(const QString &name) const;
-  void handOver(const Drop &drop);
+  void handOver(const Drop &drop, Refusal refusal = Refusal::Told);
   void startTransfer();
 
   FileSystem &m_files;

@@ -13,6 +13,7 @@ namespace sonorel {
 namespace {
 
 constexpr std::chrono::milliseconds kPauseAfterRemoval{2000};
+constexpr std::chrono::milliseconds kLastCopyDeadline{1500};
 
 QString relativeTo(const QString &literal, const QString &path) {
   const QStringList pieces = path.split(literal);
@@ -161,7 +162,7 @@ bool Transfer::copyIntoHierarchy(const Track &track, const QString &folder, cons
     artworkAction(track, newFile, true);
   }
   for (const QString &file : {newFile, folder + track.ownName}) {
-    if (copyTo(track, file)) {
+    if (copyTo(track, file, m_stop)) {
       if (track.artworkMode == 2) {
         artworkAction(track, file, true);
       }
@@ -196,21 +197,34 @@ bool Transfer::settleOn(const Track &track, const QString &file, bool useFolderH
     record(track, file);
     return false;
   }
+  if (m_stop.stop_requested()) {
+    return false; // the new copy could not follow
+  }
   const bool removed = removeOld(file);
   // What cannot be removed is copied over all the same, but a folder would take the copy inside.
   if (!removed && isFolder(m_tools.files, file)) {
     return false;
   }
-  if (!m_tools.clock.sleep(kPauseAfterRemoval, m_stop)) {
-    return false;
+  if (m_tools.clock.sleep(kPauseAfterRemoval, m_stop)) {
+    artworkAction(track, file, useFolderHierarchy);
   }
-  artworkAction(track, file, useFolderHierarchy);
-  if (copyTo(track, file)) {
+  if (copyTo(track, file, m_stop)) {
     return true;
   }
-  if (removed) { // else it is the old track that stands there
-    removeRemains(file);
+  if (!removed) { // it is the old track that stands there
+    return false;
   }
+  removeRemains(file);
+  return m_stop.stop_requested() && replaceInAHurry(track, file);
+}
+
+// Nothing stands on the share any more, and the program is about to end: most tracks are copied in the moment that
+// is left.
+bool Transfer::replaceInAHurry(const Track &track, const QString &file) {
+  if (copyTo(track, file, {}, kLastCopyDeadline)) {
+    return true;
+  }
+  removeRemains(file);
   return false;
 }
 
@@ -227,9 +241,10 @@ bool Transfer::removeOld(const QString &file) {
   return true;
 }
 
-bool Transfer::copyTo(const Track &track, const QString &file) {
+bool Transfer::copyTo(const Track &track, const QString &file, const std::stop_token &stop,
+                      std::chrono::milliseconds deadline) {
   const ToolResult result =
-      m_tools.processes.run({u"/bin/cp"_s, {u"-p"_s, track.source, file}, std::nullopt, {}}, m_stop);
+      m_tools.processes.run({u"/bin/cp"_s, {u"-p"_s, track.source, file}, std::nullopt, deadline}, stop);
   if (!succeeded(result)) {
     return false;
   }

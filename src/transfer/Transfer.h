@@ -76,7 +76,10 @@ private:
   void createMusicFolder();
   void createFoldersOf(const QString &base, const QString &relativeName);
   [[nodiscard]] bool settleOn(const Track &track, const QString &file, bool useFolderHierarchy);
-  [[nodiscard]] bool copyTo(const Track &track, const QString &file);
+  [[nodiscard]] bool replaceInAHurry(const Track &track, const QString &file);
+  // deadline 0: none.
+  [[nodiscard]] bool copyTo(const Track &track, const QString &file, const std::stop_token &stop,
+                            std::chrono::milliseconds deadline = {});
   [[nodiscard]] bool placeInHierarchy(const Track &track);
   [[nodiscard]] bool copyIntoHierarchy(const Track &track, const QString &folder, const QString &newFile);
   void removeRemains(const QString &file);

@@ -1,5 +1,6 @@
 #include "transfer/TransferDriver.h"
 
+#include "core/state/DockImages.h"
 #include "core/state/Report.h"
 #include "transfer/PathNames.h"
 #include "transfer/TemporaryDragFiles.h"
@@ -75,7 +76,7 @@ bool TransferDriver::runTransfer() {
   m_tools.metadata.clear();
   m_log.startNew();
   m_view.transferStateChanged();
-  m_view.setDockIcon(u"Transfer"_s);
+  m_view.setDockIcon(kTransferIcon);
   if (!carryQueue()) {
     endForSleep();
     return false;
@@ -117,7 +118,7 @@ TransferDriver::After TransferDriver::carryItem(const QueueEntry &entry) {
   }
   if (!m_transfer.isBookmarkFileType() && m_tools.files.presence(item.path) == Presence::Absent) {
     if (!m_hooks.isConnected()) {
-      return shareLost(u"Disconnect"_s);
+      return shareLost(kDisconnectImage);
     }
     reportMissing(item.path);
     return After::NextItem;
@@ -164,7 +165,7 @@ TransferDriver::After TransferDriver::carrySound(const Item &item) {
     if (isVaultboxDiskFree(item.path)) {
       return copySound(item);
     }
-    return m_isNetworkAlive ? diskFull() : shareLost(u"Disconnect"_s);
+    return m_isNetworkAlive ? diskFull() : shareLost(kDisconnectImage);
   } catch (const std::exception &exception) {
     return exceptionInSound(exception);
   }
@@ -208,7 +209,7 @@ TransferDriver::After TransferDriver::copySound(const Item &item) {
   }
   const bool shareIsThere = m_tools.files.presence(m_folders.system()) == Presence::Present;
   if (!shareIsThere && !m_tools.board.isCancel) {
-    return shareLost(u"Connect"_s);
+    return shareLost(kConnectImage);
   }
   if (m_transfer.settledOnIdenticalFile() || isAlreadyOnTheServer(item)) {
     m_showTransferCompleteMessage = true;
@@ -285,6 +286,8 @@ void TransferDriver::rejectItem(const Item &item) {
 
 void TransferDriver::reportMissing(const QString &path) {
   showMessage(withFileName(message(u"Message13"_s), lastPathComponent(path)));
+  m_view.selectTab(Tab::Transfer);
+  m_view.windowFrontCentre();
 }
 
 void TransferDriver::reportRadio(const QString &item) {

@@ -1,4 +1,5 @@
 // The driver's ways out, and the messages that go with them.
+#include "core/state/DockImages.h"
 #include "core/state/Report.h"
 #include "transfer/PathNames.h"
 #include "transfer/TransferDriver.h"
@@ -47,7 +48,7 @@ TransferDriver::After TransferDriver::exceptionInSound(const std::exception &exc
 
 void TransferDriver::endForSleep() {
   m_view.stopPulse();
-  m_view.setDockIcon(m_hooks.isConnected() ? u"Connect"_s : u"Disconnect"_s);
+  m_view.setDockIcon(m_hooks.isConnected() ? kConnectImage : kDisconnectImage);
   m_view.setEnableDisableCancelBtn(false);
   m_view.setLanguageEnabled(true);
   m_view.setProgressBar(0);
@@ -66,7 +67,7 @@ void TransferDriver::endTransfer() {
     if (!connected) {
       m_view.selectTab(Tab::Transfer);
     }
-    m_view.setDockIcon(connected ? u"Connect"_s : u"Disconnect"_s);
+    m_view.setDockIcon(connected ? kConnectImage : kDisconnectImage);
     board.clearQueue();
   }
   sendPlaylists();
@@ -125,7 +126,7 @@ bool TransferDriver::cleanUpAfterException(const std::exception &exception) {
   m_view.setProgressBar(0);
   m_view.setEnableDisableCancelBtn(false);
   m_view.setHighlightCancelBtn(false);
-  m_view.setDockIcon(m_hooks.isConnected() ? u"Connect"_s : u"Disconnect"_s);
+  m_view.setDockIcon(m_hooks.isConnected() ? kConnectImage : kDisconnectImage);
   removeMainDictionary();
   const quint32 drops = m_tools.board.acceptedDrops();
   const bool dropWaited = m_tools.board.finish();
@@ -151,9 +152,7 @@ QString TransferDriver::message(const QString &key) {
 }
 
 void TransferDriver::showMessage(const QString &text) {
-  m_log.append(text);
-  m_log.show();
-  m_log.append(u"\n"_s);
+  m_log.showLine(text);
 }
 
 void TransferDriver::showWithRemainingList(const QString &text) {

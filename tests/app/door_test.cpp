@@ -1,11 +1,12 @@
 #include "app/Door.h"
+#include "support/Printers.h"
 
 #include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QThread>
+#include <QXmlStreamReader>
 
 #include <gtest/gtest.h>
 
@@ -139,6 +140,67 @@ TEST_F(DoorTest, ShowsThePublishedState) {
   EXPECT_EQ(caller.property(u"Pending"_s).toUInt(), 1U);
 }
 
+// As other programs write them into their calls: a method of another signature is no method to them.
+TEST_F(DoorTest, HasTheSignaturesThatProgramsUse) {
+  const QDBusMessage reply = caller.call(u"org.freedesktop.DBus.Introspectable"_s, u"Introspect"_s);
+  QXmlStreamReader xml(reply.arguments().value(0).toString());
+  QStringList found;
+  QString interface;
+  while (!xml.atEnd()) {
+    xml.readNext();
+    const auto attribute = [&xml](const char *name) {
+      return xml.attributes().value(QLatin1String(name)).toString();
+    };
+    if (!xml.isStartElement()) {
+      continue;
+    }
+    if (xml.name() == u"interface") {
+      interface = attribute("name");
+    } else if (interface != u"com.orv.Sonorel.Client" && interface != u"org.freedesktop.Application") {
+      continue;
+    } else if (xml.name() == u"method" || xml.name() == u"signal") {
+      found.append(attribute("name") + u' ');
+    } else if (xml.name() == u"arg") {
+      found.last() += attribute("type");
+    } else if (xml.name() == u"property") {
+      found.append(attribute("name") + u' ' + attribute("type") + u' ' + attribute("access"));
+    }
+  }
+  found.sort();
+  EXPECT_EQ(found.join(u'\n'), QStringList({u"Activate a{sv}"_s,
+                                            u"ActivateAction sava{sv}"_s,
+                                            u"AddAddedProduct is"_s,
+                                            u"AddDetectedProduct is"_s,
+                                            u"AddManualProduct ss"_s,
+                                            u"AddedProducts as read"_s,
+                                            u"Alert (ussas) read"_s,
+                                            u"AnswerAlert ui"_s,
+                                            u"Busy b read"_s,
+                                            u"CancelPassword "_s,
+                                            u"Connected b read"_s,
+                                            u"CurrentTab i read"_s,
+                                            u"DetectedProducts as read"_s,
+                                            u"DeviceName s read"_s,
+                                            u"DockImage s read"_s,
+                                            u"EnterPassword s"_s,
+                                            u"Language s read"_s,
+                                            u"MessageLog s read"_s,
+                                            u"Open asa{sv}"_s,
+                                            u"PasswordWanted b read"_s,
+                                            u"Pending u read"_s,
+                                            u"Progress d read"_s,
+                                            u"RemoveAddedProduct is"_s,
+                                            u"RemoveAllProducts "_s,
+                                            u"RemoveProduct is"_s,
+                                            u"SelectLanguage i"_s,
+                                            u"SelectProduct is"_s,
+                                            u"SelectedProducts as read"_s,
+                                            u"TransferComplete "_s,
+                                            u"Transferring b read"_s,
+                                            u"Version s read"_s})
+                                   .join(u'\n'));
+}
+
 TEST_F(DoorTest, AnnouncesWhatChangedAndOnlyThat) {
   UserInterfaceState state;
   state.connected = true;
@@ -179,12 +241,13 @@ TEST_F(DoorTest, TransferCompleteComesAfterItsValues) {
 TEST_F(DoorTest, TheOldestAlertIsShownAndAnswered) {
   door.openQuestion({3, u"Attention"_s, u"An address is missing."_s, {u"OK"_s}});
   door.openQuestion({4, u"Please note"_s, u"Really?"_s, {u"No"_s, u"Yes"_s}});
-  EXPECT_EQ(caller.client(u"AnswerAlert"_s, {4U, 2U}).errorName(), u"com.orv.Sonorel.Error.Invalid"_s);
-  EXPECT_EQ(caller.client(u"AnswerAlert"_s, {9U, 0U}).errorName(), u"com.orv.Sonorel.Error.Invalid"_s);
+  EXPECT_EQ(caller.client(u"AnswerAlert"_s, {4U, 2}).errorName(), u"com.orv.Sonorel.Error.Invalid"_s);
+  EXPECT_EQ(caller.client(u"AnswerAlert"_s, {9U, 0}).errorName(), u"com.orv.Sonorel.Error.Invalid"_s);
+  EXPECT_EQ(caller.client(u"AnswerAlert"_s, {3U, -1}).errorName(), u"com.orv.Sonorel.Error.Invalid"_s);
   EXPECT_EQ(door.alert().serial, 3U);
-  EXPECT_EQ(caller.client(u"AnswerAlert"_s, {3U, 0U}).type(), QDBusMessage::ReplyMessage);
+  EXPECT_EQ(caller.client(u"AnswerAlert"_s, {3U, 0}).type(), QDBusMessage::ReplyMessage);
   EXPECT_EQ(door.alert().message, u"Please note"_s);
-  EXPECT_EQ(caller.client(u"AnswerAlert"_s, {4U, 1U}).type(), QDBusMessage::ReplyMessage);
+  EXPECT_EQ(caller.client(u"AnswerAlert"_s, {4U, 1}).type(), QDBusMessage::ReplyMessage);
   EXPECT_EQ(door.alert().serial, 0U);
   EXPECT_EQ(done, (QStringList{u"answer 3 0"_s, u"answer 4 1"_s}));
 }

@@ -1,6 +1,7 @@
 #include "app/FirstClient.h"
 
 #include "app/Door.h"
+#include "support/Printers.h"
 
 #include <gtest/gtest.h>
 

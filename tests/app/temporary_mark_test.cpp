@@ -1,6 +1,7 @@
 #include "app/TemporaryMark.h"
 
 #include "platform/Failure.h"
+#include "support/Printers.h"
 
 #include <QFile>
 #include <QRegularExpression>

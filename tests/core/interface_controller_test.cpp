@@ -111,6 +111,18 @@ TEST_F(InterfaceControllerTest, CancelIsNeverEnabledWhileACancelIsUnderWay) {
   EXPECT_FALSE(shown().cancelHighlighted);
 }
 
+TEST_F(InterfaceControllerTest, WishesOfAWorkerThatComeAfterTheCancelChangeNothing) {
+  board.isCancel = true;
+  interface.setDockIcon(u"Connect"_s);
+  interface.setProgressBar(0);
+  interface.setDockIcon(u"Transfer"_s);
+  interface.setProgressBar(50);
+  fakes.loop.runPosted();
+  fakes.loop.advance(700ms);
+  EXPECT_EQ(shown().dockImage, u"Connect"_s);
+  EXPECT_EQ(shown().progress, 0);
+}
+
 TEST_F(InterfaceControllerTest, TransferringFollowsTheBoard) {
   ASSERT_EQ(board.offer({{{QueueEntry::Kind::Path, u"/a.mp3"_s, {}}}, {}, {}, {}, {}, false}), DropAnswer::Started);
   interface.transferStateChanged();

@@ -96,7 +96,7 @@ TEST_F(SleepAndWakeTest, ListsWhatWasNotTransferred) {
             u"earlier\n"_s + QString(87, u'-') + u'\n' + kMessage1 + u"left.mp3\nJazz FM\nNews.url\n"_s);
   EXPECT_EQ(view.tab, Tab::Transfer);
   EXPECT_EQ(board.count(), 0);
-  EXPECT_EQ(board.trackCount(), 0);
+  EXPECT_EQ(board.track(0), std::nullopt);
   EXPECT_FALSE(board.manualSleepWasConnected);
   EXPECT_EQ(view.calls.mid(view.calls.size() - 2), QStringList({u"setDockIcon Disconnect"_s, u"setProgressBar 0"_s}));
 }

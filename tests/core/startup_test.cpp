@@ -150,6 +150,7 @@ TEST_F(StartUpTest, StartsAnewWithDamagedPreferences) {
   ASSERT_TRUE(startUp.init());
   EXPECT_EQ(preferences.text(u"Language"_s), u"StringsEnglish"_s);
   EXPECT_EQ(fakes.files.tree(kSupport).keys().filter(u"LastPreferences"_s).size(), 2) << "the damaged one is kept";
+  EXPECT_TRUE(fakes.desktop.logged(u"is damaged"_s)) << "and named in the log";
 }
 
 TEST_F(StartUpTest, EndsOtherCopiesAndEjectsTheirDisk) {

@@ -32,7 +32,7 @@ TEST(ByteReader, ReadsLittleEndianFieldsInTurn) {
   ByteReader reader(bytes);
   EXPECT_EQ(reader.u8(), 1);
   EXPECT_EQ(reader.u32(), 38U);
-  EXPECT_EQ(reader.i32(), -1);
+  EXPECT_EQ(reader.u32(), 0xFFFFFFFFU);
   EXPECT_EQ(reader.position(), 9);
   EXPECT_EQ(reader.remaining(), 3);
   EXPECT_EQ(reader.bytes(3), QByteArray("abc"));
@@ -44,7 +44,6 @@ TEST(ByteReader, RefusesEveryFieldThatPassesTheEnd) {
   EXPECT_EQ(kindOf([&] { static_cast<void>(ByteReader(bytes).u32()); }), FailureKind::Damaged);
   EXPECT_EQ(kindOf([&] { static_cast<void>(ByteReader(bytes).bytes(4)); }), FailureKind::Damaged);
   EXPECT_EQ(kindOf([&] { static_cast<void>(ByteReader(bytes).view(4)); }), FailureKind::Damaged);
-  EXPECT_EQ(kindOf([&] { ByteReader(bytes).skip(4); }), FailureKind::Damaged);
   EXPECT_EQ(kindOf([&] { static_cast<void>(ByteReader(QByteArrayView()).u8()); }), FailureKind::Damaged);
 }
 
@@ -61,7 +60,7 @@ TEST(ByteReader, RefusesALengthOfFourGigabytesWithoutAllocatingIt) {
 
 TEST(ByteReader, SaysWhatWasWantedAndWhatIsLeft) {
   ByteReader reader(QByteArrayView("abcde"));
-  reader.skip(3);
+  reader.seek(3);
   try {
     static_cast<void>(reader.u32());
     FAIL() << "nothing was thrown";
@@ -82,7 +81,7 @@ TEST(ByteReader, SeeksUpToTheEndAndNotBeyond) {
 
 TEST(ByteReader, ReadsZeroBytesAnywhere) {
   ByteReader reader(QByteArrayView("a"));
-  reader.skip(1);
+  reader.seek(1);
   EXPECT_EQ(reader.bytes(0), QByteArray());
   EXPECT_TRUE(reader.atEnd());
 }

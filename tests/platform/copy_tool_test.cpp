@@ -55,6 +55,12 @@ TEST_F(CopyTools, NeverLeaveAReadOnlyCopy) {
   EXPECT_EQ(target().st_mtim.tv_sec, 1'200'000'000);
 }
 
+TEST_F(CopyTools, PutNothingIntoAFolderThatHasTheTargetsName) {
+  std::filesystem::create_directory(temporary.base() / "data/Embedded/VB-SHARE$/Music/track.mp3");
+  EXPECT_EQ(copy().status, 1);
+  EXPECT_FALSE(temporary.exists("data/Embedded/VB-SHARE$/Music/track.mp3/track.mp3"));
+}
+
 TEST_F(CopyTools, MendWhatAMountCouldNotKeep) {
   const ToolResult result =
       copyWith("cat \"$3\" > \"$4\"\n"

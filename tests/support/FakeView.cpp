@@ -1,5 +1,7 @@
 #include "support/FakeView.h"
 
+#include "core/state/DockImages.h"
+
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -69,7 +71,7 @@ void FakeView::setDockIcon(const QString &iconImageType) {
   const std::lock_guard guard(m_mutex);
   calls.append(u"setDockIcon "_s + iconImageType);
   icon = iconImageType;
-  pulsing = iconImageType == u"Transfer"_s;
+  pulsing = iconImageType == kTransferIcon;
 }
 
 void FakeView::stopPulse() {

@@ -100,6 +100,20 @@ TEST_F(TransferDriverTest, AnEmptyQueueEndsAfterASecondAndTheMetadataCalls) {
   EXPECT_EQ(bench.view.transfersCompleted, 1);
 }
 
+TEST_F(TransferDriverTest, WhatIsSkippedForItsKindOrAbsenceBringsTheLogToTheFront) {
+  const QString gone = song(1);
+  for (const QString &item : {u"@~Radio One"_s, gone}) {
+    bench.deliver(u"Party"_s, {item});
+    bench.files.removeFile(gone);
+    bench.view.calls.clear();
+    bench.run();
+    const qsizetype told = bench.view.calls.indexOf(u"windowFrontCentre"_s);
+    ASSERT_GT(told, 0) << item.toStdString();
+    EXPECT_EQ(bench.view.calls.at(told - 1), u"selectTab 1"_s);
+    song(1);
+  }
+}
+
 TEST_F(TransferDriverTest, RadioEntriesAreOnlyReported) {
   bench.drop(u"Party"_s, {u"@~Radio One"_s, u"@~RadioTwo"_s});
   EXPECT_EQ(bench.view.lastLog, u"\" One\" was not transferred because it is a radio station.\n"

@@ -58,6 +58,52 @@ TEST_F(TransferTest, ASourceOneSecondNewerIsTheSameTwoSecondsNewerIsReplaced) {
   EXPECT_TRUE(place(source));
 }
 
+TEST_F(TransferTest, NothingIsRemovedWhenTheReplacementCannotFollow) {
+  const QString target = kMusic + u"ABBA/Gold/ABBA-Gold-Waterloo.mp3"_s;
+  bench.files.put(target, "older", 900);
+  std::stop_source stop;
+  stop.request_stop();
+  bench.transfer.setStopToken(stop.get_token());
+  EXPECT_FALSE(place(source));
+  EXPECT_EQ(bench.files.bytes(target), "older");
+  EXPECT_TRUE(bench.processes.requests.isEmpty());
+}
+
+TEST_F(TransferTest, AnInterruptedReplacementIsFinishedWhenThatIsSoonDone) {
+  const QString target = kMusic + u"ABBA/Gold/ABBA-Gold-Waterloo.mp3"_s;
+  for (const bool inThePause : {true, false}) {
+    bench.files.put(target, "older", 900);
+    bench.board.replaceRecords(false, {{u"P"_s, source, {}, {}, u"N"_s}});
+    bench.processes.requests.clear();
+    std::stop_source stop;
+    bench.transfer.setStopToken(stop.get_token());
+    bench.clock.onSleep = [&stop, inThePause] { inThePause ? stop.request_stop() : false; };
+    bench.processes.onRun = [&stop](const ToolRequest &request) -> std::optional<ToolResult> {
+      if (request.deadline != std::chrono::milliseconds(0)) {
+        return std::nullopt;
+      }
+      stop.request_stop();
+      return ToolResult{ToolEnding::Stopped, -1, {}};
+    };
+    EXPECT_TRUE(place(source));
+    EXPECT_EQ(bench.files.bytes(target).size(), 200'000);
+    EXPECT_EQ(bench.board.records(false).first().songTransferFlag, u"Y"_s);
+    EXPECT_EQ(bench.processes.requests.last().arguments, (QStringList{u"-p"_s, source, target}));
+    EXPECT_EQ(bench.processes.requests.last().deadline, std::chrono::milliseconds(1500));
+  }
+}
+
+TEST_F(TransferTest, AnInterruptedCopyOfANewTrackIsGivenUp) {
+  std::stop_source stop;
+  bench.transfer.setStopToken(stop.get_token());
+  bench.processes.onRun = [&stop](const ToolRequest &) -> std::optional<ToolResult> {
+    stop.request_stop();
+    return ToolResult{ToolEnding::Stopped, -1, {}};
+  };
+  EXPECT_FALSE(place(source));
+  EXPECT_EQ(bench.processes.requests.size(), 1);
+}
+
 TEST_F(TransferTest, SettlesOnTheParenthesisedFormAndRecordsIt) {
   bench.files.put(kMusic + u"ABBA/Gold/(01).mp3"_s, QByteArray(200'000, 'm'), 1000);
   bench.board.replaceRecords(false, {{u"P"_s, source, {}, {}, u"N"_s}});

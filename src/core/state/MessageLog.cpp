@@ -49,6 +49,18 @@ QString MessageLog::fileInvalid() const {
   return m_fileInvalid;
 }
 
+void MessageLog::showLine(const QString &line) {
+  {
+    const std::lock_guard guard(m_GUILock);
+    const std::lock_guard lock(m_threadLock);
+    m_fileInvalid += line;
+    m_shownLength = m_fileInvalid.size();
+    m_viewText.clear();
+    m_fileInvalid += u'\n';
+  }
+  m_changed();
+}
+
 // Only the length is kept: a copy would have to be made anew by the next append.
 void MessageLog::show() {
   {

@@ -24,6 +24,8 @@ public:
   // The line of 87 dashes, only when fileInvalid is not empty.
   void appendSeparator();
   [[nodiscard]] QString fileInvalid() const;
+  // Appends a line and shows it, in one step; its line end is seen only with what comes behind it.
+  void showLine(const QString &line);
   // The view shows fileInvalid as it is now; what is appended later is not seen.
   void show();
   // The view alone shows this text.

@@ -18,10 +18,6 @@ struct PlaylistInfo {
   QString songTransferFlag;    // "Y" once the file stands on the server, "N" before
 
   bool operator==(const PlaylistInfo &) const = default;
-  [[nodiscard]] bool isEndOfAlbumMarker() const {
-    return playlistName.isEmpty() && sourceSongPath.isEmpty() && destinationSongName.isEmpty() &&
-           songTransferFlag.isEmpty();
-  }
 };
 
 class PlaylistRecords {

@@ -77,11 +77,6 @@ QList<QueueEntry> TransferBoard::entriesFrom(qsizetype index) const {
   return m_queue.mid(qMax<qsizetype>(index, 0));
 }
 
-qsizetype TransferBoard::trackCount() const {
-  const std::lock_guard lock(m_mutex);
-  return m_tracks.size();
-}
-
 std::optional<QString> TransferBoard::track(qsizetype index) const {
   const std::lock_guard lock(m_mutex);
   if (index < 0 || index >= m_tracks.size()) {

@@ -60,7 +60,6 @@ public:
   [[nodiscard]] qsizetype places() const; // entries of `sharedFileQ`, a bookmark pair counting twice
   [[nodiscard]] std::optional<QueueEntry> at(qsizetype index) const;
   [[nodiscard]] QList<QueueEntry> entriesFrom(qsizetype index) const;
-  [[nodiscard]] qsizetype trackCount() const;
   [[nodiscard]] std::optional<QString> track(qsizetype index) const;
   // True and Ending when nothing stands at the index any more; false when a drop came meanwhile.
   [[nodiscard]] bool endWhenNothingAt(qsizetype index);

@@ -304,11 +304,24 @@ ToolResult runChild(const HostCommand &command, milliseconds deadline, std::stop
   return result;
 }
 
-qint64 startChild(const HostCommand &command) {
+bool DetachedChildren::start(const HostCommand &command) {
+  collect();
   const Channel nothing = inputChannel(false);
-  return nothing.theirs.isOpen()
-             ? spawn(command, {nothing.theirs.get(), nothing.theirs.get()}, true, command.environment)
-             : 0;
+  if (!nothing.theirs.isOpen()) {
+    return false;
+  }
+  const pid_t child = spawn(command, {nothing.theirs.get(), nothing.theirs.get()}, true, command.environment);
+  if (child == 0) {
+    return false;
+  }
+  const std::lock_guard lock(m_mutex);
+  m_running.push_back(child);
+  return true;
+}
+
+void DetachedChildren::collect() {
+  const std::lock_guard lock(m_mutex);
+  std::erase_if(m_running, [](pid_t child) { return ::waitpid(child, nullptr, WNOHANG) != 0; });
 }
 
 } // namespace sonorel

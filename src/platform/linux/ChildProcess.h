@@ -7,6 +7,11 @@
 
 #include <QList>
 
+#include <sys/types.h>
+
+#include <mutex>
+#include <vector>
+
 namespace sonorel {
 
 struct HostCommand {
@@ -23,8 +28,23 @@ inline constexpr qsizetype kOutputLimit = 64 * 1024;
 // deadline 0: none. The child's messages are in English (LC_ALL=C).
 [[nodiscard]] ToolResult runChild(const HostCommand &command, std::chrono::milliseconds deadline,
                                   std::stop_token stop);
-// In a session of its own, with the user's own language; its process number, or 0 when it could not be started. The
-// caller waits for it some time.
-[[nodiscard]] qint64 startChild(const HostCommand &command);
+// Children that go their own way. Their ends are noticed when the next one starts and when the object ends. Any
+// thread.
+class DetachedChildren {
+public:
+  DetachedChildren() = default;
+  DetachedChildren(const DetachedChildren &) = delete;
+  DetachedChildren &operator=(const DetachedChildren &) = delete;
+  ~DetachedChildren() { collect(); }
+
+  // In a session of its own, with the user's own language; false when it could not be started.
+  [[nodiscard]] bool start(const HostCommand &command);
+  // Those that have ended meanwhile leave the process table.
+  void collect();
+
+private:
+  std::mutex m_mutex; // guards m_running
+  std::vector<pid_t> m_running;
+};
 
 } // namespace sonorel

@@ -83,7 +83,7 @@ ToolResult CopyTool::copy(const ToolRequest &request, std::stop_token stop) {
     HostCommand command;
     command.program = m_program;
     const auto from = m_volumes.map().host(arguments.at(1));
-    command.arguments = {"-p", "--", from->toUtf8(), targetFor(target)};
+    command.arguments = {"-pT", "--", from->toUtf8(), targetFor(target)}; // T: into no folder of that name
     command.passedFolder = target.root.get();
     ToolResult result = runChild(command, request.deadline, std::move(stop));
     if (result.ending != ToolEnding::Exited) {

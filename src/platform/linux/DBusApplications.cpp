@@ -1,5 +1,6 @@
 #include "platform/linux/DBusApplications.h"
 
+#include "platform/linux/BusNames.h"
 #include "platform/linux/FileDescriptor.h"
 
 #include <QDBusMessage>
@@ -17,22 +18,22 @@ namespace {
 constexpr int kBusAnswer = 5000; // milliseconds
 
 struct KnownApplication {
-  QStringView busName; // and bundle identifier
+  QLatin1String busName; // and bundle identifier
   QStringView name;
   QStringView path;
 };
 
 constexpr std::array<KnownApplication, 2> kKnown{
-    {{u"com.orv.Sonorel", u"Sonorel", u"/Applications/Sonorel/Sonorel.app"},
-     {u"com.orv.TrackChute", u"TrackChute", u"/Applications/Sonorel/Sonorel.app/Contents/Resources/TrackChute.app"}}};
+    {{kClientService, u"Sonorel", u"/Applications/Sonorel/Sonorel.app"},
+     {kAgentService, u"TrackChute", u"/Applications/Sonorel/Sonorel.app/Contents/Resources/TrackChute.app"}}};
 
 } // namespace
 
 std::vector<RunningApplication> DBusApplications::launched() {
   std::vector<RunningApplication> running;
   for (const KnownApplication &known : kKnown) {
-    if (const auto process = ownerOf(known.busName.toString())) {
-      running.push_back({known.name.toString(), known.path.toString(), known.busName.toString(), *process});
+    if (const auto process = ownerOf(known.busName)) {
+      running.push_back({known.name.toString(), known.path.toString(), known.busName, *process});
     }
   }
   return running;

@@ -1,6 +1,7 @@
 #include "platform/linux/DBusNotifications.h"
 
 #include "platform/Failure.h"
+#include "platform/linux/BusNames.h"
 #include "platform/linux/NotificationMessage.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -18,8 +19,7 @@ void DBusNotifications::observe(const QString &name, Handler handler) {
     m_handlers.insert(name, handler);
   }
   // Without a signature: a signal of another one shall be seen, and logged.
-  if (isNew && !m_bus.connect(QString(), QString::fromLatin1(kAgentPath), QString::fromLatin1(kAgentInterface), name,
-                              this, SLOT(receive(QDBusMessage)))) {
+  if (isNew && !m_bus.connect(QString(), kAgentPath, kAgentInterface, name, this, SLOT(receive(QDBusMessage)))) {
     m_desktop.log(u"notifications \"%1\" cannot be observed on the session bus"_s.arg(name));
   }
 }
@@ -31,8 +31,7 @@ void DBusNotifications::stopObserving(const QString &name) {
       return;
     }
   }
-  m_bus.disconnect(QString(), QString::fromLatin1(kAgentPath), QString::fromLatin1(kAgentInterface), name, this,
-                   SLOT(receive(QDBusMessage)));
+  m_bus.disconnect(QString(), kAgentPath, kAgentInterface, name, this, SLOT(receive(QDBusMessage)));
 }
 
 void DBusNotifications::post(const QString &name, const Notification &notification) {

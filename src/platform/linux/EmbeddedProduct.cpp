@@ -2,6 +2,7 @@
 
 #include "platform/linux/FileDescriptor.h"
 #include "platform/linux/HostFile.h"
+#include "platform/linux/HostFolders.h"
 #include "platform/linux/SystemError.h"
 
 #include <QHashFunctions>
@@ -41,21 +42,6 @@ QByteArray limitsFile() {
          "GREEN_LIMIT=10\r\nYELLOW_LIMIT=10\r\nRED_LIMIT=10\r\nBLUE_LIMIT=10\r\n";
 }
 
-void makeFolders(const QString &path) {
-  for (qsizetype end = path.indexOf(u'/', 1);; end = path.indexOf(u'/', end + 1)) {
-    const QString folder = end < 0 ? path : path.left(end);
-    const QByteArray host = folder.toUtf8();
-    if (::mkdir(host.constData(), kFolderMode) == 0) {
-      ::chmod(host.constData(), kFolderMode);
-    } else if (errno != EEXIST) {
-      throw systemFailure(errno, folder);
-    }
-    if (end < 0) {
-      return;
-    }
-  }
-}
-
 void writeWhenMissing(const QString &path, const QByteArray &bytes) {
   const Place place{FileDescriptor(), path.toUtf8(), false, false};
   try {
@@ -75,7 +61,7 @@ bool EmbeddedProduct::isAddress(const QString &address) {
 
 void EmbeddedProduct::prepare() const {
   for (const QString &folder : {u"/System"_s, u"/Music"_s, u"/Photo"_s, u"/Video"_s, u"/Favorites"_s}) {
-    makeFolders(m_tree + folder);
+    makeHostFolders(m_tree + folder, kFolderMode);
   }
   const QString system = m_tree + u"/System/"_s;
   writeWhenMissing(system + u"OrvProductName.orv"_s, nameFile(m_productName));

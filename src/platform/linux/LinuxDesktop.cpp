@@ -1,7 +1,6 @@
 #include "platform/linux/LinuxDesktop.h"
 
 #include "platform/linux/AutostartEntry.h"
-#include "platform/linux/ChildProcess.h"
 
 #include <QDir>
 #include <QFile>
@@ -10,7 +9,6 @@
 #include <QSaveFile>
 #include <QStandardPaths>
 
-#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
@@ -116,17 +114,12 @@ QString LinuxDesktop::systemLanguage() {
 }
 
 bool LinuxDesktop::openDocument(const QString &path) {
-  std::erase_if(m_openers, [](pid_t opener) { return ::waitpid(opener, nullptr, WNOHANG) != 0; });
   const auto hostPath = m_places.hostPath(path);
   const QString opener = QStandardPaths::findExecutable(u"xdg-open"_s);
   if (!hostPath || !QFileInfo::exists(*hostPath) || opener.isEmpty()) {
     return false;
   }
-  const auto child = static_cast<pid_t>(startChild({opener.toUtf8(), {hostPath->toUtf8()}, std::nullopt, {}, -1}));
-  if (child > 0) {
-    m_openers.push_back(child);
-  }
-  return child > 0;
+  return m_openers.start({opener.toUtf8(), {hostPath->toUtf8()}, std::nullopt, {}, -1});
 }
 
 void LinuxDesktop::log(const QString &line) {

@@ -3,9 +3,8 @@
 #pragma once
 
 #include "platform/Desktop.h"
+#include "platform/linux/ChildProcess.h"
 #include "platform/linux/HostPath.h"
-
-#include <sys/types.h>
 
 namespace sonorel {
 
@@ -36,7 +35,7 @@ private:
   [[nodiscard]] bool writeEntry(const QString &file, const LoginItem &item) const;
 
   Places m_places;
-  std::vector<pid_t> m_openers; // started, and not yet seen to have ended
+  DetachedChildren m_openers;
 };
 
 } // namespace sonorel

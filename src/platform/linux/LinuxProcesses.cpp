@@ -1,9 +1,6 @@
 #include "platform/linux/LinuxProcesses.h"
 
 #include "platform/Failure.h"
-#include "platform/linux/ChildProcess.h"
-
-#include <sys/wait.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -30,10 +27,6 @@ LinuxProcesses::LinuxProcesses(Roots roots, ProcessOptions options, std::functio
     : m_volumes(std::move(roots)), m_mountTool(m_volumes, options.embeddedProduct, log), m_copyTool(m_volumes),
       m_musicFolder(options.musicFolder), m_log(std::move(log)) {}
 
-LinuxProcesses::~LinuxProcesses() {
-  collectDetached();
-}
-
 void LinuxProcesses::note(const QString &line) const {
   if (m_log) {
     m_log(line);
@@ -44,7 +37,7 @@ ToolResult LinuxProcesses::run(const ToolRequest &request, std::stop_token stop)
   if (stop.stop_requested()) {
     return {ToolEnding::Stopped, -1, {}};
   }
-  collectDetached();
+  m_detached.collect();
   try {
     return runTool(request, std::move(stop));
   } catch (const Failure &e) {
@@ -137,7 +130,6 @@ ToolResult LinuxProcesses::runInstalled(const ToolRequest &request, std::stop_to
 }
 
 bool LinuxProcesses::startDetached(const QString &program, const QStringList &arguments) {
-  collectDetached();
   const auto host = m_volumes.map().host(program);
   if (!host) {
     return false;
@@ -147,19 +139,7 @@ bool LinuxProcesses::startDetached(const QString &program, const QStringList &ar
   for (const QString &argument : arguments) {
     command.arguments.append(argument.toUtf8());
   }
-  const qint64 process = startChild(command);
-  if (process == 0) {
-    return false;
-  }
-  const std::lock_guard lock(m_mutex);
-  m_detached.append(process);
-  return true;
-}
-
-// Those that have ended meanwhile leave the process table.
-void LinuxProcesses::collectDetached() {
-  const std::lock_guard lock(m_mutex);
-  m_detached.removeIf([](qint64 process) { return ::waitpid(static_cast<pid_t>(process), nullptr, WNOHANG) != 0; });
+  return m_detached.start(command);
 }
 
 } // namespace sonorel

@@ -4,13 +4,11 @@
 #pragma once
 
 #include "platform/Processes.h"
+#include "platform/linux/ChildProcess.h"
 #include "platform/linux/CopyTool.h"
 #include "platform/linux/MountTool.h"
 
-#include <QList>
-
 #include <functional>
-#include <mutex>
 
 namespace sonorel {
 
@@ -23,7 +21,6 @@ class LinuxProcesses final : public Processes {
 public:
   // log may be called from any thread.
   explicit LinuxProcesses(Roots roots, ProcessOptions options = {}, std::function<void(const QString &)> log = {});
-  ~LinuxProcesses() override;
 
   ToolResult run(const ToolRequest &request, std::stop_token stop) override;
   bool startDetached(const QString &program, const QStringList &arguments) override;
@@ -33,7 +30,6 @@ private:
   [[nodiscard]] ToolResult runRemoval(const ToolRequest &request, const QByteArray &program, std::stop_token stop);
   [[nodiscard]] ToolResult runScript(const ToolRequest &request, std::stop_token stop);
   [[nodiscard]] ToolResult runInstalled(const ToolRequest &request, std::stop_token stop);
-  void collectDetached();
   void note(const QString &line) const;
 
   Volumes m_volumes;
@@ -41,8 +37,7 @@ private:
   CopyTool m_copyTool;
   const QString m_musicFolder;
   const std::function<void(const QString &)> m_log;
-  std::mutex m_mutex; // guards m_detached
-  QList<qint64> m_detached;
+  DetachedChildren m_detached;
 };
 
 } // namespace sonorel

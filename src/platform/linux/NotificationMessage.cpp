@@ -1,6 +1,7 @@
 #include "platform/linux/NotificationMessage.h"
 
 #include "platform/Failure.h"
+#include "platform/linux/BusNames.h"
 
 #include <QDBusArgument>
 #include <QDBusMetaType>
@@ -107,15 +108,14 @@ QVariant sendable(const QVariant &value) {
 
 QDBusMessage messageOfNotification(const QString &name, const Notification &notification) {
   if (sizeOf(notification.object) + sizeOf(notification.userInfo) > kNotificationLimit) {
-    throw Failure(u"a notification holds at most %1 bytes"_s.arg(kNotificationLimit));
+    throw Failure(u"this is more than one drop can hold; drop it in smaller portions"_s);
   }
   qDBusRegisterMetaType<QList<QVariantMap>>();
   QVariantMap info;
   for (auto entry = notification.userInfo.constBegin(); entry != notification.userInfo.constEnd(); ++entry) {
     info.insert(entry.key(), sendable(entry.value()));
   }
-  QDBusMessage message =
-      QDBusMessage::createSignal(QString::fromLatin1(kAgentPath), QString::fromLatin1(kAgentInterface), name);
+  QDBusMessage message = QDBusMessage::createSignal(kAgentPath, kAgentInterface, name);
   message << notification.object << info;
   return message;
 }

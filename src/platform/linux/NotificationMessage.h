@@ -7,9 +7,6 @@
 
 namespace sonorel {
 
-inline constexpr auto kAgentService = "com.orv.TrackChute";
-inline constexpr auto kAgentPath = "/com/orv/TrackChute";
-inline constexpr auto kAgentInterface = "com.orv.TrackChute";
 // The bus refuses 128 MiB and libdbus hangs the sender above an array of 64 MiB.
 inline constexpr qsizetype kNotificationLimit = 32 * 1024 * 1024;
 

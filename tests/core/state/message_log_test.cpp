@@ -40,6 +40,14 @@ TEST_F(MessageLogTest, ShowHandsOverTheTextAsItIsNow) {
   EXPECT_EQ(shown, (QStringList{u"one"_s}));
 }
 
+TEST_F(MessageLogTest, LineEndOfAShownLineIsNotSeenBeforeTheNextOne) {
+  log.showLine(u"one"_s);
+  EXPECT_EQ(log.viewText(), u"one"_s);
+  EXPECT_EQ(log.fileInvalid(), u"one\n"_s);
+  log.showLine(u"two"_s);
+  EXPECT_EQ(log.viewText(), u"one\ntwo"_s);
+}
+
 TEST_F(MessageLogTest, ShowOnlyLeavesTheTextOfTheTransfer) {
   log.append(u"one\n"_s);
   log.showOnly(u"other"_s);

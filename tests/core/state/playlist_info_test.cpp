@@ -27,13 +27,6 @@ QStringList flags(const PlaylistRecords &records) {
 
 } // namespace
 
-TEST(PlaylistInfo, EmptyRecordIsTheEndOfAnAlbum) {
-  EXPECT_TRUE(PlaylistInfo().isEndOfAlbumMarker());
-  EXPECT_FALSE(record(u"Jazz"_s, {}).isEndOfAlbumMarker());
-  EXPECT_FALSE(record({}, u"/a.jpg"_s).isEndOfAlbumMarker());
-  EXPECT_FALSE((PlaylistInfo{{}, {}, {}, {}, u"N"_s}).isEndOfAlbumMarker());
-}
-
 TEST(PlaylistRecords, KeepsDropOrder) {
   PlaylistRecords records({record(u"A"_s, u"2"_s)});
   records.append(record(u"A"_s, u"1"_s));

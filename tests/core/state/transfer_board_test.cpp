@@ -98,7 +98,8 @@ TEST(TransferBoard, DropDuringCancelChangesNothing) {
   EXPECT_FALSE(board.hasRecords(true));
   EXPECT_FALSE(board.takeVideoPresent());
   EXPECT_EQ(board.count(), 1);
-  EXPECT_EQ(board.trackCount(), 1);
+  EXPECT_EQ(board.track(0), u"/m/a.mp3"_s);
+  EXPECT_EQ(board.track(1), std::nullopt);
   EXPECT_EQ(board.acceptedDrops(), 1U);
   EXPECT_FALSE(board.finish());
 }
@@ -155,7 +156,7 @@ TEST(TransferBoard, EndsWhenTheQueueWasEmptiedUnderTheWorker) {
   EXPECT_FALSE(board.at(1).has_value());
   EXPECT_TRUE(board.entriesFrom(1).isEmpty());
   EXPECT_EQ(board.places(), 0);
-  EXPECT_EQ(board.trackCount(), 0);
+  EXPECT_EQ(board.track(0), std::nullopt);
   EXPECT_TRUE(board.endWhenNothingAt(1));
 }
 
