@@ -104,8 +104,8 @@ protected:
                        [this](const ProductTables &tables) { interface.setProducts(tables); }};
   FavouritesRewrite rewrite{{fakes.files, fakes.clock, fakes.identifiers, fakes.desktop, session},
                             standardFolders(),
-                            QStringLiteral("/Client/"),
-                            QStringLiteral("/Client/Backup")};
+                            QStringLiteral("/Users/anna/"),
+                            QStringLiteral("/Users/anna/Backup")};
   PhotoFavourites photoFavourites{fakes.desktop, fakes.identifiers, session, rewrite};
   WindowTexts texts{
       fakes.files, fakes.desktop,
