@@ -5,6 +5,7 @@
 #include "FakePlatform.h"
 #include "core/ApplicationEvents.h"
 #include "core/ConnectFlow.h"
+#include "favourites/PhotoFavourites.h"
 
 #include <gtest/gtest.h>
 
