@@ -34,8 +34,9 @@ ShareRoles::ShareRoles(Roles &owner)
              folders, [&owner] { owner.quitRequests.unconditionally(); }),
       merge({owner.platform.files, owner.platform.propertyLists, owner.platform.clock, owner.platform.desktop,
              owner.settings, owner.session, dictionary, dictionaryFile, rewrite, limits}),
-      playlists(owner.board, merge, owner.settings, owner.session, owner.platform.identifiers, owner.platform.desktop,
-                playlistHooks()),
+      photoFavourites(owner.platform.desktop, owner.platform.identifiers, owner.session, rewrite),
+      playlists(owner.board, merge, photoFavourites, owner.settings, owner.session, owner.platform.identifiers,
+                owner.platform.desktop, playlistHooks()),
       metadataCache(owner.platform.files, owner.platform.metadata),
       transferTools{owner.platform.files, owner.platform.processes, owner.platform.scripts,
                     owner.platform.clock, owner.platform.desktop,   metadataCache,
@@ -46,7 +47,10 @@ ShareRoles::ShareRoles(Roles &owner)
       intake(owner.platform.files, owner.board, owner.log, owner.strings, owner.session, owner.interface,
              owner.platform.desktop, intakeHooks()),
       texts(owner.platform.files, owner.platform.desktop, owner.settings, owner.strings, owner.session,
-            owner.interface, owner.paths),
+            owner.interface, owner.paths,
+            [this](const QByteArray &emptyList) {
+              photoFavourites.createIfMissing(emptyList, roles.interruption.token());
+            }),
       clientAlive(owner.platform.loop,
                   {[this] { return connectFlow.isConnected(); }, [this] { messages.sendClientAliveMessage(); }}),
       cleanup(owner.platform.files, owner.platform.clock, owner.platform.desktop, folders,

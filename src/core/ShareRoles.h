@@ -50,6 +50,7 @@ struct ShareRoles {
   ProductVersion productVersion;
   ColourLimits limits;
   FavouritesMerge merge;
+  PhotoFavourites photoFavourites;
   PlaylistMetaData playlists;
 
   // --- transfer ---
