@@ -83,8 +83,10 @@ public:
       {files, clock, desktop, [this] { return rewrite.backupFolderOfProduct(); }}, test::standardFolders(), [] {}};
   FavouritesMerge merge{
       {files, propertyLists, clock, desktop, settings, session, dictionary, dictionaryFile, rewrite, limits}};
+  PhotoFavourites photoFavourites{desktop, identifiers, session, rewrite};
   PlaylistMetaData metaData{board,
                             merge,
+                            photoFavourites,
                             settings,
                             session,
                             identifiers,

@@ -126,7 +126,8 @@ Client::Client(World &in)
                [] {}),
       m_merge({world.files, world.lists, world.clock, desktop, m_settings, m_session, m_dictionary, m_dictionaryFile,
                m_rewrite, m_limits}),
-      m_playlists(board, m_merge, m_settings, m_session, world.identifiers, desktop,
+      m_photoFavourites(desktop, world.identifiers, m_session, m_rewrite),
+      m_playlists(board, m_merge, m_photoFavourites, m_settings, m_session, world.identifiers, desktop,
                   {[this] { return isConnected(); },
                    [this](const QString &path) {
                      const auto tags = m_metadata.tags(path);

@@ -111,6 +111,7 @@ private:
   MainDictionary m_dictionary;
   ColourLimits m_limits;
   FavouritesMerge m_merge;
+  PhotoFavourites m_photoFavourites;
   PlaylistMetaData m_playlists;
   TransferDriver m_driver;
   DropIntake m_intake;
