@@ -30,6 +30,26 @@ QByteArray textOf(const FavouriteLists &lists) {
   return lines.join(u'\n').toUtf8();
 }
 
+// A photo file keeps every album that was ever written: one dropped twice stands there twice, and one whose transfer
+// was broken off has fewer pictures the first time. All albums of a name are taken together. Reading frames a name by
+// its number, and numbers start anew after a connection that was broken off: the frames go.
+QByteArray photoText(const QByteArray &bytes, const QString &product) {
+  const DecodedFavourites decoded = decodeFavourites(bytes, FavouritesKind::Photos, {product, false});
+  QMap<QString, QStringList> albums;
+  for (const FavouriteList &list : decoded.lists) {
+    for (const FavouriteTitle &title : list.songs) {
+      albums[QString(list.playlistName).remove(kFrame.toString())].append(title.songPath);
+    }
+  }
+  QStringList lines = decoded.oddities;
+  for (auto album = albums.begin(); album != albums.end(); ++album) {
+    album->sort();
+    album->removeDuplicates();
+    lines.append(album.key() + u": "_s + album->join(u' '));
+  }
+  return lines.join(u'\n').toUtf8();
+}
+
 bool isTemporary(const QString &path) {
   return path.section(u'/', -1).startsWith(u".sonorel-"_s);
 }
@@ -54,6 +74,8 @@ QMap<QString, QByteArray> shareState(World &world) {
     }
     if (file.key() == u"System/NetMusicFavorites.orv"_s) {
       state.insert(file.key(), favouritesText(world));
+    } else if (file.key() == u"System/PhotoFavorites.orv"_s) {
+      state.insert(file.key(), photoText(*file, world.product));
     } else if (file.key() == u"System/SonorelCFLContents.xml"_s) {
       state.insert(file.key(), textOf(listsOfDictionary(world.lists.decode(*file).toMap())));
     } else {
