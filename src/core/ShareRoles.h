@@ -10,6 +10,7 @@
 #include "core/ShareCleanup.h"
 #include "core/SleepAndWake.h"
 #include "core/StartUp.h"
+#include "core/WakeNotice.h"
 #include "core/WindowTexts.h"
 #include "favourites/PlaylistMetaData.h"
 #include "favourites/ProductVersion.h"
@@ -38,6 +39,7 @@ struct ShareRoles {
   // --- products ---
   ProductList products;
   ProductSelection selection;
+  WakeNotice wakeNotice;
   WakeOnLan wakeOnLan;
   BonjourDiscovery discovery; // `bonjourDiscoveryObj`
 

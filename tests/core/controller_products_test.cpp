@@ -55,6 +55,7 @@ TEST_F(ControllerProductsTest, ProductThatIsFoundIsShownTakenOverWokenAndConnect
   controller->addDetectedProduct(0, kRow);
   fakes.loop.runPosted();
   EXPECT_EQ(state().selectedProducts, QStringList({kRow}));
+  EXPECT_EQ(state().dockMenuProducts, QStringList({u"Vaultbox 1 (Kitchen, den)"_s}));
   controller->selectProduct(0, kRow);
   fakes.loop.runPosted();
   ASSERT_TRUE(state().passwordWanted);
@@ -95,4 +96,42 @@ TEST_F(ControllerProductsTest, RefusedQuitKeepsLookingForProducts) {
   announce(den());
   EXPECT_EQ(state().detectedProducts, QStringList({kRow}));
   carry();
+}
+
+TEST_F(ControllerProductsTest, TellsWhatIsWaitedForAfterAProductWasWoken) {
+  start();
+  announce(den());
+  controller->addDetectedProduct(0, kRow);
+  controller->selectProduct(0, kRow);
+  fakes.loop.runPosted();
+  QStringList shownWhileMounting;
+  fakes.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (request.program == u"/sbin/mount"_s) {
+      shownWhileMounting.append(state().messageLog);
+    }
+    return std::nullopt;
+  };
+  fakes.processes.mountAnswers = {{1, "no route", false}, {1, "no route", false}, {1, "no route", false}};
+  controller->enterPassword(u"secret"_s);
+  fakes.loop.runPosted();
+  const auto waiting = u"The product was woken. It may take a minute until it answers."_s;
+  EXPECT_EQ(shownWhileMounting, QStringList({waiting, waiting, waiting}));
+  EXPECT_EQ(state().messageLog, QString()) << "nothing is waited for any more";
+  controller->connect();
+  fakes.loop.runPosted();
+  EXPECT_TRUE(state().connected);
+  EXPECT_EQ(state().messageLog, QString());
+}
+
+TEST_F(ControllerProductsTest, SaysNothingOfWaitingWhenNothingWasWoken) {
+  selectProduct(u"p@ss"_s);
+  QString shown = u"never mounted"_s;
+  fakes.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (request.program == u"/sbin/mount"_s) {
+      shown = state().messageLog;
+    }
+    return std::nullopt;
+  };
+  start();
+  EXPECT_EQ(shown, QString());
 }
