@@ -15,13 +15,18 @@ void ApplicationAdaptor::Activate(const QVariantMap & /*platformData*/) {
   m_door.actions().reopen();
 }
 
-void ApplicationAdaptor::Open(const QStringList &uris, const QVariantMap & /*platformData*/) {
+void ApplicationAdaptor::Open(const QStringList &uris, const QVariantMap & /*platformData*/,
+                              const QDBusMessage &message) {
   QStringList paths;
   for (const QString &uri : uris) {
     const QUrl url(uri);
     if (url.isLocalFile()) {
       paths.append(url.toLocalFile());
     }
+  }
+  if (paths.isEmpty()) {
+    refuse(m_door.bus(), message, DoorError::Invalid, u"there is no \"file:\" URI among them"_s);
+    return;
   }
   m_door.actions().openFiles(paths);
 }

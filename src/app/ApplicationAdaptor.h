@@ -20,7 +20,7 @@ public:
 
 public Q_SLOTS:
   void Activate(const QVariantMap &platformData);
-  void Open(const QStringList &uris, const QVariantMap &platformData);
+  void Open(const QStringList &uris, const QVariantMap &platformData, const QDBusMessage &message);
   void ActivateAction(const QString &name, const QVariantList &parameter, const QVariantMap &platformData,
                       const QDBusMessage &message);
 

@@ -1,7 +1,10 @@
 #include "app/ClientAdaptor.h"
 
 #include "app/DoorErrors.h"
+#include "core/Languages.h"
 #include "products/AddressField.h"
+
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -9,7 +12,13 @@ namespace sonorel {
 
 namespace {
 
-constexpr int kLanguages = 13;
+constexpr qsizetype kLongestText = 1024; // of a field of one line
+
+bool fitsField(const QString &text) {
+  return text.size() <= kLongestText && std::none_of(text.begin(), text.end(), [](QChar character) {
+           return character.category() == QChar::Other_Control;
+         });
+}
 
 } // namespace
 
@@ -58,6 +67,8 @@ void ClientAdaptor::EnterPassword(const QString &password, const QDBusMessage &m
     refuse(m_door.bus(), message, DoorError::Invalid, u"no password is wanted"_s);
   } else if (password.isEmpty()) {
     refuse(m_door.bus(), message, DoorError::Invalid, u"the password is empty"_s);
+  } else if (!fitsField(password)) {
+    refuse(m_door.bus(), message, DoorError::Invalid, u"a password is one line of at most 1024 characters"_s);
   } else {
     m_door.actions().enterPassword(password);
   }
@@ -75,6 +86,8 @@ void ClientAdaptor::AddManualProduct(const QString &address, const QString &host
     refuse(m_door.bus(), message, DoorError::Invalid, u"an address or a host name is needed"_s);
   } else if (!fitsAddressField(address)) {
     refuse(m_door.bus(), message, DoorError::Invalid, u"an address holds at most four numbers and three dots"_s);
+  } else if (!fitsField(hostName)) {
+    refuse(m_door.bus(), message, DoorError::Invalid, u"a host name is one line of at most 1024 characters"_s);
   } else {
     m_door.actions().addManualProduct(address, hostName);
   }
@@ -110,8 +123,9 @@ void ClientAdaptor::SelectLanguage(int index, const QDBusMessage &message) {
   if (refusedWhileBusy(message)) {
     return;
   }
-  if (index < 0 || index >= kLanguages) {
-    refuse(m_door.bus(), message, DoorError::Invalid, u"the languages are counted from 0 to 12"_s);
+  const qsizetype languages = languageFiles().size();
+  if (index < 0 || index >= languages) {
+    refuse(m_door.bus(), message, DoorError::Invalid, u"the languages are counted from 0 to %1"_s.arg(languages - 1));
   } else if (!m_door.state().languageEnabled) {
     refuse(m_door.bus(), message, DoorError::Busy, u"the language cannot be changed during a transfer"_s);
   } else {

@@ -238,6 +238,39 @@ TEST_F(DoorTest, TransferCompleteComesAfterItsValues) {
   EXPECT_TRUE(caller.order.contains(u"MessageLog"_s));
 }
 
+TEST_F(DoorTest, PendingIsAnnouncedWithEachChangeAndNeverFallsBelowNothing) {
+  counter.received();
+  counter.received();
+  door.announcePending();
+  ASSERT_TRUE(caller.wait([&] { return caller.values.contains(u"Pending"_s); }));
+  EXPECT_EQ(caller.values.take(u"Pending"_s), QVariant(2U));
+  door.announcePending(); // nothing new
+  counter.finished(3);
+  door.announcePending();
+  ASSERT_TRUE(caller.wait([&] { return caller.values.contains(u"Pending"_s); }));
+  EXPECT_EQ(caller.values.take(u"Pending"_s), QVariant(0U));
+  EXPECT_EQ(caller.order, (QStringList{u"Pending"_s, u"Pending"_s}));
+}
+
+TEST_F(DoorTest, AlertIsAnnouncedInItsForm) {
+  door.openQuestion({3, u"Attention"_s, u"An address is missing."_s, {u"OK"_s}});
+  ASSERT_TRUE(caller.wait([&] { return caller.values.contains(u"Alert"_s); }));
+  const auto announced = caller.values.take(u"Alert"_s).value<QDBusArgument>();
+  EXPECT_EQ(announced.currentSignature(), u"(ussas)"_s);
+  DoorAlert alert;
+  announced >> alert;
+  EXPECT_EQ(alert.serial, 3U);
+  EXPECT_EQ(alert.message, u"Attention"_s);
+  EXPECT_EQ(alert.informativeText, u"An address is missing."_s);
+  EXPECT_EQ(alert.buttons, QStringList{u"OK"_s});
+  door.closeQuestion(3);
+  ASSERT_TRUE(caller.wait([&] { return caller.values.contains(u"Alert"_s); }));
+  const auto closed = caller.values.take(u"Alert"_s).value<QDBusArgument>();
+  closed >> alert;
+  EXPECT_EQ(alert.serial, 0U);
+  EXPECT_EQ(alert.buttons, QStringList());
+}
+
 TEST_F(DoorTest, TheOldestAlertIsShownAndAnswered) {
   door.openQuestion({3, u"Attention"_s, u"An address is missing."_s, {u"OK"_s}});
   door.openQuestion({4, u"Please note"_s, u"Really?"_s, {u"No"_s, u"Yes"_s}});
@@ -294,6 +327,41 @@ TEST_F(DoorTest, TheAddPanelsFieldRulesHold) {
   EXPECT_EQ(caller.client(u"AddManualProduct"_s, {u"10.0.0.7"_s, u""_s}).type(), QDBusMessage::ReplyMessage);
   EXPECT_EQ(caller.client(u"AddManualProduct"_s, {u""_s, u"localhost:4450"_s}).type(), QDBusMessage::ReplyMessage);
   EXPECT_EQ(done, (QStringList{u"add 10.0.0.7 "_s, u"add  localhost:4450"_s}));
+}
+
+TEST_F(DoorTest, OpensLocalFilesOnly) {
+  const auto open = [&](const QStringList &uris) {
+    return caller.call(u"org.freedesktop.Application"_s, u"Open"_s, {uris, QVariantMap()}).errorName();
+  };
+  EXPECT_EQ(open({u"http://host/a.mp3"_s, u"/music/no-uri.mp3"_s}), u"com.orv.Sonorel.Error.Invalid"_s);
+  EXPECT_EQ(open({}), u"com.orv.Sonorel.Error.Invalid"_s);
+  EXPECT_EQ(open({u"http://host/a.mp3"_s, u"file:///music/b.mp3"_s}), u""_s);
+  EXPECT_EQ(done, QStringList{u"open /music/b.mp3"_s});
+}
+
+// What no person can type into a field of one line; a text of megabytes would make the stored list unreadable.
+TEST_F(DoorTest, TextsThatNoFieldHoldsAreRefused) {
+  UserInterfaceState state;
+  state.passwordWanted = true;
+  door.publish(state);
+  for (const QString &text : {u"two\nlines"_s, QString(QChar(0x1B)) + u"[2J"_s, QString(1025, u'x')}) {
+    EXPECT_EQ(caller.client(u"AddManualProduct"_s, {u""_s, text}).errorName(), u"com.orv.Sonorel.Error.Invalid"_s);
+    EXPECT_EQ(caller.client(u"EnterPassword"_s, {text}).errorName(), u"com.orv.Sonorel.Error.Invalid"_s);
+  }
+  EXPECT_EQ(done, QStringList());
+  EXPECT_EQ(caller.client(u"EnterPassword"_s, {QString(1024, u'é')}).type(), QDBusMessage::ReplyMessage);
+}
+
+TEST_F(DoorTest, LanguagesAreThirteenAndWaitForATransfer) {
+  for (const int index : {-1, 13}) {
+    EXPECT_EQ(caller.client(u"SelectLanguage"_s, {index}).errorName(), u"com.orv.Sonorel.Error.Invalid"_s);
+  }
+  EXPECT_EQ(caller.client(u"SelectLanguage"_s, {12}).type(), QDBusMessage::ReplyMessage);
+  UserInterfaceState state;
+  state.languageEnabled = false;
+  door.publish(state);
+  EXPECT_EQ(caller.client(u"SelectLanguage"_s, {0}).errorName(), u"com.orv.Sonorel.Error.Busy"_s);
+  EXPECT_EQ(done, QStringList{u"language 12"_s});
 }
 
 TEST_F(DoorTest, PasswordsAreTakenOnlyWhenWanted) {

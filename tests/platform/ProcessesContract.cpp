@@ -100,6 +100,9 @@ void saysWhenACopyFails(ProcessesSubject &subject) {
   EXPECT_NE(noSource.status, 0);
   EXPECT_FALSE(succeeded(tool(subject, u"/bin/cp"_s, {u"-p"_s, subject.folder(), kPoint + u"/folder"_s})));
   EXPECT_FALSE(succeeded(tool(subject, u"/bin/cp"_s, {u"-p"_s, subject.folder() + u"/a"_s, kPoint + u"/no/a"_s})));
+  subject.files().createFolder(kPoint + u"/taken"_s, 0777);
+  EXPECT_FALSE(succeeded(tool(subject, u"/bin/cp"_s, {u"-p"_s, subject.folder() + u"/a"_s, kPoint + u"/taken"_s})));
+  EXPECT_EQ(subject.files().list(kPoint + u"/taken"_s), QStringList()) << "nothing goes inside a folder of that name";
   EXPECT_EQ(files.presence(kPoint + u"/b"_s), Presence::Absent);
   EXPECT_EQ(files.presence(kPoint + u"/folder"_s), Presence::Absent);
 }

@@ -163,6 +163,35 @@ TEST_F(MetadataTest, JunkUnderAKnownExtensionHasNoTags) {
   }
 }
 
+// The longest search that is made in a file: to the end of a smaller one, and no further in a larger one.
+constexpr qint64 kSearched = 1024 * 1024;
+
+qint64 bytesReadSoFar() {
+  QFile counters(u"/proc/self/io"_s);
+  EXPECT_TRUE(counters.open(QIODevice::ReadOnly));
+  const QByteArray line = counters.readLine(); // "rchar: 12345"
+  return line.mid(line.indexOf(' ') + 1).trimmed().toLongLong();
+}
+
+TEST_F(MetadataTest, ALongFileWithoutAnyMarkIsNotSearchedToItsEnd) {
+  for (const QString &name : {u"x.mp3"_s, u"x.aac"_s, u"x.flac"_s, u"x.wav"_s, u"x.m4a"_s, u"x.wma"_s, u"x.ogg"_s}) {
+    put(name, {});
+    ASSERT_TRUE(QFile::resize(path(name), 32 * kSearched));
+    const qint64 before = bytesReadSoFar();
+    expectEmptyTags(path(name));
+    EXPECT_LT(bytesReadSoFar() - before, 6 * kSearched) << name.toStdString();
+  }
+}
+
+TEST_F(MetadataTest, ATagBehindJunkIsFound) {
+  const QByteArray frame = QByteArray("\xFF\xFB\x90\x00", 4) + QByteArray(413, '\0');
+  const QByteArray title("TIT2\0\0\0\x05\0\0\0Gold", 15);
+  const QByteArray tag = QByteArray("ID3\x03\0\0\0\0\0\x0F", 10) + title;
+  const auto tags = metadata.read(put(u"junk.mp3"_s, QByteArray(kSearched / 2, 'j') + tag + frame.repeated(20)));
+  ASSERT_TRUE(tags);
+  EXPECT_EQ(tags->title, u"Gold"_s);
+}
+
 TEST_F(MetadataTest, UnknownFormatIsNoItem) {
   EXPECT_FALSE(metadata.read(put(u"x.txt"_s, "text")));
   EXPECT_FALSE(metadata.read(put(u"mp3"_s, "text")));

@@ -99,11 +99,11 @@ ToolResult FakeProcesses::copy(const QStringList &arguments) {
     return exited(64, "usage: cp -p from to\n");
   }
   const QString from = arguments.at(1);
-  QString to = arguments.at(2);
+  const QString to = arguments.at(2);
   const QByteArray bytes = m_files.read(from);
   const auto source = m_files.attributes(from, Links::Follow);
   if (isFolder(m_files, to)) {
-    to += u'/' + from.mid(from.lastIndexOf(u'/') + 1);
+    return exited(1, "cp: cannot overwrite directory with non-directory\n");
   }
   m_files.write(to, bytes);
   m_files.setModified(to, source->modifiedSeconds);

@@ -206,7 +206,7 @@ TEST(RandomTransfer, EndsInTheUndisturbedShareWhateverHappened) {
   }
   const auto replayed = numberFrom("SONOREL_SEED");
   const unsigned first = replayed.value_or(1);
-  const unsigned usual = std::getenv("SONOREL_LONG") != nullptr ? 1000 : 60;
+  const unsigned usual = std::getenv("SONOREL_LONG") != nullptr ? 500 : 60;
   const unsigned rounds = replayed ? 1 : numberFrom("SONOREL_ROUNDS").value_or(usual);
   QStringList events;
   for (unsigned seed = first; seed < first + rounds && !HasFailure(); ++seed) {

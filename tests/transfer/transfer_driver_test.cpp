@@ -44,6 +44,25 @@ TEST_F(TransferDriverTest, CarriesAPlaylistAndSaysSo) {
   EXPECT_EQ(bench.tags.reads(u"/m/A/B/1.mp3"_s), 1);
 }
 
+TEST_F(TransferDriverTest, TheWindowIsToldEveryStepInItsOrder) {
+  const QString only = song(1);
+  bench.view.calls.clear();
+  bench.drop(u"Party"_s, {only});
+  EXPECT_EQ(bench.view.calls,
+            (QStringList{u"attention"_s, u"fillMessageLog "_s, u"setProgressBar 0"_s, u"transferStateChanged"_s,
+                         // the worker begins
+                         u"selectTab 1"_s, u"transferStateChanged"_s, u"setDockIcon Transfer"_s,
+                         // its item
+                         u"setEnableDisableCancelBtn YES"_s, u"setHighlightCancelBtn YES"_s,
+                         u"setLanguageEnabled NO"_s, u"setProgressBar 100"_s,
+                         // the ending
+                         u"setLanguageEnabled YES"_s, u"setProgressBar 0"_s, u"setEnableDisableCancelBtn NO"_s,
+                         u"setHighlightCancelBtn NO"_s, u"setDockIcon Connect"_s,
+                         // the end handler
+                         u"fillMessageLog The transfer has ended."_s, u"setEnableDisableCancelBtn NO"_s,
+                         u"transferStateChanged"_s, u"transferComplete"_s}));
+}
+
 TEST_F(TransferDriverTest, FavouritesThatWereNotWrittenAreToldBeforeTheClosingLine) {
   const QString told =
       u"The favourites lists on Auracore 5 could not be written. The items themselves were transferred, "

@@ -1,6 +1,8 @@
 #include "platform/linux/Installation.h"
 
 #include <filesystem>
+#include <pwd.h>
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 namespace fs = std::filesystem;
@@ -12,6 +14,15 @@ namespace {
 QString fromEnvironment(const char *name) {
   const QString value = qEnvironmentVariable(name);
   return value.startsWith(u'/') ? value : QString(); // relative ones are to be ignored
+}
+
+// A service or a container may start a program without HOME; "/" would be nobody's home.
+QString homeFolder() {
+  if (const QString home = fromEnvironment("HOME"); !home.isEmpty()) {
+    return home;
+  }
+  const passwd *account = ::getpwuid(::getuid());
+  return account != nullptr ? QString::fromLocal8Bit(account->pw_dir) : u"/"_s;
 }
 
 bool isFolder(const QString &path) {
@@ -28,7 +39,7 @@ QString programFolder() {
 
 Roots rootsFromEnvironment(const QString &programs) {
   Roots roots;
-  const QString home = qEnvironmentVariable("HOME", u"/"_s);
+  const QString home = homeFolder();
   const QString dataHome = fromEnvironment("XDG_DATA_HOME");
   const QString runtime = fromEnvironment("XDG_RUNTIME_DIR");
   roots.home = home;

@@ -1,5 +1,5 @@
 // Where this installation and this user's folders stand on the host: the roots of the path map, from the place of the
-// running program and the environment. Any thread; reads the environment only.
+// running program and the environment. Before other threads start: reads the environment and the user's account.
 #pragma once
 
 #include "platform/linux/PathMap.h"

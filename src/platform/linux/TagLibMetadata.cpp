@@ -52,6 +52,25 @@ Format formatOf(const QString &path) {
   return Format::None;
 }
 
+// In a file that does not begin as its format does, the library looks for a mark block by block, to the end: seconds
+// for a large file of noise, which nothing can interrupt. Blocks of the library's own size are read for that alone;
+// behind the last one that is allowed the file seems to end.
+class SearchLimit final : public TagLib::FileStream {
+public:
+  explicit SearchLimit(FileDescriptor file) : FileStream(file.release(), true) {} // closes the descriptor
+
+  TagLib::ByteVector readBlock(unsigned long length) override {
+    if (length == bufferSize() && ++m_searched > kSearchedBytes / bufferSize()) {
+      return {};
+    }
+    return FileStream::readBlock(length);
+  }
+
+private:
+  static constexpr unsigned kSearchedBytes = 1024 * 1024;
+  unsigned m_searched = 0; // blocks
+};
+
 std::unique_ptr<TagLib::File> openTags(Format format, TagLib::IOStream &stream) {
   // Only MP4 is asked for its codec; looking through the audio of the others would cost time for nothing.
   switch (format) {
@@ -145,7 +164,7 @@ std::optional<TrackTags> TagLibMetadata::read(const QString &path) {
     return std::nullopt;
   }
   try {
-    TagLib::FileStream stream(file.release(), true); // closes the descriptor
+    SearchLimit stream(std::move(file));
     const auto tags = openTags(format, stream);
     return tagsOf(*tags);
   } catch (const std::exception &) {
