@@ -22,11 +22,12 @@ Composition::Composition(const CompositionOptions &options, const QDBusConnectio
       m_processes(options.roots, {.embeddedProduct = options.embeddedProduct},
                   [this](const QString &line) { m_desktop.log(line); }),
       m_clock(options.pauseScale), m_loop(failureLog(u"an operation"_s)), m_worker(failureLog(u"a transfer"_s)),
-      m_applications(bus), m_metadata(hostPathOf(options.roots)),
+      m_applications(bus, options.roots.scripts + u"/SaveToFolder_jpegonly.scpt"_s),
+      m_metadata(hostPathOf(options.roots)),
       m_scripts(
           m_files, m_processes, m_clock, [this] { return m_controller.interruption(); },
           u"/Applications/Sonorel/Sonorel.app/Contents/Resources/ConvertWeblocToURL.sh"_s),
-      m_door(bus, actions(), m_dropCounter), m_userInterface(m_door, m_quit),
+      m_serviceBrowser(m_loop, m_desktop, {}), m_door(bus, actions(), m_dropCounter), m_userInterface(m_door, m_quit),
       m_notifications(bus, m_loop, m_desktop, notificationHooks()), m_controller(platform(), values(options)) {}
 
 Composition::~Composition() {

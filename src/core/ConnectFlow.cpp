@@ -5,6 +5,8 @@
 #include "core/state/Report.h"
 #include "platform/Failure.h"
 
+#include <QScopeGuard>
+
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -60,6 +62,7 @@ void ConnectFlow::connect() {
 }
 
 bool ConnectFlow::connectToVaultbox(const QString &password, const QString &ipAddress) {
+  const auto ended = qScopeGuard([this] { m_hooks.attemptsEnded(); });
   if (!m_checkConnection) {
     createConnection();
   }

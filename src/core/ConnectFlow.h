@@ -45,6 +45,7 @@ public:
     std::function<void(const QString &address)> wakeupOnLanAProduct;
     // The transfer's thread is at work. While it is, nothing may connect.
     std::function<bool()> workerRuns;
+    std::function<void()> attemptsEnded; // to connect, well or not
   };
 
   // mainDictPath: removed at the end of every Connect.

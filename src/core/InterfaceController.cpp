@@ -251,6 +251,7 @@ void InterfaceController::setProducts(const ProductTables &tables) {
     put(&UserInterfaceState::detectedProducts, tables.detected);
     put(&UserInterfaceState::addedProducts, tables.added);
     put(&UserInterfaceState::selectedProducts, tables.selected);
+    put(&UserInterfaceState::dockMenuProducts, tables.dockMenu);
     put(&UserInterfaceState::activeProduct, static_cast<int>(tables.active));
   });
 }

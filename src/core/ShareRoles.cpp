@@ -3,6 +3,7 @@
 #include "core/AwaitTransfer.h"
 #include "core/Roles.h"
 #include "favourites/AlbumNames.h"
+#include "transfer/PicturePaths.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -15,8 +16,10 @@ ShareRoles::ShareRoles(Roles &owner)
                owner.paths.productsDetailsDictFilePath,
                [&owner](const ProductTables &tables) { owner.interface.setProducts(tables); }),
       selection(products, owner.session, owner.strings, owner.interface, selectionHooks()),
+      wakeNotice(owner.strings, owner.log, owner.interface),
       wakeOnLan(products, owner.platform.datagrams, owner.platform.clock, owner.platform.desktop,
-                [&owner] { return owner.interruption.token(); }),
+                {[&owner] { return owner.interruption.token(); }, [this] { wakeNotice.show(); }}),
+      discovery(owner.platform.serviceBrowser, products),
       messages(owner.platform.files, owner.platform.desktop, owner.strings, owner.interface, owner.session, folders),
       deviceName(owner.platform.files, owner.platform.propertyLists, owner.platform.desktop, owner.settings,
                  owner.session, folders, owner.paths.machinePreferences),
@@ -35,13 +38,10 @@ ShareRoles::ShareRoles(Roles &owner)
       photoFavourites(owner.platform.desktop, owner.platform.identifiers, owner.session, rewrite),
       playlists(owner.board, merge, photoFavourites, owner.settings, owner.session, owner.platform.identifiers,
                 owner.platform.desktop, playlistHooks()),
-      metadataCache(owner.platform.files, owner.platform.metadata), transferTools{owner.platform.files,
-                                                                                  owner.platform.processes,
-                                                                                  owner.platform.clock,
-                                                                                  owner.platform.desktop,
-                                                                                  metadataCache,
-                                                                                  owner.board,
-                                                                                  owner.values.homePath},
+      metadataCache(owner.platform.files, owner.platform.metadata),
+      transferTools{owner.platform.files, owner.platform.processes, owner.platform.scripts,
+                    owner.platform.clock, owner.platform.desktop,   metadataCache,
+                    owner.board,          owner.values.homePath},
       transfer(transferTools, folders),
       driver(transferTools, transfer, owner.log, owner.strings, owner.session, owner.interface, owner.platform.worker,
              folders, owner.paths.mainDictPath, driverHooks()),
@@ -64,7 +64,7 @@ ShareRoles::ShareRoles(Roles &owner)
       connectFlow(connectionTools, connectParts, owner.paths.mainDictPath,
                   {[&owner] { owner.system.unmountVBShareUsingApplescript(); },
                    [this](const QString &address) { wakeOnLan.WakeupOnLanAProduct(address); },
-                   [this] { return driver.isAtWork(); }}),
+                   [this] { return driver.isAtWork(); }, [this] { wakeNotice.end(); }}),
       automaticConnection(owner.session, owner.interface, automaticHooks()),
       events(connectFlow, connectParts, owner.preferences, owner.platform.clock, owner.platform.desktop,
              eventHooks()),
@@ -115,6 +115,10 @@ DropIntake::Hooks ShareRoles::intakeHooks() {
   hooks.pause = [this](std::chrono::milliseconds pause) {
     roles.interface.flush();
     roles.platform.clock.sleep(pause, roles.interruption.token());
+  };
+  hooks.changePhotosPaths = [this](const QStringList &paths) {
+    return sonorel::changePhotosPaths(paths, roles.values.homePath, roles.platform.files,
+                                      roles.platform.propertyLists, roles.platform.desktop);
   };
   return hooks;
 }

@@ -10,9 +10,11 @@
 #include "core/ShareCleanup.h"
 #include "core/SleepAndWake.h"
 #include "core/StartUp.h"
+#include "core/WakeNotice.h"
 #include "core/WindowTexts.h"
 #include "favourites/PlaylistMetaData.h"
 #include "favourites/ProductVersion.h"
+#include "products/BonjourDiscovery.h"
 #include "products/ProductSelection.h"
 #include "products/WakeOnLan.h"
 #include "transfer/DropIntake.h"
@@ -37,7 +39,9 @@ struct ShareRoles {
   // --- products ---
   ProductList products;
   ProductSelection selection;
+  WakeNotice wakeNotice;
   WakeOnLan wakeOnLan;
+  BonjourDiscovery discovery; // `bonjourDiscoveryObj`
 
   // --- messages and favourites ---
   ClientMessages messages;

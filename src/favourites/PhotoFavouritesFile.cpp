@@ -91,10 +91,10 @@ std::vector<QByteArray> storedChunks(QByteArrayView bytes) {
 qsizetype endOf(const StoredRecord &record, QByteArrayView content) {
   ByteReader reader(content);
   reader.seek(record.lead.end() - content.begin());
-  reader.skip(sizeof(quint32)); // the field count
+  static_cast<void>(reader.u32()); // the field count
   for (quint32 i = 0; i < record.fieldCount; ++i) {
-    reader.skip(sizeof(quint8));
-    reader.skip(reader.u32());
+    static_cast<void>(reader.u8());
+    static_cast<void>(reader.view(reader.u32()));
   }
   return reader.position();
 }

@@ -28,7 +28,8 @@ struct UserInterfaceState {
   QStringList detectedProducts;
   QStringList addedProducts;
   QStringList selectedProducts;
-  int activeProduct = -1; // the selected row that gets the check mark while connected; -1: none
+  QStringList dockMenuProducts; // the products submenu: an entry for each selected row
+  int activeProduct = -1;       // the selected row that gets the check mark while connected; -1: none
 };
 
 struct Question {

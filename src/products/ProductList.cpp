@@ -65,6 +65,7 @@ void ProductList::refresh(const QVariantMap &content) {
   m_tables.detected = productRowTexts(ProductTable::Detected, productRecords(content, kDetectedDevices));
   m_tables.added = productRowTexts(ProductTable::Added, productRecords(content, kManuallyAddedDevices));
   m_tables.selected = productRowTexts(ProductTable::Selected, selected);
+  m_tables.dockMenu = dockMenuEntries(selected);
   m_tables.active = activeIndex(selected);
   m_show(m_tables);
 }
@@ -159,11 +160,6 @@ void ProductList::RemoveAManualProductFromList(const ProductRow &row) {
   });
 }
 
-std::optional<ProductRecord> ProductList::selectedProduct(const ProductRow &row) {
-  const ProductRecords selected = productRecords(content(u"selectedProduct"_s), kSelectedDevices);
-  return stands(ProductTable::Selected, selected, row) ? std::optional(selected.at(row.index)) : std::nullopt;
-}
-
 std::optional<ProductList::Marked> ProductList::markActive(const ProductRow &row) {
   std::optional<Marked> marked;
   const bool written = change(u"onProductSelection"_s, [&](QVariantMap &lists) {
@@ -176,17 +172,18 @@ std::optional<ProductList::Marked> ProductList::markActive(const ProductRow &row
       setProductText(selected[i], kIsSelectedKey, i == row.index ? kSelectedYes : kSelectedNo);
     }
     setProductRecords(lists, kSelectedDevices, selected);
-    marked = Marked{selected.at(row.index), wasActive};
+    marked = Marked{selected.at(row.index), wasActive, passwordFor(lists, selected.at(row.index))};
   });
   return written ? marked : std::nullopt;
 }
 
-QString ProductList::passwordFor(const ProductRecord &record, const QString &address) {
+QString ProductList::passwordFor(const QVariantMap &lists, const ProductRecord &record) const {
   const QString own = decrypt(m_tools.lists, record.value(kPasswordKey.toString()));
   if (!own.isEmpty()) {
     return own;
   }
-  const ProductRecords earlier = productRecords(content(u"passwordFor"_s), kEarlierConnectedDevices);
+  const ProductRecords earlier = productRecords(lists, kEarlierConnectedDevices);
+  const QString address = connectionAddress(record);
   const QString type = productText(record, kDetectionTypeKey);
   const auto found = std::find_if(earlier.begin(), earlier.end(), [&](const ProductRecord &one) {
     return productText(one, kIpAddressKey) == address && productText(one, kDetectionTypeKey) == type;
@@ -194,8 +191,21 @@ QString ProductList::passwordFor(const ProductRecord &record, const QString &add
   return found == earlier.end() ? QString() : decrypt(m_tools.lists, found->value(kPasswordKey.toString()));
 }
 
-bool ProductList::hasActiveProduct() {
-  return activeIndex(productRecords(content(u"hasActiveProduct"_s), kSelectedDevices)) >= 0;
+std::optional<ProductRecord> ProductList::removeSelectedProduct(const ProductRow &row, Active active) {
+  std::optional<ProductRecord> kept;
+  change(u"RemoveAProductProductsList"_s, [&](QVariantMap &lists) {
+    ProductRecords selected = productRecords(lists, kSelectedDevices);
+    if (!stands(ProductTable::Selected, selected, row)) {
+      return;
+    }
+    if (active == Active::Keep && isActive(selected.at(row.index))) {
+      kept = selected.at(row.index);
+      return;
+    }
+    selected.removeAt(row.index);
+    setProductRecords(lists, kSelectedDevices, selected);
+  });
+  return kept;
 }
 
 void ProductList::removeSelectedProduct(const ProductRecord &record) {
@@ -214,9 +224,15 @@ void ProductList::removeSelectedProduct(const ProductRecord &record) {
   });
 }
 
-void ProductList::removeAllSelectedProducts() {
-  change(u"RemoveWholeProductsFromProductList"_s,
-         [](QVariantMap &lists) { lists.remove(kSelectedDevices.toString()); });
+bool ProductList::removeAllSelectedProducts(Active active) {
+  bool removed = true;
+  change(u"RemoveWholeProductsFromProductList"_s, [&](QVariantMap &lists) {
+    removed = active == Active::Remove || activeIndex(productRecords(lists, kSelectedDevices)) < 0;
+    if (removed) {
+      lists.remove(kSelectedDevices.toString());
+    }
+  });
+  return removed;
 }
 
 } // namespace sonorel

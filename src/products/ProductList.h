@@ -36,7 +36,10 @@ public:
   struct Marked {
     ProductRecord record;
     bool wasActive = false;
+    // The record's own, else that of the earlier connection with its address and detection type; may be empty.
+    QString password;
   };
+  enum class Active { Keep, Remove };
 
   // show hands the tables' rows to the window.
   ProductList(const ProductTools &tools, const QString &path, std::function<void(const ProductTables &)> show);
@@ -62,14 +65,13 @@ public:
   void removeDetectedDevice(const QString &macAddress, const QString &serialNumber);
 
   // --- for the selection ---
-  [[nodiscard]] std::optional<ProductRecord> selectedProduct(const ProductRow &row);
   // Makes that row the active one; nothing when there is no such row or the file could not be written.
   [[nodiscard]] std::optional<Marked> markActive(const ProductRow &row);
-  // The record's own password, else that of the earlier connection with this address and detection type.
-  [[nodiscard]] QString passwordFor(const ProductRecord &record, const QString &address);
-  [[nodiscard]] bool hasActiveProduct();
+  // The active product that was to be kept, and so was not removed.
+  std::optional<ProductRecord> removeSelectedProduct(const ProductRow &row, Active active);
   void removeSelectedProduct(const ProductRecord &record);
-  void removeAllSelectedProducts();
+  // False when an active product was to be kept, and so nothing was removed.
+  bool removeAllSelectedProducts(Active active);
 
   // --- for the connect flow ---
   [[nodiscard]] ActiveProduct activeProduct();
@@ -83,6 +85,7 @@ private:
   // False when something failed.
   bool change(const QString &operation, const Change &body);
   [[nodiscard]] QVariantMap content(const QString &operation);
+  [[nodiscard]] QString passwordFor(const QVariantMap &lists, const ProductRecord &record) const;
   void addToSelected(const QString &operation, ProductTable table, const ProductRow &row);
   void refresh(const QVariantMap &content);
   void alertAlreadyAdded();

@@ -46,7 +46,22 @@ std::optional<QVariantMap> ProductListFile::read() {
 }
 
 void ProductListFile::write(const QVariantMap &content) {
+  const QString left = oddities(content);
+  if (left != m_reported) {
+    keepCopy();
+  }
   m_files.writeAtomically(m_path, m_lists.encodeXml(content), kMode);
+  m_reported = left;
+}
+
+// Whoever changes a list writes only what he has understood of it.
+void ProductListFile::keepCopy() {
+  QString copy;
+  for (int number = 1; copy.isEmpty() || m_files.presence(copy) != Presence::Absent; ++number) {
+    copy = m_path + u".before-change-%1"_s.arg(number);
+  }
+  m_files.writeAtomically(copy, m_files.read(m_path, kSizeLimit), kMode);
+  m_desktop.log(m_path + u" is written anew, what it held is kept as "_s + copy);
 }
 
 void ProductListFile::setAside(const QString &reason) {
@@ -54,6 +69,14 @@ void ProductListFile::setAside(const QString &reason) {
 }
 
 void ProductListFile::reportOddities(const QVariantMap &content) {
+  const QString line = oddities(content);
+  if (!line.isEmpty() && line != m_reported) {
+    m_desktop.log(line);
+  }
+  m_reported = line;
+}
+
+QString ProductListFile::oddities(const QVariantMap &content) const {
   QStringList odd;
   for (const QStringView array :
        {kDetectedDevices, kManuallyAddedDevices, kSelectedDevices, kEarlierConnectedDevices}) {
@@ -64,11 +87,7 @@ void ProductListFile::reportOddities(const QVariantMap &content) {
       odd.append(u"%1 of the entries of \"%2\" are no records"_s.arg(count).arg(name));
     }
   }
-  const QString line = odd.isEmpty() ? QString() : m_path + u": "_s + odd.join(u"; "_s);
-  if (!line.isEmpty() && line != m_reported) {
-    m_desktop.log(line);
-  }
-  m_reported = line;
+  return odd.isEmpty() ? QString() : m_path + u": "_s + odd.join(u"; "_s);
 }
 
 ProductRecords productRecords(const QVariantMap &content, QStringView array) {

@@ -1,6 +1,7 @@
 // The product list file: read whole, changed in memory, written back whole beside and by renaming, for this user
-// only. A file that cannot be parsed is set aside before anything is written. Controller's thread; blocks on the
-// disk. Format: docs/product-list.md. Read next: ProductRecord.h, which holds the keys.
+// only. A file that cannot be parsed is set aside before anything is written; of one with odd entries a copy is kept
+// before they are written over. Controller's thread; blocks on the disk. Format: docs/product-list.md. Read next:
+// ProductRecord.h, which holds the keys.
 #pragma once
 
 #include "platform/Desktop.h"
@@ -30,12 +31,14 @@ public:
 private:
   void setAside(const QString &reason);
   void reportOddities(const QVariantMap &content);
+  [[nodiscard]] QString oddities(const QVariantMap &content) const;
+  void keepCopy();
 
   FileSystem &m_files;
   PropertyLists &m_lists;
   Desktop &m_desktop;
   QString m_path;
-  QString m_reported; // the last line about odd entries, so that it is written once
+  QString m_reported; // the line about the odd entries that the file holds, so that it is written once
 };
 
 // The records of one array; empty when there is none. Entries that are no records are passed over.

@@ -92,4 +92,13 @@ QString dockMenuEntry(const ProductRecord &record) {
                      {knownText(record, kLocationKey, kNoLocation), host});
 }
 
+QStringList dockMenuEntries(const ProductRecords &records) {
+  QStringList entries;
+  entries.reserve(records.size());
+  for (const ProductRecord &record : records) {
+    entries.append(dockMenuEntry(record));
+  }
+  return entries;
+}
+
 } // namespace sonorel

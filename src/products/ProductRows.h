@@ -21,6 +21,7 @@ struct ProductTables {
   QStringList detected;
   QStringList added;
   QStringList selected;
+  QStringList dockMenu;  // an entry for each selected row
   qsizetype active = -1; // the selected row of the active product
 };
 
@@ -41,5 +42,6 @@ inline constexpr QStringView kAddedByHandMark = u" * ";
 
 // "Product Name (Location, Host Name)", by hand "Host Name (IP Address)"; what is not known is left out.
 [[nodiscard]] QString dockMenuEntry(const ProductRecord &record);
+[[nodiscard]] QStringList dockMenuEntries(const ProductRecords &records);
 
 } // namespace sonorel

@@ -30,15 +30,9 @@ void ProductSelection::onProductSelection(const ProductRow &row) {
       return;
     }
   }
-  connectTo(marked->record);
-}
-
-void ProductSelection::connectTo(const ProductRecord &record) {
-  const QString address = connectionAddress(record);
-  const QString password = m_products.passwordFor(record, address);
-  m_session.setIPAddressString(address);
-  m_session.setPasswordString(password);
-  if (password.isEmpty()) {
+  m_session.setIPAddressString(connectionAddress(marked->record));
+  m_session.setPasswordString(marked->password);
+  if (marked->password.isEmpty()) {
     m_hooks.showPasswordPanel(true);
   } else {
     m_hooks.onConnect();
@@ -59,23 +53,19 @@ void ProductSelection::CancelEnterPasswordPanel() {
 }
 
 void ProductSelection::RemoveAProductProductsList(const ProductRow &row) {
-  const auto record = m_products.selectedProduct(row);
-  if (!record) {
-    return;
-  }
-  if (isActive(*record) && m_hooks.isConnected()) {
-    askToDisconnect([this, record = *record] { m_products.removeSelectedProduct(record); });
-  } else {
-    m_products.removeSelectedProduct(*record);
+  if (const auto active = m_products.removeSelectedProduct(row, mayGo())) {
+    askToDisconnect([this, record = *active] { m_products.removeSelectedProduct(record); });
   }
 }
 
 void ProductSelection::RemoveWholeProductsFromProductList() {
-  if (m_products.hasActiveProduct() && m_hooks.isConnected()) {
-    askToDisconnect([this] { m_products.removeAllSelectedProducts(); });
-  } else {
-    m_products.removeAllSelectedProducts();
+  if (!m_products.removeAllSelectedProducts(mayGo())) {
+    askToDisconnect([this] { m_products.removeAllSelectedProducts(ProductList::Active::Remove); });
   }
+}
+
+ProductList::Active ProductSelection::mayGo() const {
+  return m_hooks.isConnected() ? ProductList::Active::Keep : ProductList::Active::Remove;
 }
 
 void ProductSelection::askToDisconnect(std::function<void()> afterwards) {

@@ -34,7 +34,8 @@ public:
   void RemoveWholeProductsFromProductList();
 
 private:
-  void connectTo(const ProductRecord &record);
+  // The active product only while nothing is connected.
+  [[nodiscard]] ProductList::Active mayGo() const;
   void askToDisconnect(std::function<void()> afterwards);
 
   ProductList &m_products;

@@ -52,9 +52,8 @@ QByteArray magicPacket(const QByteArray &hardwareAddress) {
   return QByteArray(kHardwareBytes, '\xff') + hardwareAddress.repeated(kRepetitions);
 }
 
-WakeOnLan::WakeOnLan(ProductList &products, Datagrams &datagrams, Clock &clock, Desktop &desktop,
-                     std::function<std::stop_token()> stop)
-    : m_products(products), m_datagrams(datagrams), m_clock(clock), m_desktop(desktop), m_stop(std::move(stop)) {}
+WakeOnLan::WakeOnLan(ProductList &products, Datagrams &datagrams, Clock &clock, Desktop &desktop, Hooks hooks)
+    : m_products(products), m_datagrams(datagrams), m_clock(clock), m_desktop(desktop), m_hooks(std::move(hooks)) {}
 
 void WakeOnLan::WakeupOnLanAProduct(const QString &ipAddress) {
   const QString address = m_products.hardwareAddressFor(ipAddress);
@@ -70,7 +69,8 @@ void WakeOnLan::WakeupOnLanAProduct(const QString &ipAddress) {
     m_desktop.log(u"the product's hardware address \"%1\" is not made of hexadecimal pairs and \"-\""_s.arg(address));
   }
   WakeByMac(*bytes, kWakePort);
-  m_clock.sleep(kPause, m_stop());
+  m_hooks.waiting();
+  m_clock.sleep(kPause, m_hooks.stop());
 }
 
 bool WakeOnLan::WakeByMac(const QByteArray &hardwareAddress, quint16 port) {

@@ -31,9 +31,13 @@ class WakeOnLan {
 public:
   static constexpr std::chrono::milliseconds kPause{1'000};
 
+  struct Hooks {
+    std::function<std::stop_token()> stop; // ends the pause
+    std::function<void()> waiting;         // a packet was tried: people may be told what is waited for
+  };
+
   // All references must outlive the object.
-  WakeOnLan(ProductList &products, Datagrams &datagrams, Clock &clock, Desktop &desktop,
-            std::function<std::stop_token()> stop);
+  WakeOnLan(ProductList &products, Datagrams &datagrams, Clock &clock, Desktop &desktop, Hooks hooks);
 
   void WakeupOnLanAProduct(const QString &ipAddress);
   // False when no network took it.
@@ -44,7 +48,7 @@ private:
   Datagrams &m_datagrams;
   Clock &m_clock;
   Desktop &m_desktop;
-  std::function<std::stop_token()> m_stop;
+  Hooks m_hooks;
 };
 
 } // namespace sonorel

@@ -2,27 +2,54 @@
 
 #include "core/state/ShareLayout.h"
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel::trackchute {
 
-std::optional<QString> refusalOfPlaylistName(const QString &name) {
+namespace {
+
+// kind: "a playlist", "an album"
+std::optional<QString> refusalOfName(const QString &kind, const QString &name) {
   if (name.trimmed().isEmpty()) {
-    return u"a playlist needs a name"_s;
+    return kind + u" needs a name"_s;
   }
   if (name.startsWith(u'@')) {
-    return u"a playlist's name cannot begin with \"@\""_s;
+    return u"the name of %1 cannot begin with \"@\""_s.arg(kind);
   }
   if (name.contains(kFrame)) {
-    return u"a playlist's name cannot contain \"@~\""_s;
+    return u"the name of %1 cannot contain \"@~\""_s.arg(kind);
   }
   if (name.contains(QChar(u'\0'))) {
-    return u"a playlist's name cannot contain a NUL character"_s;
+    return u"the name of %1 cannot contain a NUL character"_s.arg(kind);
   }
   const bool isMarker = colourIndex(name) >= 0 || name == u"Finder" || name == u"TV Shows" || name == u"iPod Games" ||
                         name == kNoPlaylist;
   if (isMarker) {
-    return u"\"%1\" has a meaning of its own and cannot name a playlist"_s.replace(u"%1"_s, name);
+    return u"\"%1\" has a meaning of its own and cannot name %2"_s.arg(name, kind);
+  }
+  return std::nullopt;
+}
+
+} // namespace
+
+std::optional<QString> refusalOfPlaylistName(const QString &name) {
+  return refusalOfName(u"a playlist"_s, name);
+}
+
+std::optional<QString> refusalOfAlbumName(const QString &name) {
+  return refusalOfName(u"an album"_s, name);
+}
+
+std::optional<QString> refusalOfAddress(const QString &address) {
+  if (address.trimmed().isEmpty()) {
+    return u"a bookmark needs an address"_s;
+  }
+  const bool hasControl = std::any_of(address.cbegin(), address.cend(),
+                                      [](QChar character) { return character.category() == QChar::Other_Control; });
+  if (hasControl) {
+    return u"an address cannot contain control characters"_s;
   }
   return std::nullopt;
 }

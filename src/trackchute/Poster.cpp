@@ -45,8 +45,19 @@ QString Poster::deviceName() const {
 }
 
 void Poster::postDrag(const QString &object, const QStringList &draggedFiles) {
-  const QDBusMessage drag =
-      messageOfNotification(u"TrackChute_DragRecieved"_s, {object, {{u"draggedFiles"_s, draggedFiles}}});
+  post(u"TrackChute_DragRecieved"_s, {object, {{u"draggedFiles"_s, draggedFiles}}});
+}
+
+void Poster::postAlbums(const QVariantList &photoData) {
+  post(u"iPhoto_DragRecieved"_s, {{}, {{u"PhotoData"_s, photoData}}});
+}
+
+void Poster::postBookmarks(const QStringList &titles, const QStringList &urls) {
+  post(u"safari_drag_Notification"_s, {{}, {{u"Titles"_s, titles}, {u"Urls"_s, urls}}});
+}
+
+void Poster::post(const QString &name, const Notification &notification) {
+  const QDBusMessage drag = messageOfNotification(name, notification);
   if (!QDBusConnection::sessionBus().send(drag)) {
     throw Failure(u"the session bus did not take the drop"_s);
   }

@@ -1,8 +1,11 @@
 // The agent's side of the session bus: one notification out, one answer back. Main thread; blocks for the answers.
 #pragma once
 
+#include "platform/Notifications.h"
+
 #include <QString>
 #include <QStringList>
+#include <QVariantList>
 
 namespace sonorel::trackchute {
 
@@ -13,9 +16,14 @@ public:
 
   // The client's `DeviceName`; empty when it does not answer.
   [[nodiscard]] QString deviceName() const;
-  // Posts one drag and returns when the client has received it. Throws Failure when it is too large for one
-  // notification or when the client does not answer.
+  // Each posts one notification and returns when the client has received it. Throws Failure when it is too large for
+  // one notification or when the client does not answer.
   void postDrag(const QString &object, const QStringList &draggedFiles);
+  void postAlbums(const QVariantList &photoData); // of "albumName" and "draggedFiles"
+  void postBookmarks(const QStringList &titles, const QStringList &urls);
+
+private:
+  static void post(const QString &name, const Notification &notification);
 };
 
 } // namespace sonorel::trackchute

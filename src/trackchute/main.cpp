@@ -11,6 +11,7 @@
 #include "trackchute/Poster.h"
 
 #include <QCoreApplication>
+#include <QVariantMap>
 
 #include <cstdio>
 #include <vector>
@@ -41,11 +42,24 @@ QString playlistObject(const QString &name, const DroppedFiles &dropped, const P
   return postedPlaylistName(name, product, dropped.holdsPictures);
 }
 
-void drop(const CommandLine &line) {
-  const DroppedFiles dropped = expandDroppedFiles(line.files);
+DroppedFiles expanded(const std::vector<std::string> &files) {
+  DroppedFiles dropped = expandDroppedFiles(files);
   for (const QString &path : dropped.leftOut) {
     say(stderr, u"trackchute: left out: "_s + path);
   }
+  return dropped;
+}
+
+void dropAlbums(const CommandLine &line) {
+  QVariantList photoData;
+  for (const Album &album : line.albums) {
+    photoData.append(QVariantMap{{u"albumName"_s, album.name}, {u"draggedFiles"_s, expanded(album.files).paths}});
+  }
+  Poster().postAlbums(photoData);
+}
+
+void dropFiles(const CommandLine &line) {
+  const DroppedFiles dropped = expanded(line.files);
   Poster poster;
   switch (line.kind) {
   case DropKind::Playlist:
@@ -57,6 +71,16 @@ void drop(const CommandLine &line) {
   default:
     poster.postDrag(kNoPlaylist.toString(), dropped.paths);
     break;
+  }
+}
+
+void drop(const CommandLine &line) {
+  if (line.kind == DropKind::Albums) {
+    dropAlbums(line);
+  } else if (line.kind == DropKind::Bookmarks) {
+    Poster().postBookmarks(line.titles, line.urls);
+  } else {
+    dropFiles(line);
   }
 }
 

@@ -33,7 +33,7 @@ TransferDriver::After TransferDriver::diskFull() {
   return After::Ending;
 }
 
-TransferDriver::After TransferDriver::exceptionInSound(const std::exception &exception) {
+TransferDriver::After TransferDriver::exceptionInBranch(const std::exception &exception) {
   logException(m_tools.desktop, u"transferToVaultbox"_s, exception);
   m_isNetworkAlive = m_hooks.isConnected();
   if (m_isNetworkAlive) {

@@ -5,6 +5,7 @@
 #include "FakePlatform.h"
 #include "core/ApplicationEvents.h"
 #include "core/ConnectFlow.h"
+#include "favourites/PhotoFavourites.h"
 
 #include <gtest/gtest.h>
 
@@ -86,6 +87,7 @@ protected:
   QStringList did;
   std::function<void()> onValidate;
   bool workerRuns = false;
+  int attemptsEnded = 0;
   std::stop_source stop;
   std::atomic<bool> isAuthenticationError{false};
 
@@ -147,7 +149,7 @@ protected:
                    fakes.paths.mainDictPath,
                    {[this] { did.append(QStringLiteral("eject")); },
                     [this](const QString &address) { did.append(QStringLiteral("wake ") + address); },
-                    [this] { return workerRuns; }}};
+                    [this] { return workerRuns; }, [this] { ++attemptsEnded; }}};
 };
 
 } // namespace sonorel::test

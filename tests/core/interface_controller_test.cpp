@@ -206,7 +206,7 @@ TEST_F(InterfaceControllerTest, WindowPasswordPanelAndProducts) {
   interface.windowFrontCentre();
   interface.attention();
   interface.showPasswordPanel(true);
-  interface.setProducts({{u"d"_s}, {u"a"_s}, {u"s"_s}, 0});
+  interface.setProducts({{u"d"_s}, {u"a"_s}, {u"s"_s}, {u"m"_s}, 0});
   interface.setLanguageEnabled(false);
   fakes.loop.runPosted();
   EXPECT_TRUE(shown().windowVisible);
@@ -216,6 +216,7 @@ TEST_F(InterfaceControllerTest, WindowPasswordPanelAndProducts) {
   EXPECT_EQ(shown().detectedProducts, QStringList({u"d"_s}));
   EXPECT_EQ(shown().addedProducts, QStringList({u"a"_s}));
   EXPECT_EQ(shown().selectedProducts, QStringList({u"s"_s}));
+  EXPECT_EQ(shown().dockMenuProducts, QStringList({u"m"_s}));
   EXPECT_EQ(shown().activeProduct, 0);
   EXPECT_FALSE(shown().languageEnabled);
 }

@@ -100,6 +100,7 @@ const QStringList kKeys{u"BtnOk"_s,
                         u"ConnectButtonText"_s,
                         u"DisconnectButtonText"_s,
                         u"ConnectingText"_s,
+                        u"WaitingForProductText"_s,
                         u"HelpButtonText"_s,
                         u"AddToMyProductsButtonText"_s,
                         u"QuitMenuText"_s};

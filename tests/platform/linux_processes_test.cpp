@@ -39,13 +39,26 @@ protected:
 
 TEST_F(LinuxTools, RunAScriptWithPathsWherePathsBelong) {
   mountShare();
-  temporary.putScript("scripts/SaveToFolder_jpegonly.scpt", "printf '%s|' \"$@\" \"$SONOREL_MUSIC_FOLDER\"; exit 4");
+  temporary.putScript("scripts/SaveToFolder_jpegonly.scpt", "printf '%s|' \"$@\"; exit 4");
   const ToolResult result = run(u"/usr/bin/osascript"_s, {kScript, u"/Library/track.mp3"_s, u"/Library/a title"_s,
                                                           u"A name"_s, u"Artist:Album:"_s});
   EXPECT_EQ(result.status, 4);
-  EXPECT_EQ(QString::fromUtf8(result.output), temporary.below("data/Library/track.mp3") +
-                                                  u"|/Library/a title|A name|Artist:Album:|"_s +
-                                                  temporary.below("runtime/Volumes/VB-SHARE$/Music/Mac/") + u'|');
+  EXPECT_EQ(QString::fromUtf8(result.output),
+            temporary.below("data/Library/track.mp3") + u"|/Library/a title|A name|Artist:Album:|"_s);
+}
+
+// The folder stays that of the volume, whatever happens to the point meanwhile.
+TEST_F(LinuxTools, AScriptHoldsTheMusicFolder) {
+  mountShare();
+  files.createFolder(u"/Volumes/VB-SHARE$/Music/Mac"_s, 0777);
+  const std::string point = temporary.below("runtime/Volumes/VB-SHARE$").toStdString();
+  temporary.putScript("scripts/SaveToFolder_jpegonly.scpt", "mv '" + point + "' '" + point + ".gone' && mkdir -p '" +
+                                                                point + "/Music/Mac' && " +
+                                                                "echo picture >\"${SONOREL_MUSIC_FOLDER}a.jpg\"");
+  const ToolResult result = run(u"/usr/bin/osascript"_s, {kScript, u"/a.mp3"_s, u"t"_s, u"a"_s, QString()});
+  EXPECT_EQ(result.status, 0) << result.output.toStdString();
+  EXPECT_EQ(temporary.bytes("data/Embedded/VB-SHARE$/Music/Mac/a.jpg"), "picture\n");
+  EXPECT_FALSE(temporary.exists("runtime/Volumes/VB-SHARE$/Music/Mac/a.jpg"));
 }
 
 TEST_F(LinuxTools, RunNoScriptWithoutAShare) {

@@ -89,14 +89,16 @@ TEST_F(ConnectedProductTest, AddressFileWithoutAWholeAddressCountsAsNone) {
 }
 
 TEST_F(ConnectedProductTest, PasswordOfTheRecordComesFirst) {
-  const auto record = with(byHand(u"10.0.0.2"_s), u"Password"_s, encrypt(lists, u"own"_s));
-  put(u"Earlier Connected Devices"_s, {updated(byHand(u"10.0.0.2"_s))});
-  EXPECT_EQ(products.passwordFor(record, u"10.0.0.2"_s), u"own"_s);
+  put({{u"Selected Devices"_s, QVariantList{with(byHand(u"10.0.0.2"_s), u"Password"_s, encrypt(lists, u"own"_s))}},
+       {u"Earlier Connected Devices"_s, QVariantList{updated(byHand(u"10.0.0.2"_s))}}});
+  EXPECT_EQ(products.markActive({0, {}})->password, u"own"_s);
 }
 
 TEST_F(ConnectedProductTest, PasswordIsFoundByAddressAndType) {
-  put(u"Earlier Connected Devices"_s, {updated(with(byHand(u"box"_s), u"Detection Type"_s, u"0"_s)),
-                                       with(updated(byHand(u"box"_s)), u"Password"_s, encrypt(lists, u"right"_s))});
-  EXPECT_EQ(products.passwordFor(byHand({}, u"box"_s), u"box"_s), u"right"_s) << "a product known by host name";
-  EXPECT_EQ(products.passwordFor(byHand(u"10.0.0.9"_s), u"10.0.0.9"_s), QString());
+  put({{u"Selected Devices"_s, QVariantList{byHand({}, u"box"_s), byHand(u"10.0.0.9"_s)}},
+       {u"Earlier Connected Devices"_s,
+        QVariantList{updated(with(byHand(u"box"_s), u"Detection Type"_s, u"0"_s)),
+                     with(updated(byHand(u"box"_s)), u"Password"_s, encrypt(lists, u"right"_s))}}});
+  EXPECT_EQ(products.markActive({0, {}})->password, u"right"_s) << "a product known by host name";
+  EXPECT_EQ(products.markActive({1, {}})->password, QString());
 }

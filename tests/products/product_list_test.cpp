@@ -90,7 +90,7 @@ TEST_F(ProductListTest, RowThatIsNotThereOrHasChangedIsLeftAlone) {
     products.AddManuallyAddedProductToProductsList(row);
     products.AddDetectedProductToProductsList(row);
     products.RemoveAManualProductFromList(row);
-    EXPECT_EQ(products.selectedProduct(row), std::nullopt);
+    EXPECT_EQ(products.removeSelectedProduct(row, ProductList::Active::Remove), std::nullopt);
     EXPECT_FALSE(products.markActive(row));
   }
   EXPECT_EQ(files.bytes(path), before);

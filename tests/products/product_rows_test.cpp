@@ -50,4 +50,5 @@ TEST_F(ProductRowsTest, DockEntryLeavesOutWhatIsNotKnown) {
   EXPECT_EQ(dockMenuEntry(byHand(u"10.0.0.1"_s, u"box"_s)), u"box (10.0.0.1)"_s);
   EXPECT_EQ(dockMenuEntry(byHand(u"10.0.0.1"_s)), u"10.0.0.1"_s);
   EXPECT_EQ(dockMenuEntry(byHand({}, u"box"_s)), u"box"_s);
+  EXPECT_EQ(dockMenuEntries({byHand({}, u"box"_s), inKitchen}), QStringList({u"box"_s, u"Vault (Kitchen, vault)"_s}));
 }

@@ -173,3 +173,38 @@ TEST_F(ProductSelectionTest, WholeListGoesWithItsKey) {
   EXPECT_FALSE(content().contains(u"Selected Devices"_s));
   EXPECT_EQ(tables.selected, QStringList());
 }
+
+TEST_F(ProductSelectionTest, EachActionReadsAndWritesTheFileOnceAmongManyRecords) {
+  QVariantList many;
+  QVariantList past;
+  for (int i = 0; i < 500; ++i) {
+    many.append(byHand(u"10.0.%1.%2"_s.arg(i / 250).arg(i % 250)));
+    past.append(with(byHand(u"10.0.%1.%2"_s.arg(i / 250).arg(i % 250)), u"Password"_s, encrypt(lists, u"pw"_s)));
+  }
+  put({{u"Selected Devices"_s, many},
+       {u"Manually Added Devices"_s, QVariantList{byHand(u"10.9.9.9"_s)}},
+       {u"Earlier Connected Devices"_s, past}});
+  const std::vector<std::function<void()>> actions{
+      [&] {
+        selection.onProductSelection({499, {}});
+      },
+      [&] { connected = false; },
+      [&] {
+        selection.RemoveAProductProductsList({250, {}});
+      },
+      [&] {
+        products.AddManuallyAddedProductToProductsList({0, {}});
+      },
+      [&] { products.AddManualProduct(u"10.9.9.8"_s, {}); },
+      [&] { products.updateProductInfoInProductsLists(u"10.0.1.249"_s); },
+      [&] { selection.RemoveWholeProductsFromProductList(); },
+  };
+  for (std::size_t i = 0; i < actions.size(); ++i) {
+    files.clearLog();
+    actions[i]();
+    EXPECT_LE(files.log().filter(u"read "_s).size(), 1) << "action " << i;
+    EXPECT_LE(files.log().filter(u"write"_s).filter(path).size(), 1) << "action " << i;
+  }
+  EXPECT_EQ(did, QStringList({u"connect 10.0.1.249 pw"_s}));
+  EXPECT_FALSE(content().contains(u"Selected Devices"_s));
+}

@@ -17,13 +17,15 @@ const auto kBytes = QByteArray::fromHex("001A2B3C4D5E");
 class WakeOnLanTest : public ProductTest {
 protected:
   void wake(const QString &address = u"10.0.0.2"_s) {
-    WakeOnLan(products, datagrams, clock, desktop, [] { return std::stop_token(); }).WakeupOnLanAProduct(address);
+    WakeOnLan(products, datagrams, clock, desktop, {[] { return std::stop_token(); }, [this] { ++told; }})
+        .WakeupOnLanAProduct(address);
   }
   // The six bytes of the one packet that was sent; empty when there was none.
   QByteArray woken() { return datagrams.sent.size() == 1 ? datagrams.sent.first().bytes.mid(6, 6) : QByteArray(); }
 
   FakeDatagrams datagrams;
   FakeClock clock;
+  int told = 0;
 };
 
 ProductRecord addressed(ProductRecord record, const QString &mac) {
@@ -44,6 +46,7 @@ TEST_F(WakeOnLanTest, SendsTheMagicPacketOfTheActiveProductAndWaitsASecond) {
   EXPECT_EQ(datagrams.sent.first().address, u"255.255.255.255"_s);
   EXPECT_EQ(datagrams.sent.first().port, 9);
   EXPECT_EQ(clock.sleeps, QList<std::chrono::milliseconds>({1s}));
+  EXPECT_EQ(told, 1);
 }
 
 TEST_F(WakeOnLanTest, EarlierConnectionHelpsWhenTheActiveProductHasNoAddress) {
@@ -70,6 +73,7 @@ TEST_F(WakeOnLanTest, NothingIsSentWithoutAnAddress) {
   wake();
   EXPECT_TRUE(datagrams.sent.isEmpty());
   EXPECT_TRUE(clock.sleeps.isEmpty());
+  EXPECT_EQ(told, 0);
   EXPECT_TRUE(desktop.lines.isEmpty());
 }
 

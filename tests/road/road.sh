@@ -11,6 +11,8 @@ if [ -z "${SONOREL_ROAD_BUS:-}" ]; then
 fi
 
 root=$SONOREL_ROAD_ROOT bin=$SONOREL_BIN
+# No road meets the machine's own network: only those that make one find products.
+export DBUS_SYSTEM_BUS_ADDRESS=${SONOREL_ROAD_SYSTEM_BUS:-unix:path=$root/no-system-bus}
 export XDG_DATA_HOME=$root/data XDG_CONFIG_HOME=$root/config XDG_RUNTIME_DIR=$root/runtime
 mkdir -p "$XDG_DATA_HOME" "$XDG_CONFIG_HOME" "$root/music"
 install -d -m 700 "$XDG_RUNTIME_DIR"

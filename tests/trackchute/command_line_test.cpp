@@ -54,4 +54,40 @@ TEST(CommandLine, RefusesWithAReason) {
             u"\"Red\" has a meaning of its own and cannot name a playlist"_s);
 }
 
+TEST(CommandLine, AlbumsKeepTheirOrder) {
+  const CommandLine line = parsed({"--album", "Lake", "a.jpg", "-b.png", "--album", "Ähren", "--bookmark"});
+  EXPECT_EQ(line.kind, DropKind::Albums);
+  ASSERT_EQ(line.albums.size(), 2U);
+  EXPECT_EQ(line.albums[0].name, u"Lake"_s);
+  EXPECT_EQ(line.albums[0].files, (std::vector<std::string>{"a.jpg", "-b.png"}));
+  EXPECT_EQ(line.albums[1].name, u"Ähren"_s);
+  EXPECT_EQ(line.albums[1].files, std::vector<std::string>{"--bookmark"});
+}
+
+TEST(CommandLine, BookmarksArePairs) {
+  const CommandLine line = parsed(
+      {"--bookmark", "", "http://a/", "--bookmark", "--bookmark", "http://b/?x=1&y=ü", "--bookmark", ".", "c"});
+  EXPECT_EQ(line.kind, DropKind::Bookmarks);
+  EXPECT_EQ(line.titles, (QStringList{u""_s, u"--bookmark"_s, u"."_s}));
+  EXPECT_EQ(line.urls, (QStringList{u"http://a/"_s, u"http://b/?x=1&y=ü"_s, u"c"_s}));
+}
+
+TEST(CommandLine, RefusesAlbumsAndBookmarksWithAReason) {
+  EXPECT_EQ(refusal({"--album"}), u"--album needs a name"_s);
+  EXPECT_EQ(refusal({"--album", "Lake"}), u"there is no file for the album \"Lake\""_s);
+  EXPECT_EQ(refusal({"--album", "Lake", "--album", "Hill", "a.jpg"}), u"there is no file for the album \"Lake\""_s);
+  EXPECT_EQ(refusal({"--album", " ", "a.jpg"}), u"an album needs a name"_s);
+  EXPECT_EQ(refusal({"--album", "Finder", "a.jpg"}),
+            u"\"Finder\" has a meaning of its own and cannot name an album"_s);
+  EXPECT_EQ(refusal({"--album", "Green", "a.jpg"}), u"\"Green\" has a meaning of its own and cannot name an album"_s);
+  EXPECT_EQ(refusal({"--album", "@~A", "a.jpg"}), u"the name of an album cannot begin with \"@\""_s);
+  EXPECT_EQ(refusal({"--album", "caf\xE9", "a.jpg"}), u"the name is not UTF-8"_s);
+  EXPECT_EQ(refusal({"--bookmark", "A"}), u"--bookmark needs a title and an address"_s);
+  EXPECT_EQ(refusal({"--bookmark", "A", " "}), u"a bookmark needs an address"_s);
+  EXPECT_EQ(refusal({"--bookmark", "A", "http://a/\nURL=b"}), u"an address cannot contain control characters"_s);
+  EXPECT_EQ(refusal({"--bookmark", "A", "\xFF"}), u"the address is not UTF-8"_s);
+  EXPECT_EQ(refusal({"--bookmark", "A", "http://a/", "B", "http://b/"}),
+            u"\"B\" is not understood behind --bookmark"_s);
+}
+
 } // namespace sonorel::trackchute

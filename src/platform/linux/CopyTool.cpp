@@ -2,6 +2,7 @@
 
 #include "platform/Failure.h"
 #include "platform/linux/ChildProcess.h"
+#include "platform/linux/HeldPath.h"
 #include "platform/linux/HostFile.h"
 
 #include <fcntl.h>
@@ -38,11 +39,6 @@ void makeWritable(const Place &target) {
   if (facts && S_ISREG(facts->st_mode) && (facts->st_mode & S_IWUSR) == 0) {
     ::fchmodat(target.at(), target.path.constData(), (facts->st_mode & 07777) | S_IRUSR | S_IWUSR, 0);
   }
-}
-
-// The child finds the volume's folder as a descriptor: when the volume goes away, nothing lands in what it covered.
-QByteArray targetFor(const Place &place) {
-  return place.isOnVolume ? "/proc/self/fd/" + QByteArray::number(kPassedFolder) + '/' + place.path : place.path;
 }
 
 } // namespace
@@ -83,7 +79,7 @@ ToolResult CopyTool::copy(const ToolRequest &request, std::stop_token stop) {
     HostCommand command;
     command.program = m_program;
     const auto from = m_volumes.map().host(arguments.at(1));
-    command.arguments = {"-pT", "--", from->toUtf8(), targetFor(target)}; // T: into no folder of that name
+    command.arguments = {"-pT", "--", from->toUtf8(), heldPath(target)}; // T: into no folder of that name
     command.passedFolder = target.root.get();
     ToolResult result = runChild(command, request.deadline, std::move(stop));
     if (result.ending != ToolEnding::Exited) {

@@ -8,6 +8,7 @@
 #include <array>
 #include <csignal>
 #include <sys/syscall.h>
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -27,6 +28,8 @@ constexpr std::array<KnownApplication, 2> kKnown{
     {{kClientService, u"Sonorel", u"/Applications/Sonorel/Sonorel.app"},
      {kAgentService, u"TrackChute", u"/Applications/Sonorel/Sonorel.app/Contents/Resources/TrackChute.app"}}};
 
+constexpr QStringView kArtworkExporter = u"iTunes"; // the name by which it is asked for
+
 } // namespace
 
 std::vector<RunningApplication> DBusApplications::launched() {
@@ -35,6 +38,9 @@ std::vector<RunningApplication> DBusApplications::launched() {
     if (const auto process = ownerOf(known.busName)) {
       running.push_back({known.name.toString(), known.path.toString(), known.busName, *process});
     }
+  }
+  if (::access(m_exporter.toUtf8().constData(), X_OK) == 0) {
+    running.push_back({kArtworkExporter.toString(), m_exporter, {}, 0});
   }
   return running;
 }

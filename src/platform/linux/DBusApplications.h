@@ -1,5 +1,6 @@
-// Our client and the drop agent by the owners of their bus names; nothing is ever found by its process name. Any
-// thread but Qt's main one; waits for the bus, at most a few seconds.
+// Our client and the drop agent by the owners of their bus names; nothing is ever found by its process name. The
+// program that exports artwork counts as running while it is installed, because it needs no start. Any thread but
+// Qt's main one; waits for the bus, at most a few seconds.
 #pragma once
 
 #include "platform/RunningApplications.h"
@@ -12,7 +13,8 @@ namespace sonorel {
 
 class DBusApplications final : public RunningApplications {
 public:
-  explicit DBusApplications(const QDBusConnection &bus) : m_bus(bus) {}
+  // exporter: the host path of the artwork exporter.
+  DBusApplications(const QDBusConnection &bus, QString exporter) : m_bus(bus), m_exporter(std::move(exporter)) {}
 
   [[nodiscard]] std::vector<RunningApplication> launched() override;
   // SIGTERM to the process that still owns the application's name.
@@ -22,6 +24,7 @@ private:
   [[nodiscard]] std::optional<qint64> ownerOf(const QString &busName) const;
 
   QDBusConnection m_bus;
+  QString m_exporter;
 };
 
 } // namespace sonorel

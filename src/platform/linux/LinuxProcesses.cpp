@@ -1,6 +1,7 @@
 #include "platform/linux/LinuxProcesses.h"
 
 #include "platform/Failure.h"
+#include "platform/linux/HeldPath.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -114,7 +115,9 @@ ToolResult LinuxProcesses::runScript(const ToolRequest &request, std::stop_token
   for (const QString &text : arguments.mid(2)) {
     command.arguments.append(text.toUtf8());
   }
-  command.environment.append("SONOREL_MUSIC_FOLDER=" + hostArgument(map, m_musicFolder) + '/');
+  const Place musicFolder = m_volumes.place(m_musicFolder, Access::Write);
+  command.passedFolder = musicFolder.root.get();
+  command.environment.append("SONOREL_MUSIC_FOLDER=" + heldPath(musicFolder) + '/');
   return runChild(command, request.deadline, std::move(stop));
 }
 

@@ -14,7 +14,7 @@ namespace {
 
 class DBusApplicationsTest : public testing::Test {
 protected:
-  DBusApplications applications{QDBusConnection::sessionBus()};
+  DBusApplications applications{QDBusConnection::sessionBus(), u"/no/such/exporter"_s};
   QProcess other;
 
   void start(const QString &name) {
@@ -52,6 +52,15 @@ TEST_F(DBusApplicationsTest, FindsTheClientByItsName) {
   ASSERT_EQ(running.size(), 1U);
   EXPECT_EQ(running[0].name, u"Sonorel"_s);
   EXPECT_EQ(running[0].path, u"/Applications/Sonorel/Sonorel.app"_s);
+}
+
+TEST_F(DBusApplicationsTest, TheArtworkExporterCountsAsRunningWhileItIsThere) {
+  DBusApplications withExporter{QDBusConnection::sessionBus(), u"/bin/true"_s};
+  const auto running = withExporter.launched();
+  ASSERT_EQ(running.size(), 1U);
+  EXPECT_EQ(running[0].name, u"iTunes"_s);
+  withExporter.end(running[0]); // nothing to end
+  EXPECT_EQ(withExporter.launched().size(), 1U);
 }
 
 TEST_F(DBusApplicationsTest, EndsTheOwnerOfTheName) {

@@ -1,0 +1,70 @@
+#include "scripts/Webloc.h"
+
+#include "platform/Failure.h"
+#include "platform/linux/HostFile.h"
+#include "platform/linux/LibplistPropertyLists.h"
+#include "platform/linux/SystemError.h"
+#include "scripts/RegularFile.h"
+#include "transfer/BookmarkNames.h"
+#include "transfer/PathNames.h"
+
+#include <QVariantMap>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel {
+
+namespace {
+
+constexpr std::size_t kLargestBookmark = 16UL * 1024 * 1024;
+
+bool isControl(QChar character) {
+  return character.category() == QChar::Other_Control;
+}
+
+QByteArray bytesOf(const QString &path) {
+  const auto bytes = wholeOf(openRegularFile(path.toStdString()), kLargestBookmark);
+  if (!bytes) {
+    throw Failure(u"no bookmark file: "_s + path);
+  }
+  return QByteArray::fromStdString(*bytes);
+}
+
+Place hostPlace(const QString &path) {
+  return {{}, path.toUtf8(), false, false};
+}
+
+} // namespace
+
+QString addressInBookmark(const QByteArray &bytes) {
+  const QVariant address = LibplistPropertyLists().decode(bytes).toMap().value(u"URL"_s);
+  if (address.typeId() != QMetaType::QString || address.toString().trimmed().isEmpty()) {
+    throw Failure(u"there is no address in the bookmark file"_s, FailureKind::Damaged);
+  }
+  const QString text = address.toString().trimmed();
+  if (std::any_of(text.cbegin(), text.cend(), isControl)) {
+    throw Failure(u"the address in the bookmark file holds a control character"_s, FailureKind::Damaged);
+  }
+  return text;
+}
+
+void convertBookmarkFile(const QString &path) {
+  const QString text = shortcutText(addressInBookmark(bytesOf(path)));
+  const QString folder = path.left(path.lastIndexOf(u'/') + 1);
+  const QString made = folder + withExtension(nameWithoutExtension(path), u"url"_s);
+  const QString beside = folder + u".sonorel-"_s + QString::number(::getpid());
+  writeNew(hostPlace(beside), text.toUtf8(), beside);
+  if (::renameat2(AT_FDCWD, beside.toUtf8().constData(), AT_FDCWD, made.toUtf8().constData(), RENAME_NOREPLACE) !=
+      0) {
+    const int error = errno;
+    ::unlink(beside.toUtf8().constData());
+    throw systemFailure(error, made);
+  }
+}
+
+} // namespace sonorel
