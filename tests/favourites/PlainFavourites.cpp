@@ -12,16 +12,6 @@ bool isKeyId(const QString &id) {
   return QStringList{u"1"_s, u"2"_s, u"3"_s, u"4"_s}.contains(id);
 }
 
-// The model's texts are Latin-1 or hold characters that Windows-1252 has not.
-QString afterWriting(QString text) {
-  for (QChar &character : text) {
-    if (character.unicode() > 0xFF) {
-      character = u'?';
-    }
-  }
-  return text;
-}
-
 int highest(const QList<QString> &ids) {
   int found = 0;
   for (const QString &id : ids) {
@@ -41,6 +31,15 @@ void addName(QStringList &names, const QString &name) {
 }
 
 } // namespace
+
+QString PlainFavourites::afterWriting(QString text) const {
+  for (QChar &character : text) {
+    if (!m_utf8 && character.unicode() > 0xFF) {
+      character = u'?';
+    }
+  }
+  return text;
+}
 
 QList<PlainFavourites::Entry> PlainFavourites::dictionary() {
   QList<Entry> entries;

@@ -1,5 +1,5 @@
 // The favourites of one product and one client as a slow, plain model: what has to stand in the server's file after
-// every connection and every drop, with no regard to bytes, files and cost. Only for products that take Windows-1252.
+// every connection and every drop, with no regard to bytes, files and cost.
 #pragma once
 
 #include <QList>
@@ -39,7 +39,7 @@ struct PlainLimit {
 
 class PlainFavourites {
 public:
-  explicit PlainFavourites(QString product) : m_product(std::move(product)) {}
+  PlainFavourites(QString product, bool utf8) : m_product(std::move(product)), m_utf8(utf8) {}
 
   std::optional<QList<PlainList>> file;
   std::optional<QList<PlainList>> copy;                // of the four keys
@@ -71,7 +71,11 @@ private:
   void adaptLimits(const QStringList &names, const QList<Entry> &entries);
   void saveCopy(const QList<Entry> &entries);
 
+  // The model's texts are Latin-1 or hold characters that Windows-1252 has not.
+  [[nodiscard]] QString afterWriting(QString text) const;
+
   QString m_product;
+  bool m_utf8;                        // the player's texts; Windows-1252 otherwise
   std::array<PlainLimit, 4> m_limits; // as last read
 };
 

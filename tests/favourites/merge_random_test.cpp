@@ -40,8 +40,10 @@ const QStringList kAlbums{u""_s,
 
 class RandomMerge {
 public:
-  RandomMerge(unsigned seed, const QString &product)
-      : m_random(seed), m_vaultbox(product == u"Vaultbox 1"), m_model(product), m_client(prepared(product), product) {
+  RandomMerge(unsigned seed, const QString &product, bool utf8)
+      : m_random(seed), m_vaultbox(product == u"Vaultbox 1"), m_utf8(utf8), m_model(product, utf8),
+        m_client(prepared(product), product) {
+    m_client.session.setAU5UTF8Compliant(utf8 ? u"YES"_s : u"NO"_s);
     const char fillers[] = {'r', 'g', 'y', 'b'};
     for (int i = 0; i < 4; ++i) {
       m_guids.insert(-1 - i, guid(fillers[i]));
@@ -152,21 +154,24 @@ private:
   }
 
   void putFile(const QList<PlainList> &lists) {
+    const QByteArray version = m_utf8 ? "1.3" : "1.2";
     std::vector<QByteArray> records;
     std::vector<QByteArray> contents;
     for (const PlainList &list : lists) {
-      records.push_back(listRecord(list.name.toLatin1(), list.id.toLatin1(), "6", guidOf(list.serial)));
+      records.push_back(listRecord(bytesOf(list.name), list.id.toLatin1(), "6", guidOf(list.serial)));
       std::vector<QByteArray> songs;
       for (const PlainTitle &title : list.titles) {
-        const QByteArray path = (title.type == u"2" ? "" : "E:\\vb-share\\Music\\Mac\\") + title.path.toLatin1();
+        const QByteArray path = (title.type == u"2" ? "" : "E:\\vb-share\\Music\\Mac\\") + bytesOf(title.path);
         songs.push_back(m_vaultbox ? titleOfVaultbox1(path, zeros36(), guidOf(title.serial))
                                    : titleRecord(path, zeros36(), guidOf(title.serial), title.type.toLatin1()));
       }
-      contents.push_back(titles(songs));
+      contents.push_back(titles(songs, version));
     }
-    contents.insert(contents.begin(), albums(records));
+    contents.insert(contents.begin(), albums(records, version));
     m_files.put(kServerFile, wholeFile(musicHeader(), contents), ++m_time);
   }
+
+  QByteArray bytesOf(const QString &text) const { return m_utf8 ? text.toUtf8() : text.toLatin1(); }
 
   // The GUID of a serial: the client's when it was seen, else one of somebody else.
   QByteArray guidOf(int serial) {
@@ -242,6 +247,7 @@ private:
 
   std::mt19937 m_random;
   bool m_vaultbox;
+  bool m_utf8;
   FakeFileSystem m_files;
   PlainFavourites m_model;
   MergeWorkbench m_client;
@@ -251,10 +257,11 @@ private:
   int m_last = 0;
 };
 
-void play(unsigned seed, const QString &product) {
-  RandomMerge sequence(seed, product);
+void play(unsigned seed, const QString &product, bool utf8 = false) {
+  RandomMerge sequence(seed, product, utf8);
   for (int step = 0; step < 40; ++step) {
-    SCOPED_TRACE(testing::Message() << product.toStdString() << ", seed " << seed << ", step " << step);
+    SCOPED_TRACE(testing::Message() << product.toStdString() << (utf8 ? " with UTF-8" : "") << ", seed " << seed
+                                    << ", step " << step);
     ASSERT_NO_FATAL_FAILURE(sequence.step());
     SCOPED_TRACE(testing::Message() << "kind " << sequence.lastStep());
     ASSERT_NO_FATAL_FAILURE(sequence.compare());
@@ -269,6 +276,7 @@ TEST(RandomMerge, EveryStepGivesWhatThePlainModelHas) {
     for (const QString &product : {u"Auralis 5"_s, u"Auracore 5"_s, u"Vaultbox 1"_s}) {
       ASSERT_NO_FATAL_FAILURE(play(seed, product));
     }
+    ASSERT_NO_FATAL_FAILURE(play(seed, u"Auralis 5"_s, true));
   }
 }
 

@@ -63,12 +63,30 @@ TEST_F(MergeTest, TwoDropsIntoAStoredFileGiveTheseBytes) {
   EXPECT_EQ(contents[0].left(start.size()).toHex(), start.toHex());
   EXPECT_EQ(contents[0].indexOf(field('L', "Old")), 213);
   EXPECT_EQ(contents[0].indexOf(field('L', "Party")), 258);
-  EXPECT_TRUE(contents[1].contains(field('L', "Blue Train")));
-  EXPECT_EQ(contents[5], titles({titleRecord(kOldTitle, zeros36(), guid('t'), "1")}));
-  EXPECT_TRUE(contents[6].contains(
-      field('L', "E:\\vb-share\\Music\\Mac\\Miles Davis\\Kind of Blue\\Miles Davis-Kind of Blue-So What.mp3")));
-  EXPECT_TRUE(contents[6].contains(
-      field('L', "E:\\vb-share\\Music\\Mac\\Bj\xF6rk\\Debut\\Bj\xF6rk-Debut-Human Behaviour.mp3")));
+
+  // Every byte; the GUIDs that were made for the drop are those that stand there, each of its own.
+  const QByteArray party = contents[0].right(16);
+  const QByteArray blueTrain = contents[1].mid(contents[1].size() - 22, 16);
+  const QByteArray human = contents[6].mid(contents[6].size() - 22, 16);
+  const QByteArray soWhat = contents[6].mid(165, 16);
+  EXPECT_EQ((QSet<QByteArray>{party, blueTrain, human, soWhat}).size(), 4);
+  std::vector<QByteArray> lists = keyRecords();
+  lists.push_back(listRecord("Old", "7", "6", guid('o')));
+  lists.push_back(listRecord("Party", "8", "6", party));
+  EXPECT_EQ(contents[0].toHex(), albums(lists).toHex());
+  EXPECT_EQ(contents[1].toHex(), titles({titleRecord("Blue Train", zeros36(), blueTrain, "2")}).toHex());
+  for (const size_t key : {2U, 3U, 4U}) {
+    EXPECT_EQ(contents[key].toHex(), titles({}).toHex());
+  }
+  EXPECT_EQ(contents[5].toHex(), titles({titleRecord(kOldTitle, zeros36(), guid('t'), "1")}).toHex());
+  EXPECT_EQ(
+      contents[6].toHex(),
+      titles({titleRecord("E:\\vb-share\\Music\\Mac\\Miles Davis\\Kind of Blue\\Miles Davis-Kind of Blue-So What.mp3",
+                          zeros36(), soWhat, "1"),
+              titleRecord("E:\\vb-share\\Music\\Mac\\Bj\xF6rk\\Debut\\Bj\xF6rk-Debut-Human Behaviour.mp3", zeros36(),
+                          human, "1")})
+          .toHex());
+  EXPECT_EQ(file, wholeFile(musicHeader(file.mid(9, 36)), contents));
 
   EXPECT_EQ(
       client.shown(),
@@ -82,7 +100,10 @@ TEST_F(MergeTest, TwoDropsIntoAStoredFileGiveTheseBytes) {
                                       "GREEN_LIMIT=50\r\nYELLOW_LIMIT=50\r\nRED_LIMIT=9\r\nBLUE_LIMIT=50\r\n");
   const QVariantMap copy = client.propertyLists.decode(files.bytes(kColourCopyPath.toString())).toMap();
   EXPECT_EQ(copy.keys(), (QStringList{u"0"_s, u"1"_s, u"2"_s, u"3"_s}));
-  EXPECT_EQ(copy[u"0"_s].toMap()[u"Songs"_s].toList().first().toMap()[u"SongPath"_s].toString(), u"Blue Train"_s);
+  EXPECT_EQ(copy[u"0"_s].toMap()[u"Songs"_s].toList(), (QVariantList{QVariantMap{{u"SongPath"_s, u"Blue Train"_s},
+                                                                                 {u"ItemType"_s, u"2"_s},
+                                                                                 {u"CheckSum"_s, zeros36()},
+                                                                                 {u"GUID"_s, blueTrain}}}));
   EXPECT_FALSE(copy[u"1"_s].toMap().contains(u"Songs"_s));
 }
 
