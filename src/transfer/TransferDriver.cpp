@@ -60,7 +60,7 @@ void TransferDriver::transferToVaultbox(std::stop_token stop) {
     try {
       again = runTransfer();
     } catch (const std::exception &exception) {
-      again = cleanUpAfterException(exception) && !stop.stop_requested();
+      again = cleanUpAfterException(exception) && goesOn();
     }
   }
 }
@@ -82,7 +82,7 @@ bool TransferDriver::runTransfer() {
     return false;
   }
   endTransfer();
-  return finishTransferHandler() && !m_stop.stop_requested();
+  return finishTransferHandler() && goesOn();
 }
 
 bool TransferDriver::carryQueue() {
@@ -207,6 +207,9 @@ TransferDriver::After TransferDriver::copySound(const Item &item) {
     m_showTransferCompleteMessage = true;
     return After::NextItem;
   }
+  if (m_tools.board.manualSleepWasConnected) {
+    return After::Slept; // the copy was ended, and this item is the first of the list after the wake
+  }
   const bool shareIsThere = m_tools.files.presence(m_folders.system()) == Presence::Present;
   if (!shareIsThere && !m_tools.board.isCancel) {
     return shareLost(kConnectImage);
@@ -282,12 +285,6 @@ void TransferDriver::rejectItem(const Item &item) {
   if (item.extension == u"inetloc") {
     removeTemporaryDragFile(m_tools.files, m_tools.desktop, m_tools.homePath, item.name);
   }
-}
-
-void TransferDriver::reportMissing(const QString &path) {
-  showMessage(withFileName(message(u"Message13"_s), lastPathComponent(path)));
-  m_view.selectTab(Tab::Transfer);
-  m_view.windowFrontCentre();
 }
 
 void TransferDriver::reportRadio(const QString &item) {

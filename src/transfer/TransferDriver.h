@@ -50,6 +50,7 @@ private:
   struct Item;
 
   [[nodiscard]] bool runTransfer();
+  [[nodiscard]] bool goesOn() const;
   [[nodiscard]] bool carryQueue(); // false: the machine went to sleep
   [[nodiscard]] After carryItem(const QueueEntry &entry);
   [[nodiscard]] After carrySound(const Item &item);
