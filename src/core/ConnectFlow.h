@@ -45,6 +45,8 @@ public:
     std::function<void(const QString &address)> wakeupOnLanAProduct;
     // The transfer's thread is at work. While it is, nothing may connect.
     std::function<bool()> workerRuns;
+    // Ends a cancelled transfer that has not ended yet; what it hands in needs the share.
+    std::function<void()> awaitTransfer;
   };
 
   // mainDictPath: removed at the end of every Connect.
