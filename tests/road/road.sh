@@ -11,6 +11,8 @@ if [ -z "${SONOREL_ROAD_BUS:-}" ]; then
 fi
 
 root=$SONOREL_ROAD_ROOT bin=$SONOREL_BIN
+# No road meets the machine's own network: only those that make one find products.
+export DBUS_SYSTEM_BUS_ADDRESS=${SONOREL_ROAD_SYSTEM_BUS:-unix:path=$root/no-system-bus}
 export XDG_DATA_HOME=$root/data XDG_CONFIG_HOME=$root/config XDG_RUNTIME_DIR=$root/runtime
 mkdir -p "$XDG_DATA_HOME" "$XDG_CONFIG_HOME" "$root/music"
 install -d -m 700 "$XDG_RUNTIME_DIR"
@@ -58,6 +60,16 @@ kill_client() {
   kill -KILL "$client"
   wait "$client" 2>/dev/null || true
   client=
+}
+install_client() { # an installation of its own, so that stand-ins for other programs can stand beside the client
+  mkdir -p "$root/installed/bin" "$root/installed/share/sonorel"
+  cp "$bin/sonoreld" "$root/installed/bin/"
+  ln -s "$(realpath "$bin/../resources")" "$root/installed/share/sonorel/resources"
+  bin=$root/installed/bin
+}
+stand_in() { # NAME: a program of the installation, its text on the standard input
+  cat >"$root/installed/bin/$1"
+  chmod +x "$root/installed/bin/$1"
 }
 make_product() { # NAME: the embedded product names itself so
   mkdir -p "$share/System"
