@@ -12,6 +12,7 @@
 #include "platform/linux/TagLibMetadata.h"
 #include "support/FakeClock.h"
 #include "support/FakeDesktop.h"
+#include "support/FakeScripts.h"
 #include "support/FakeView.h"
 #include "support/FakeWorker.h"
 #include "support/Fixtures.h"
@@ -60,6 +61,7 @@ public:
   LibplistPropertyLists propertyLists;
   QtIdentifiers identifiers;
   TagLibMetadata metadata{[](const QString &path) { return std::optional<QString>(path); }};
+  test::FakeScripts scripts;
   test::FakeDesktop desktop;
   test::FakeView view;
   test::FakeWorker worker;
@@ -69,7 +71,7 @@ public:
   Strings strings{files, propertyLists, test::resourceFolder()};
   MessageLog log{[this] { view.fillMessageLog([this] { return log.viewText(); }); }};
   MetadataCache cache{files, metadata};
-  TransferTools tools{files, processes, clock, desktop, cache, board};
+  TransferTools tools{files, processes, scripts, clock, desktop, cache, board};
   Transfer transfer{tools, test::standardFolders()};
   FavouritesRewrite rewrite{{files, clock, identifiers, desktop, session},
                             test::standardFolders(),
@@ -81,8 +83,10 @@ public:
       {files, clock, desktop, [this] { return rewrite.backupFolderOfProduct(); }}, test::standardFolders(), [] {}};
   FavouritesMerge merge{
       {files, propertyLists, clock, desktop, settings, session, dictionary, dictionaryFile, rewrite, limits}};
+  PhotoFavourites photoFavourites{desktop, identifiers, session, rewrite};
   PlaylistMetaData metaData{board,
                             merge,
+                            photoFavourites,
                             settings,
                             session,
                             identifiers,

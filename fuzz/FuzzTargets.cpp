@@ -6,6 +6,7 @@
 #include "favourites/LimitsFile.h"
 #include "favourites/ListContent.h"
 #include "favourites/MainDictionaryFile.h"
+#include "favourites/PhotoFavouritesFile.h"
 #include "platform/Failure.h"
 #include "platform/linux/LibplistPropertyLists.h"
 
@@ -38,6 +39,48 @@ void requireStable(const DecodedFavourites &read, const PlayerTraits &player) {
   const QByteArray second = encodeMusicFavourites(once.lists, player, guid);
   const DecodedFavourites twice = decodeMusicFavourites(second, player);
   require(encodeMusicFavourites(twice.lists, player, guid) == second, "a later rewrite changes nothing");
+}
+
+// Each content is a 16-bit length and its bytes; the last one may be short.
+QByteArray packed(QByteArrayView bytes, qsizetype headerSize) {
+  std::vector<QByteArray> contents;
+  for (qsizetype at = 0; at + 2 <= bytes.size();) {
+    const qsizetype length = static_cast<quint8>(bytes.at(at)) + 256 * static_cast<quint8>(bytes.at(at + 1));
+    const QByteArrayView content = bytes.sliced(at + 2).first(qMin(length, bytes.size() - at - 2));
+    contents.push_back(content.toByteArray());
+    at += 2 + content.size();
+  }
+  return assembledFile(QByteArray(headerSize, 'h'),
+                       compressedChunks(contents.size(), 0, [&](std::size_t i) { return contents.at(i); }));
+}
+
+std::vector<NewList> droppedAlbums(const PlayerTraits &player) {
+  FavouriteTitle title{u"Rome\\1.jpg"_s, QByteArray(kCheckSumSize, '\0'), QByteArray(kGuidSize, 't'), std::nullopt};
+  if (!player.isVaultbox1()) {
+    title.itemType = kItemTypeTitle.toString();
+  }
+  const auto album = [&](const QString &name, std::vector<FavouriteTitle> titles) {
+    return NewList{name, u"77"_s, u"6"_s, QByteArray(kGuidSize, 'a'), std::move(titles)};
+  };
+  return {album(u"Red"_s, {title}), album(QString(), {}), album(u"Rome"_s, {title})};
+}
+
+// What was there stays there, and the dropped album can be read behind it.
+void requireExtended(QByteArrayView bytes, const PlayerTraits &player) {
+  const QString guid = u"00000000-0000-0000-0000-0000000000AA"_s;
+  const QByteArray kept = extendedPhotoFavourites(bytes, {}, player, guid);
+  require(extendedPhotoFavourites(kept, {}, player, guid) == kept, "a later rewrite changes nothing");
+  const DecodedFavourites before = decodeFavourites(kept, FavouritesKind::Photos, player);
+  const DecodedFavourites after = decodeFavourites(
+      extendedPhotoFavourites(bytes, droppedAlbums(player), player, guid), FavouritesKind::Photos, player);
+  const std::size_t added = after.lists.size() - before.lists.size();
+  require(added == 2 || added == 3, "an album goes onto its colour's list or becomes a list");
+  for (std::size_t i = 0; i < before.lists.size(); ++i) {
+    require(added == 2 ? before.lists.at(i).guid == after.lists.at(i).guid : before.lists.at(i) == after.lists.at(i),
+            "a stored list stays as it was");
+  }
+  const FavouriteList &last = after.lists.back();
+  require(last.nameAsRead == u"Rome"_s && last.songs.size() == 1, "the dropped album stands behind the others");
 }
 
 } // namespace
@@ -76,17 +119,22 @@ void favouritesFile(QByteArrayView bytes) {
   }
 }
 
-// Each content is a 16-bit length and its bytes; the last one may be short.
 void favouritesContents(QByteArrayView bytes) {
-  std::vector<QByteArray> contents;
-  for (qsizetype at = 0; at + 2 <= bytes.size();) {
-    const qsizetype length = static_cast<quint8>(bytes.at(at)) + 256 * static_cast<quint8>(bytes.at(at + 1));
-    const QByteArrayView content = bytes.sliced(at + 2).first(qMin(length, bytes.size() - at - 2));
-    contents.push_back(content.toByteArray());
-    at += 2 + content.size();
+  favouritesFile(packed(bytes, kMusicHeaderSize));
+}
+
+void photoFile(QByteArrayView bytes) {
+  const std::array players{PlayerTraits{u"Auralis 5"_s, true}, PlayerTraits{u"Auracore 5"_s, false},
+                           PlayerTraits{u"Vaultbox 1"_s, false}};
+  try {
+    requireExtended(bytes, players.at(static_cast<std::size_t>(bytes.size()) % players.size()));
+  } catch (const Failure &failure) {
+    require(failure.kind() == FailureKind::Damaged, "only damage is refused");
   }
-  favouritesFile(assembledFile(QByteArray(kMusicHeaderSize, 'h'),
-                               compressedChunks(contents.size(), 0, [&](std::size_t i) { return contents.at(i); })));
+}
+
+void photoContents(QByteArrayView bytes) {
+  photoFile(packed(bytes, kPhotoHeaderSize));
 }
 
 void limitsFile(QByteArrayView bytes) {

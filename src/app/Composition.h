@@ -6,7 +6,7 @@
 #include "app/DoorInterface.h"
 #include "app/DropCounter.h"
 #include "core/ApplicationController.h"
-#include "platform/linux/AbsentServiceBrowser.h"
+#include "platform/linux/AvahiServiceBrowser.h"
 #include "platform/linux/DBusApplications.h"
 #include "platform/linux/DBusNotifications.h"
 #include "platform/linux/LibplistPropertyLists.h"
@@ -71,7 +71,7 @@ private:
   DBusApplications m_applications;
   TagLibMetadata m_metadata;
   LinuxScripts m_scripts;
-  AbsentServiceBrowser m_serviceBrowser;
+  AvahiServiceBrowser m_serviceBrowser;
   UdpDatagrams m_datagrams;
   LogindPower m_power;
   DropCounter m_dropCounter;

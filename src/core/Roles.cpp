@@ -35,7 +35,7 @@ StartUp::Steps Roles::steps() {
   steps.registerForPower = [this] { return share->registerForPower(); };
   steps.connectAutomatically = [this] { share->automaticConnection.run(); };
   steps.showTrueState = [this] { share->connectFlow.showTrueState(); };
-  steps.createDiscovery = [] {}; // products are added by hand until they are looked for on the network
+  steps.createDiscovery = [this] { share->discovery.init(); };
   steps.showConnectionIndicator = [this](bool shown) { interface.showConnecting(shown); };
   return steps;
 }
@@ -67,6 +67,9 @@ QuitRequests::Hooks Roles::quitHooks() {
 
 // After an ordinary quit the share has been left already; one whose unmount was cut short leaves it now.
 void Roles::terminate() {
+  if (share) {
+    share->discovery.stop(); // "Detected Devices" stays removed
+  }
   try {
     if (share && share->isConnected()) {
       share->connectFlow.disconnect();

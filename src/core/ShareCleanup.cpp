@@ -12,9 +12,16 @@ ShareCleanup::ShareCleanup(FileSystem &files, Clock &clock, Desktop &desktop, Sh
     : m_files(files), m_clock(clock), m_desktop(desktop), m_folders(std::move(folders)), m_mark(std::move(mark)) {}
 
 void ShareCleanup::run() {
+  clean(m_folders.system());
+  if (isFolder(m_files, m_folders.bookmarks())) {
+    clean(m_folders.bookmarks());
+  }
+}
+
+void ShareCleanup::clean(const QString &folder) {
   try {
-    for (const QString &name : m_files.list(m_folders.system())) {
-      if (const QString path = m_folders.system() + name; isLeftOver(name, path)) {
+    for (const QString &name : m_files.list(folder)) {
+      if (const QString path = folder + name; isLeftOver(name, path)) {
         m_files.removeFile(path);
       }
     }

@@ -1,6 +1,6 @@
-// Temporary files in the share's system folder that nobody will finish: this client's own, which an earlier run left,
-// and those of other clients when they are older than a day. Controller's thread, right after a connection; blocks on
-// the share; never throws.
+// Temporary files in the share's system and bookmark folders that nobody will finish: this client's own, which an
+// earlier run left, and those of other clients when they are older than a day. Controller's thread, right after a
+// connection; blocks on the share; never throws.
 #pragma once
 
 #include "core/state/ShareLayout.h"
@@ -25,6 +25,7 @@ public:
   void run();
 
 private:
+  void clean(const QString &folder);
   [[nodiscard]] bool isLeftOver(const QString &name, const QString &path);
 
   FileSystem &m_files;

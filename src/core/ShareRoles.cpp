@@ -4,6 +4,7 @@
 #include "core/Roles.h"
 #include "core/state/Report.h"
 #include "favourites/AlbumNames.h"
+#include "transfer/PicturePaths.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -18,6 +19,7 @@ ShareRoles::ShareRoles(Roles &owner)
       selection(products, owner.session, owner.strings, owner.interface, selectionHooks()),
       wakeOnLan(products, owner.platform.datagrams, owner.platform.clock, owner.platform.desktop,
                 [&owner] { return owner.interruption.token(); }),
+      discovery(owner.platform.serviceBrowser, products),
       messages(owner.platform.files, owner.platform.desktop, owner.strings, owner.interface, owner.session, folders),
       deviceName(owner.platform.files, owner.platform.propertyLists, owner.platform.desktop, owner.settings,
                  owner.session, folders, owner.paths.machinePreferences),
@@ -33,22 +35,23 @@ ShareRoles::ShareRoles(Roles &owner)
              folders, [&owner] { owner.quitRequests.unconditionally(); }),
       merge({owner.platform.files, owner.platform.propertyLists, owner.platform.clock, owner.platform.desktop,
              owner.settings, owner.session, dictionary, dictionaryFile, rewrite, limits}),
-      playlists(owner.board, merge, owner.settings, owner.session, owner.platform.identifiers, owner.platform.desktop,
-                playlistHooks()),
-      metadataCache(owner.platform.files, owner.platform.metadata), transferTools{owner.platform.files,
-                                                                                  owner.platform.processes,
-                                                                                  owner.platform.clock,
-                                                                                  owner.platform.desktop,
-                                                                                  metadataCache,
-                                                                                  owner.board,
-                                                                                  owner.values.homePath},
+      photoFavourites(owner.platform.desktop, owner.platform.identifiers, owner.session, rewrite),
+      playlists(owner.board, merge, photoFavourites, owner.settings, owner.session, owner.platform.identifiers,
+                owner.platform.desktop, playlistHooks()),
+      metadataCache(owner.platform.files, owner.platform.metadata),
+      transferTools{owner.platform.files, owner.platform.processes, owner.platform.scripts,
+                    owner.platform.clock, owner.platform.desktop,   metadataCache,
+                    owner.board,          owner.values.homePath},
       transfer(transferTools, folders),
       driver(transferTools, transfer, owner.log, owner.strings, owner.session, owner.interface, owner.platform.worker,
              folders, owner.paths.mainDictPath, driverHooks()),
       intake(owner.platform.files, owner.board, owner.log, owner.strings, owner.session, owner.interface,
              owner.platform.desktop, intakeHooks()),
       texts(owner.platform.files, owner.platform.desktop, owner.settings, owner.strings, owner.session,
-            owner.interface, owner.paths),
+            owner.interface, owner.paths,
+            [this](const QByteArray &emptyList) {
+              photoFavourites.createIfMissing(emptyList, roles.interruption.token());
+            }),
       clientAlive(owner.platform.loop,
                   {[this] { return connectFlow.isConnected(); }, [this] { messages.sendClientAliveMessage(); }}),
       cleanup(owner.platform.files, owner.platform.clock, owner.platform.desktop, folders,
@@ -112,6 +115,10 @@ DropIntake::Hooks ShareRoles::intakeHooks() {
   hooks.pause = [this](std::chrono::milliseconds pause) {
     roles.interface.flush();
     roles.platform.clock.sleep(pause, roles.interruption.token());
+  };
+  hooks.changePhotosPaths = [this](const QStringList &paths) {
+    return sonorel::changePhotosPaths(paths, roles.values.homePath, roles.platform.files,
+                                      roles.platform.propertyLists, roles.platform.desktop);
   };
   return hooks;
 }

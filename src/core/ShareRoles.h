@@ -13,6 +13,7 @@
 #include "core/WindowTexts.h"
 #include "favourites/PlaylistMetaData.h"
 #include "favourites/ProductVersion.h"
+#include "products/BonjourDiscovery.h"
 #include "products/ProductSelection.h"
 #include "products/WakeOnLan.h"
 #include "transfer/DropIntake.h"
@@ -38,6 +39,7 @@ struct ShareRoles {
   ProductList products;
   ProductSelection selection;
   WakeOnLan wakeOnLan;
+  BonjourDiscovery discovery; // `bonjourDiscoveryObj`
 
   // --- messages and favourites ---
   ClientMessages messages;
@@ -48,6 +50,7 @@ struct ShareRoles {
   ProductVersion productVersion;
   ColourLimits limits;
   FavouritesMerge merge;
+  PhotoFavourites photoFavourites;
   PlaylistMetaData playlists;
 
   // --- transfer ---

@@ -24,9 +24,10 @@ std::optional<AlertTexts> twoParts(const QString &text) {
 } // namespace
 
 WindowTexts::WindowTexts(FileSystem &files, Desktop &desktop, const Settings &settings, Strings &strings,
-                         Session &session, InterfaceController &interface, const ClientPaths &paths)
+                         Session &session, InterfaceController &interface, const ClientPaths &paths,
+                         CreatePhotoFavourites createPhotoFavourites)
     : m_files(files), m_desktop(desktop), m_settings(settings), m_strings(strings), m_session(session),
-      m_interface(interface), m_paths(paths) {}
+      m_interface(interface), m_paths(paths), m_createPhotoFavourites(std::move(createPhotoFavourites)) {}
 
 void WindowTexts::langSelect(int index) {
   if (!m_interface.state().languageEnabled) {
@@ -64,7 +65,9 @@ void WindowTexts::providePhotoFavourites() {
   }
   const auto existing = m_files.attributes(path, Links::Follow);
   if (!existing || existing->size == 0) {
-    m_files.writeAtomically(path, m_files.read(resource, kResourceLimit));
+    // Absent may also mean that a rewrite is under way, or was interrupted: that is looked at where files are
+    // written.
+    m_createPhotoFavourites(m_files.read(resource, kResourceLimit));
   }
 }
 

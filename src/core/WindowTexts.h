@@ -10,6 +10,8 @@
 #include "platform/Desktop.h"
 #include "platform/FileSystem.h"
 
+#include <functional>
+
 namespace sonorel {
 
 struct AlertTexts {
@@ -19,9 +21,12 @@ struct AlertTexts {
 
 class WindowTexts {
 public:
+  // Gives a share without photo favourites the ones it is handed; throws Failure.
+  using CreatePhotoFavourites = std::function<void(const QByteArray &emptyList)>;
+
   // All references must outlive the object.
   WindowTexts(FileSystem &files, Desktop &desktop, const Settings &settings, Strings &strings, Session &session,
-              InterfaceController &interface, const ClientPaths &paths);
+              InterfaceController &interface, const ClientPaths &paths, CreatePhotoFavourites createPhotoFavourites);
 
   // An index outside the pop-up keeps the language. Nothing happens while the pop-up is disabled.
   void langSelect(int index);
@@ -47,6 +52,7 @@ private:
   Session &m_session;
   InterfaceController &m_interface;
   const ClientPaths &m_paths;
+  CreatePhotoFavourites m_createPhotoFavourites;
 };
 
 } // namespace sonorel

@@ -49,24 +49,6 @@ QStringList colourNamesOf(const std::vector<NewList> &newLists) {
   return names;
 }
 
-// A list by its own GUID, or what was put on a colour key by those of its titles.
-bool standsThere(const NewList &added, const FavouriteLists &lists) {
-  const int colour = colourIndex(added.name);
-  return std::any_of(lists.begin(), lists.end(), [&](const FavouriteList &stored) {
-    if (colour < 0 || stored.playlistName != added.name) {
-      return stored.guid == added.guid;
-    }
-    return std::any_of(stored.songs.begin(), stored.songs.end(), [&](const FavouriteTitle &title) {
-      return !added.titles.empty() && title.guid == added.titles.back().guid;
-    });
-  });
-}
-
-std::vector<NewList> withoutWritten(std::vector<NewList> newLists, const FavouriteLists &lists) {
-  std::erase_if(newLists, [&](const NewList &added) { return standsThere(added, lists); });
-  return newLists;
-}
-
 } // namespace
 
 FavouritesMerge::FavouritesMerge(MergeTools tools) : m_tools(tools) {}
@@ -93,7 +75,7 @@ WriteResult FavouritesMerge::mergeOnce(FavouritesRewrite::Turn &turn, const std:
   const SeenFile seen = turn.look();
   Parser parser = m_tools.dictionary.parser();
   FavouriteLists lists = m_tools.dictionary.rebuild(parser, seen);
-  const std::vector<NewList> newLists = kind == MergeTry::Again ? withoutWritten(given, lists) : given;
+  const std::vector<NewList> newLists = stillToWrite(given, lists, kind);
   if (newLists.empty() && !given.empty()) {
     return WriteResult::Written;
   }

@@ -6,6 +6,7 @@
 #include "favourites/ColourLimits.h"
 #include "favourites/FavouritesRewrite.h"
 #include "favourites/MainDictionary.h"
+#include "favourites/WrittenLists.h"
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"
 #include "platform/PropertyLists.h"
@@ -26,11 +27,6 @@ struct MergeTools {
   MainDictionaryFile &dictionaryFile;
   FavouritesRewrite &rewrite;
   ColourLimits &limits;
-};
-
-enum class MergeTry {
-  First,
-  Again, // a failed write may have come through after all: lists that stand there by their GUIDs are left out
 };
 
 class FavouritesMerge {

@@ -26,28 +26,75 @@ bool isAlbum(const FavouriteTitle &title) {
   return title.itemType == kItemTypeAlbum;
 }
 
-// The first four lists of a music file, when they are what they should be.
+// The first four lists, when they are what they should be: a music file knows them by their numbers, a photo file,
+// which need not have any, by their names.
 bool isColourKey(const FavouritesReport &report, std::size_t index) {
-  return report.kind == FavouritesKind::Music && report.hasItemTypes && index < kColourKeys &&
-         report.file.lists.at(index).playlistId == QString::number(index + 1);
+  if (!report.hasItemTypes || index >= kColourKeys) {
+    return false;
+  }
+  const FavouriteLists &lists = report.file.lists;
+  if (report.kind == FavouritesKind::Music) {
+    return lists.at(index).playlistId == QString::number(index + 1);
+  }
+  for (int i = 0; i < kColourKeys; ++i) {
+    if (std::ssize(lists) <= i || lists.at(static_cast<std::size_t>(i)).nameAsRead != colourName(i)) {
+      return false;
+    }
+  }
+  return true;
 }
 
-QString contentOf(const FavouriteList &list) {
+bool isSeparator(const FavouritesReport &report, const FavouriteList &list) {
+  return report.kind == FavouritesKind::Photos && list.nameAsRead.value_or(QString()).isEmpty();
+}
+
+QString titleNoun(const FavouritesReport &report) {
+  return report.kind == FavouritesKind::Photos ? u"picture"_s : u"title"_s;
+}
+
+// "5 lists, 3 titles", or "2 albums, 1 separator, 7 pictures".
+QString summaryOf(const FavouritesReport &report) {
+  std::size_t titles = 0;
+  std::size_t separators = 0;
+  for (const FavouriteList &list : report.file.lists) {
+    titles += list.songs.size();
+    separators += isSeparator(report, list) ? 1 : 0;
+  }
+  const std::size_t lists = report.file.lists.size() - separators;
+  return counted(lists, report.kind == FavouritesKind::Photos ? u"album"_s : u"list"_s) + u", "_s +
+         (separators == 0 ? QString() : counted(separators, u"separator"_s) + u", "_s) +
+         counted(titles, titleNoun(report));
+}
+
+QString encodingOf(const FavouritesReport &report) {
+  if (report.kind == FavouritesKind::Photos) { // its tag does not tell
+    return u"UTF-8 or Windows-1252"_s;
+  }
+  return report.albumsTag == kAlbumsTagUtf8 ? u"UTF-8"_s : u"Windows-1252"_s;
+}
+
+QString contentOf(const FavouritesReport &report, const FavouriteList &list) {
   const auto albums = static_cast<std::size_t>(std::count_if(list.songs.begin(), list.songs.end(), isAlbum));
   const std::size_t titles = list.songs.size() - albums;
   if (list.songs.empty()) {
     return u"empty"_s;
   }
   if (albums == 0) {
-    return counted(titles, u"title"_s);
+    return counted(titles, titleNoun(report));
   }
-  return counted(albums, u"album"_s) + (titles == 0 ? QString() : u", "_s + counted(titles, u"title"_s));
+  return counted(albums, u"album"_s) + (titles == 0 ? QString() : u", "_s + counted(titles, titleNoun(report)));
 }
 
 void appendList(const FavouritesReport &report, std::size_t index, QString &text) {
   const FavouriteList &list = report.file.lists.at(index);
-  text += u"\n%1%2 (%3%4)\n"_s.arg(list.playlistId.leftJustified(7), list.nameAsRead.value_or(QString()),
-                                   isColourKey(report, index) ? u"colour key, "_s : QString(), contentOf(list));
+  if (isSeparator(report, list)) {
+    text += u"\n%1(separator%2)\n"_s.arg(list.playlistId.leftJustified(7),
+                                         list.songs.empty() ? QString() : u", "_s + contentOf(report, list));
+  } else {
+    text +=
+        u"\n%1%2 (%3%4)\n"_s.arg(list.playlistId.leftJustified(7), list.nameAsRead.value_or(QString()),
+                                 isColourKey(report, index) ? u"colour key, "_s : QString(), contentOf(report, list));
+  }
   if (list.locationId != kOwnLocationId) {
     text += u"       location \"%1\"\n"_s.arg(list.locationId);
   }
@@ -113,23 +160,18 @@ FavouritesReport favouritesReport(QByteArrayView bytes) {
     }
   }
   const PlayerTraits player{report.hasItemTypes ? kAuralis5.toString() : kVaultbox1.toString(),
-                            report.albumsTag == kAlbumsTagUtf8};
+                            report.kind == FavouritesKind::Photos || report.albumsTag == kAlbumsTagUtf8};
   report.file = decodeFavourites(bytes, report.kind, player);
   report.file.oddities += unusual(report);
   return report;
 }
 
 QString textOf(const FavouritesReport &report) {
-  std::size_t titles = 0;
-  for (const FavouriteList &list : report.file.lists) {
-    titles += list.songs.size();
-  }
-  QString text =
-      u"%1 favourites: %2, %3\n"_s.arg(report.kind == FavouritesKind::Photos ? u"Photo"_s : u"Music"_s,
-                                       counted(report.file.lists.size(), u"list"_s), counted(titles, u"title"_s));
+  QString text = u"%1 favourites: %2\n"_s.arg(report.kind == FavouritesKind::Photos ? u"Photo"_s : u"Music"_s,
+                                              summaryOf(report));
   text += u"Version \"%1\", texts in %2%3, written as %4\n"_s.arg(
-      report.albumsTag, report.albumsTag == kAlbumsTagUtf8 ? u"UTF-8"_s : u"Windows-1252"_s,
-      report.hasItemTypes ? QString() : u", titles without item type"_s, report.guid);
+      report.albumsTag, encodingOf(report), report.hasItemTypes ? QString() : u", titles without item type"_s,
+      report.guid);
   for (std::size_t i = 0; i < report.file.lists.size(); ++i) {
     appendList(report, i, text);
   }
@@ -150,12 +192,16 @@ QByteArray jsonOf(const FavouritesReport &report) {
     for (const FavouriteTitle &title : list.songs) {
       titles.append(jsonOf(title));
     }
-    lists.append(QJsonObject{{u"name"_s, list.nameAsRead.value_or(QString())},
-                             {u"playlistId"_s, list.playlistId},
-                             {u"locationId"_s, list.locationId},
-                             {u"guid"_s, QString::fromLatin1(list.guid.toHex())},
-                             {u"colourKey"_s, isColourKey(report, i)},
-                             {u"titles"_s, titles}});
+    QJsonObject object{{u"name"_s, list.nameAsRead.value_or(QString())},
+                       {u"playlistId"_s, list.playlistId},
+                       {u"locationId"_s, list.locationId},
+                       {u"guid"_s, QString::fromLatin1(list.guid.toHex())},
+                       {u"colourKey"_s, isColourKey(report, i)},
+                       {u"titles"_s, titles}};
+    if (report.kind == FavouritesKind::Photos) {
+      object.insert(u"separator"_s, isSeparator(report, list));
+    }
+    lists.append(object);
   }
   return QJsonDocument(QJsonObject{{u"kind"_s, favouritesCommand(report.kind).toString()},
                                    {u"guid"_s, report.guid},

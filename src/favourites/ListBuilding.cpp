@@ -1,7 +1,7 @@
 #include "favourites/ListBuilding.h"
 
 #include "core/state/ShareLayout.h"
-#include "favourites/FavouritesFormat.h"
+#include "favourites/PhotoListBuilding.h"
 
 #include <QSet>
 
@@ -14,18 +14,11 @@ namespace {
 // Builds the title entries of one drop; the album of each file is looked up once.
 class TitleBuilder {
 public:
-  TitleBuilder(const AlbumLookup &album, const PlayerTraits &player, Identifiers &identifiers)
-      : m_album(album), m_player(player), m_identifiers(identifiers) {}
+  TitleBuilder(const AlbumLookup &album, const PlayerTraits &player, Identifiers &identifiers, FavouritesKind kind)
+      : m_album(album), m_player(player), m_identifiers(identifiers), m_kind(kind) {}
 
   FavouriteTitle title(const QString &path, const QString &itemType) {
-    FavouriteTitle built;
-    built.songPath = path;
-    built.checkSum = QByteArray(kCheckSumSize, '\0');
-    built.guid = m_identifiers.generateUUIDBytes();
-    if (!m_player.isVaultbox1()) {
-      built.itemType = itemType;
-    }
-    return built;
+    return newTitle(path, itemType, m_player, m_identifiers);
   }
 
   QString albumOf(const PlaylistInfo &record) {
@@ -40,7 +33,9 @@ public:
     std::vector<FavouriteTitle> titles;
     titles.reserve(static_cast<size_t>(records.size()));
     for (const PlaylistInfo *record : records) {
-      titles.push_back(title(cleanedName(record->destinationSongName), kItemTypeTitle.toString()));
+      const QString &place = record->destinationSongName;
+      const QString path = m_kind == FavouritesKind::Photos ? place.section(u'/', -1) : cleanedName(place);
+      titles.push_back(title(path, kItemTypeTitle.toString()));
     }
     return titles;
   }
@@ -67,6 +62,7 @@ private:
   const AlbumLookup &m_album;
   const PlayerTraits &m_player;
   Identifiers &m_identifiers;
+  FavouritesKind m_kind;
   QHash<QString, QString> m_albums; // by source path
 };
 
@@ -106,7 +102,22 @@ QString albumNameOf(const QString &albumAttribute) {
   return name.isEmpty() ? u"Unknown"_s : name.replace(u'_', u' ');
 }
 
-QStringList getAllPlaylistName(const QList<PlaylistInfo> &records) {
+FavouriteTitle newTitle(const QString &path, const QString &itemType, const PlayerTraits &player,
+                        Identifiers &identifiers) {
+  FavouriteTitle built;
+  built.songPath = path;
+  built.checkSum = QByteArray(kCheckSumSize, '\0');
+  built.guid = identifiers.generateUUIDBytes();
+  if (!player.isVaultbox1()) {
+    built.itemType = itemType;
+  }
+  return built;
+}
+
+QStringList getAllPlaylistName(const QList<PlaylistInfo> &records, FavouritesKind kind) {
+  if (kind == FavouritesKind::Photos) {
+    return photoListNames(records);
+  }
   QStringList names;
   QSet<QString> seen;
   for (const PlaylistInfo &record : records) {
@@ -119,7 +130,7 @@ QStringList getAllPlaylistName(const QList<PlaylistInfo> &records) {
 }
 
 PlaylistDetails makePlaylistDetailData(const QList<PlaylistInfo> &records, const AlbumLookup &album,
-                                       const PlayerTraits &player, Identifiers &identifiers) {
+                                       const PlayerTraits &player, Identifiers &identifiers, FavouritesKind kind) {
   QHash<QString, QList<const PlaylistInfo *>> transferred;
   for (const PlaylistInfo &record : records) {
     if (record.songTransferFlag == u"Y") {
@@ -128,10 +139,12 @@ PlaylistDetails makePlaylistDetailData(const QList<PlaylistInfo> &records, const
   }
   PlaylistDetails details;
   details.records = records;
-  TitleBuilder builder(album, player, identifiers);
-  for (const QString &name : getAllPlaylistName(records)) {
+  TitleBuilder builder(album, player, identifiers, kind);
+  for (const QString &name : getAllPlaylistName(records, kind)) {
     if (name == kNoPlaylist) {
       gatherLooseSongs(details, transferred.value(name), builder, player);
+    } else if (isColourMarker(name) && kind == FavouritesKind::Photos) {
+      continue;
     } else if (isColourMarker(name)) {
       details.titles.insert(colourNameOfMarker(name), builder.albums(transferred.value(name)));
     } else {

@@ -1,6 +1,7 @@
 #include "favourites/PlaylistMetaData.h"
 
 #include "core/state/Report.h"
+#include "favourites/PhotoListBuilding.h"
 
 #include <algorithm>
 
@@ -20,14 +21,17 @@ qint64 currentPlaylistId(const Settings &settings) {
 
 } // namespace
 
-PlaylistMetaData::PlaylistMetaData(TransferBoard &board, FavouritesMerge &merge, Settings &settings,
-                                   const Session &session, Identifiers &identifiers, Desktop &desktop, Hooks hooks)
-    : m_board(board), m_merge(merge), m_settings(settings), m_session(session), m_identifiers(identifiers),
-      m_desktop(desktop), m_hooks(std::move(hooks)) {}
+PlaylistMetaData::PlaylistMetaData(TransferBoard &board, FavouritesMerge &merge, PhotoFavourites &photoFavourites,
+                                   Settings &settings, const Session &session, Identifiers &identifiers,
+                                   Desktop &desktop, Hooks hooks)
+    : m_board(board), m_merge(merge), m_photoFavourites(photoFavourites), m_settings(settings), m_session(session),
+      m_identifiers(identifiers), m_desktop(desktop), m_hooks(std::move(hooks)) {}
 
 bool PlaylistMetaData::sendMetaDataForPlaylist(bool photos) {
   try {
-    return photos ? sendPhotos(m_board.records(true)) : sendMusic();
+    const bool retried = retry(photos); // as a transfer of its own, before this one
+    const bool sent = send(photos);
+    return sent && retried;
   } catch (const std::exception &exception) {
     logException(m_desktop, u"sendMetaDataForPlaylist"_s, exception);
     return false;
@@ -35,70 +39,85 @@ bool PlaylistMetaData::sendMetaDataForPlaylist(bool photos) {
 }
 
 bool PlaylistMetaData::hasUnwritten(bool photos) const {
-  return !photos && m_unwritten.hasAny(productKey(m_session));
+  return (photos ? m_unwrittenPhotos : m_unwritten).hasAny(productKey(m_session));
 }
 
 bool PlaylistMetaData::retryUnwritten() {
+  const bool photos = retry(true);
+  const bool music = retry(false);
+  return photos && music;
+}
+
+bool PlaylistMetaData::retry(bool photos) {
   const QString product = productKey(m_session);
-  if (!m_unwritten.hasAny(product) || !m_hooks.isConnected()) {
+  if (!unwritten(photos).hasAny(product) || !m_hooks.isConnected()) {
     return true;
   }
-  return m_unwritten.retry(product, [this](const std::vector<NewList> &lists) {
-    return m_merge.addPlaylistToDictionary(lists, m_hooks.stop(), MergeTry::Again);
-  });
+  return unwritten(photos).retry(
+      product, [&](const std::vector<NewList> &lists) { return write(photos, lists, MergeTry::Again); });
 }
 
-bool PlaylistMetaData::sendPhotos(const QList<PlaylistInfo> &records) {
-  const bool transferred = std::any_of(records.begin(), records.end(),
-                                       [](const PlaylistInfo &record) { return record.songTransferFlag == u"Y"; });
-  if (transferred) {
-    m_desktop.log(u"The albums of the transferred pictures were not written: this is not possible yet."_s);
+bool PlaylistMetaData::write(bool photos, const std::vector<NewList> &lists, MergeTry kind) {
+  return photos ? m_photoFavourites.makeList1UsingArrays(lists, m_hooks.stop(), kind)
+                : m_merge.addPlaylistToDictionary(lists, m_hooks.stop(), kind);
+}
+
+bool PlaylistMetaData::send(bool photos) {
+  const QList<PlaylistInfo> records = m_board.records(photos);
+  if (records.isEmpty()) {
+    return true;
   }
-  return !transferred;
-}
-
-// Kept lists are written as a transfer of their own, before this one: as if nothing had come between.
-bool PlaylistMetaData::sendMusic() {
-  const bool retried = retryUnwritten();
-  const QList<PlaylistInfo> records = m_board.records(false);
-  const bool sent = records.isEmpty() || sendRecords(records);
-  return sent && retried;
-}
-
-bool PlaylistMetaData::sendRecords(const QList<PlaylistInfo> &records) {
   const QString product = productKey(m_session);
-  const PlaylistDetails details = makePlaylistDetailData(records, m_hooks.album, playerOf(m_session), m_identifiers);
-  m_board.replaceRecords(false, details.records);
-  std::vector<NewList> lists = newLists(details);
+  std::vector<NewList> lists = photos ? pictureLists(records) : musicLists(records);
+  if (photos && lists.empty()) {
+    return true; // nothing but ends of albums
+  }
   if (m_hooks.isConnected()) {
-    if (m_merge.addPlaylistToDictionary(lists, m_hooks.stop())) {
+    if (write(photos, lists, MergeTry::First)) {
       return true;
     }
   } else {
     m_desktop.log(u"The playlists were not written: the share is not mounted."_s);
   }
-  m_board.clearRecords(false);
+  m_board.clearRecords(photos);
   if (std::all_of(lists.begin(), lists.end(), [](const NewList &list) { return list.titles.empty(); })) {
     return true; // nothing was transferred
   }
-  m_unwritten.keep(product, std::move(lists));
+  unwritten(photos).keep(product, std::move(lists));
   return false;
 }
 
-std::vector<NewList> PlaylistMetaData::newLists(const PlaylistDetails &details) {
+std::vector<NewList> PlaylistMetaData::musicLists(const QList<PlaylistInfo> &records) {
+  const PlaylistDetails details = makePlaylistDetailData(records, m_hooks.album, playerOf(m_session), m_identifiers);
+  m_board.replaceRecords(false, details.records);
   const qint64 first = currentPlaylistId(m_settings);
   std::vector<NewList> lists = makePlaylistDataArrays(details.records, first, m_identifiers);
   for (NewList &list : lists) {
     list.titles = details.titles.value(list.name);
   }
-  m_settings.set(u"PlaylistID"_s, QString::number(first + static_cast<qint64>(lists.size())));
+  storeNextPlaylistId(first + static_cast<qint64>(lists.size()));
+  return lists;
+}
+
+std::vector<NewList> PlaylistMetaData::pictureLists(const QList<PlaylistInfo> &records) {
+  const qint64 first = currentPlaylistId(m_settings);
+  std::vector<NewList> lists = photoLists(records, first, playerOf(m_session), m_identifiers);
+  const auto albums =
+      std::count_if(lists.begin(), lists.end(), [](const NewList &list) { return !list.name.isEmpty(); });
+  if (albums > 0) {
+    storeNextPlaylistId(first + albums);
+  }
+  return lists;
+}
+
+void PlaylistMetaData::storeNextPlaylistId(qint64 next) {
+  m_settings.set(u"PlaylistID"_s, QString::number(next));
   try {
     m_settings.save();
   } catch (const Failure &failure) {
     // The counter is made anew from the server's file; a list is not given up for it.
     m_desktop.log(u"The settings could not be written: "_s + failure.reason());
   }
-  return lists;
 }
 
 } // namespace sonorel

@@ -6,6 +6,7 @@
 #include "core/state/TransferBoard.h"
 #include "favourites/FavouritesMerge.h"
 #include "favourites/ListBuilding.h"
+#include "favourites/PhotoFavourites.h"
 #include "favourites/UnwrittenPlaylists.h"
 
 #include <functional>
@@ -22,14 +23,12 @@ public:
   };
 
   // All references must outlive the object.
-  PlaylistMetaData(TransferBoard &board, FavouritesMerge &merge, Settings &settings, const Session &session,
-                   Identifiers &identifiers, Desktop &desktop, Hooks hooks);
+  PlaylistMetaData(TransferBoard &board, FavouritesMerge &merge, PhotoFavourites &photoFavourites, Settings &settings,
+                   const Session &session, Identifiers &identifiers, Desktop &desktop, Hooks hooks);
 
-  // What earlier transfers could not write comes first, then the board's records. False when the server's favourites
-  // do not hold all of it; the reason is logged. Music that was not written is taken off the board and kept here.
-  // Emptying the records otherwise is the driver's.
-  // photos: the albums of pictures. Transferred pictures cannot be written to the photo favourites: false and a log
-  // line, nothing is changed. Without one there is nothing to write.
+  // What earlier transfers could not write comes first, then the board's records: those of music, or with photos
+  // those of pictures. False when the server's favourites do not hold all of it; the reason is logged. What was not
+  // written is taken off the board and kept here. Emptying the records otherwise is the driver's.
   [[nodiscard]] bool sendMetaDataForPlaylist(bool photos);
   // Something waits for another try on the product connected now.
   [[nodiscard]] bool hasUnwritten(bool photos) const;
@@ -37,19 +36,25 @@ public:
   bool retryUnwritten();
 
 private:
-  [[nodiscard]] bool sendMusic();
-  [[nodiscard]] bool sendRecords(const QList<PlaylistInfo> &records);
-  [[nodiscard]] bool sendPhotos(const QList<PlaylistInfo> &records);
-  [[nodiscard]] std::vector<NewList> newLists(const PlaylistDetails &details);
+  [[nodiscard]] bool send(bool photos);
+  [[nodiscard]] bool retry(bool photos);
+  [[nodiscard]] bool write(bool photos, const std::vector<NewList> &lists, MergeTry kind);
+  // Both take the numbers of the lists from the counter.
+  [[nodiscard]] std::vector<NewList> musicLists(const QList<PlaylistInfo> &records);
+  [[nodiscard]] std::vector<NewList> pictureLists(const QList<PlaylistInfo> &records);
+  void storeNextPlaylistId(qint64 next);
+  [[nodiscard]] UnwrittenPlaylists &unwritten(bool photos) { return photos ? m_unwrittenPhotos : m_unwritten; }
 
   TransferBoard &m_board;
   FavouritesMerge &m_merge;
+  PhotoFavourites &m_photoFavourites;
   Settings &m_settings;
   const Session &m_session;
   Identifiers &m_identifiers;
   Desktop &m_desktop;
   Hooks m_hooks;
   UnwrittenPlaylists m_unwritten;
+  UnwrittenPlaylists m_unwrittenPhotos;
 };
 
 } // namespace sonorel

@@ -1,16 +1,15 @@
-// Puts one sound file onto the share: classifies, forms the destination, settles on a copy that is there already or
-// copies, and marks the playlist records of the file. Worker thread; blocks on the share. Failures are thrown to the
-// driver. Read next: TrackNames.h for the names, TransferDriver.h for the caller.
+// Puts one item onto the share: classifies it, and for a sound file forms the destination, settles on a copy that is
+// there already or copies, and marks the playlist records of the file. Pictures and bookmarks have classes of their
+// own behind it. Worker thread; blocks on the share. Failures are thrown to the driver. Read next: TrackNames.h for
+// the names, TransferDriver.h for the caller.
 #pragma once
 
 #include "core/state/ShareLayout.h"
-#include "core/state/TransferBoard.h"
-#include "platform/Clock.h"
-#include "platform/Desktop.h"
-#include "platform/FileSystem.h"
-#include "platform/Processes.h"
+#include "transfer/BookmarkTransfer.h"
 #include "transfer/FileTypes.h"
-#include "transfer/MetadataCache.h"
+#include "transfer/PictureTransfer.h"
+#include "transfer/ServerFiles.h"
+#include "transfer/TransferTools.h"
 
 #include <QString>
 
@@ -19,31 +18,24 @@
 
 namespace sonorel {
 
-// All of it must outlive the object.
-struct TransferTools {
-  FileSystem &files;
-  Processes &processes;
-  Clock &clock;
-  Desktop &desktop;
-  MetadataCache &metadata;
-  TransferBoard &board;
-  QString homePath = {}; // the user's home folder, no "/" at its end
-};
-
 // What stands beside a track once it is placed: album artwork. Mode 1 embeds before the copy, mode 2 places a
-// picture; none by default.
+// picture; none by default. See TrackArtwork.
 struct TransferArtwork {
-  std::function<void(const QString &track)> embed = [](const QString &) {};
-  std::function<void(const QString &track, const QString &changedFileName, bool useFolderHierarchy)> standAlone =
-      [](const QString &, const QString &, bool) {};
+  std::function<void(const QString &track, const std::stop_token &stop)> embed = [](const QString &,
+                                                                                    const std::stop_token &) {};
+  std::function<void(const QString &track, const QString &changedFileName, bool useFolderHierarchy,
+                     const std::stop_token &stop)>
+      standAlone = [](const QString &, const QString &, bool, const std::stop_token &) {};
 };
 
 class Transfer {
 public:
   Transfer(const TransferTools &tools, ShareFolders folders, TransferArtwork artwork = {});
+  Transfer(const Transfer &) = delete;
+  Transfer &operator=(const Transfer &) = delete;
 
   // The token that ends pauses and copies of the running transfer.
-  void setStopToken(std::stop_token stop) { m_stop = std::move(stop); }
+  void setStopToken(std::stop_token stop) { m_server.setStopToken(std::move(stop)); }
 
   // --- classification: the four flags; at most one is set ---
   bool isValidFile(const QString &extension);
@@ -64,33 +56,42 @@ public:
   // The last sound file was found on the share, identical.
   [[nodiscard]] bool settledOnIdenticalFile() const { return m_settledOnIdenticalFile; }
   // Same size, and the source 0 or 1 second newer than the copy; also when both are one file.
-  [[nodiscard]] bool isFileAlreadyExistsOnVaultbox1(const QString &sourcePath, const QString &serverPath);
+  [[nodiscard]] bool isFileAlreadyExistsOnVaultbox1(const QString &sourcePath, const QString &serverPath) {
+    return m_server.isFileAlreadyExistsOnVaultbox1(sourcePath, serverPath);
+  }
+
+  // --- pictures, films and bookmarks; see PictureTransfer and BookmarkTransfer ---
+  [[nodiscard]] bool transferVideoFile(const QString &path) { return m_pictures.transferVideoFile(path); }
+  [[nodiscard]] bool transferPhotoOrVideoFile(const QString &path) {
+    return m_pictures.transferPhotoOrVideoFile(path);
+  }
+  [[nodiscard]] bool isPictureOnTheServer(const QString &path);
+  [[nodiscard]] bool transferBookmark(const QString &path) { return m_bookmarks.transferBookmark(path); }
+  [[nodiscard]] bool writeBookmark(const QString &fileName, const QString &text) {
+    return m_bookmarks.writeBookmark(fileName, text);
+  }
+  // A local file into the server's system folder, in place of one of that name.
+  void transferMetaDataFile(const QString &path);
+
   // Marks the records of the source as transferred, with the place where it stands.
   void playlistInfoUpdate(const QString &sourcePath, bool photos);
 
 private:
   struct Track; // one sound file on its way
 
-  [[nodiscard]] bool exists(const QString &path);
-  void createFolderIfMissing(const QString &path);
-  void createMusicFolder();
-  void createFoldersOf(const QString &base, const QString &relativeName);
   [[nodiscard]] bool settleOn(const Track &track, const QString &file, bool useFolderHierarchy);
-  [[nodiscard]] bool replaceInAHurry(const Track &track, const QString &file);
-  // deadline 0: none.
-  [[nodiscard]] bool copyTo(const Track &track, const QString &file, const std::stop_token &stop,
-                            std::chrono::milliseconds deadline = {});
+  [[nodiscard]] bool copyTo(const Track &track, const QString &file);
   [[nodiscard]] bool placeInHierarchy(const Track &track);
   [[nodiscard]] bool copyIntoHierarchy(const Track &track, const QString &folder, const QString &newFile);
-  void removeRemains(const QString &file);
-  [[nodiscard]] bool removeOld(const QString &file);
   void artworkAction(const Track &track, const QString &file, bool useFolderHierarchy);
   void record(const Track &track, const QString &file);
 
   TransferTools m_tools;
   const ShareFolders m_folders;
   TransferArtwork m_artwork;
-  std::stop_token m_stop;
+  ServerFiles m_server;
+  PictureTransfer m_pictures;
+  BookmarkTransfer m_bookmarks;
   bool m_isSoundFile = false;
   bool m_isVideoFile = false;
   bool m_isPhotoOrVideoFile = false;
@@ -98,7 +99,6 @@ private:
   bool m_isInvalidFileType = false;
   bool m_settledOnIdenticalFile = false;
   bool m_isNonAsciiFileTransferred = false;
-  bool m_isOlderFilePresentInMacFolder = false;
   QString m_nonAsciiFileName; // the candidate under the source's own name or its parenthesised form
   QString m_asciiFileName;    // the candidate under the new-style name
 };

@@ -4,38 +4,12 @@
 #include "core/state/Report.h"
 #include "transfer/PathNames.h"
 #include "transfer/TemporaryDragFiles.h"
-#include "transfer/TrackNames.h"
 
 #include <QScopeGuard>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
-
-namespace {
-
-constexpr quint64 kSmallestSound = 0x1FFFF; // a sound file must be larger
-constexpr quint64 kSmallestWav = 0x4FFFFF;
-constexpr int kArtworkBeside = 2;
-
-// A source that cannot be looked at is as good as missing: nothing on the share hangs on it.
-std::optional<FileAttributes> sourceFacts(FileSystem &files, const QString &path, Links links) {
-  try {
-    return files.attributes(path, links);
-  } catch (const Failure &) {
-    return std::nullopt;
-  }
-}
-
-} // namespace
-
-struct TransferDriver::Item {
-  QString path;
-  QString extension;
-  QString name; // last path component
-  bool isAppleLossless = false;
-  int hierarchyFlag = 0;
-};
 
 TransferDriver::TransferDriver(const TransferTools &tools, Transfer &transfer, MessageLog &log, Strings &strings,
                                const Session &session, View &view, Worker &worker, ShareFolders folders,
@@ -141,16 +115,39 @@ TransferDriver::After TransferDriver::carryItem(const QueueEntry &entry) {
   if (m_trackCounter == 1) {
     m_hooks.enableCFLLimits();
   }
-  After after = After::NextItem;
-  if (m_transfer.isSoundFileType() && !item.isAppleLossless) {
-    after = carrySound(item);
-  } else {
-    rejectItem(item);
-  }
+  const After after = carryByType(entry, item);
   if (after == After::NextItem) {
     showProgressBehind(entry);
   }
   return after;
+}
+
+TransferDriver::After TransferDriver::carryByType(const QueueEntry &entry, const Item &item) {
+  if (m_transfer.isSoundFileType() && !item.isAppleLossless) {
+    return carrySound(item);
+  }
+  if (m_transfer.isVideoFileType()) {
+    return carryVideo(item);
+  }
+  if (m_transfer.isPhotoOrVideoFileType()) {
+    return carryPicture(item);
+  }
+  if (m_transfer.isBookmarkFileType()) {
+    return carryBookmark(entry, item);
+  }
+  rejectItem(item);
+  return After::NextItem;
+}
+
+TransferDriver::After TransferDriver::whenItFits(const Item &item, After (TransferDriver::*copy)(const Item &)) {
+  if (isVaultboxDiskFree(item.path)) {
+    return (this->*copy)(item);
+  }
+  return m_isNetworkAlive ? diskFull() : shareLost(kDisconnectImage);
+}
+
+bool TransferDriver::isShareThere() {
+  return m_tools.files.presence(m_folders.system()) == Presence::Present;
 }
 
 void TransferDriver::showProgressBehind(const QueueEntry &entry) {
@@ -159,77 +156,21 @@ void TransferDriver::showProgressBehind(const QueueEntry &entry) {
   setProgress(static_cast<double>(done) * 100.0 / static_cast<double>(all));
 }
 
-TransferDriver::After TransferDriver::carrySound(const Item &item) {
-  const auto clearFlag = qScopeGuard([this] { m_transfer.setSoundFileType(false); });
-  try {
-    if (isVaultboxDiskFree(item.path)) {
-      return copySound(item);
-    }
-    return m_isNetworkAlive ? diskFull() : shareLost(kDisconnectImage);
-  } catch (const std::exception &exception) {
-    return exceptionInSound(exception);
-  }
-}
-
-TransferDriver::After TransferDriver::copySound(const Item &item) {
-  const auto facts = sourceFacts(m_tools.files, item.path, Links::Follow);
-  if (!facts) {
-    reportMissing(item.path);
-    return After::NextItem;
-  }
-  const quint64 size = facts->size;
-  const bool isWav = item.extension == u"wav";
-  if (size <= kSmallestSound && !isWav) {
-    showMessage(withFileName(message(u"Message15"_s), item.name));
-    m_view.windowFrontCentre();
-    return After::NextItem;
-  }
-  if (isWav && size <= kSmallestWav) {
-    showMessage(withFileName(message(u"Message7"_s), item.name));
-    m_view.windowFrontCentre();
-    return After::NextItem;
-  }
-  const auto tags = m_tools.metadata.tags(item.path);
-  if (!tags) {
-    m_tools.desktop.log(item.path + u"... File has no metadata!"_s);
-  }
-  m_tools.board.setCurrentTrack(tags ? trackTexts(*tags) : TrackTexts());
-  const QString changedSongName = changeSongFileName(item.path, tags);
-  // What is seen of the record until the track stands on the share.
-  m_tools.board.updateRecords(false, item.path, [&changedSongName](PlaylistInfo &record) {
-    if (record.songTransferFlag != u"Y") {
-      record.destinationSongName = changedSongName;
-    }
-  });
-  const int artworkMode = m_session.deviceName() == kVaultbox1 ? 0 : kArtworkBeside;
-  if (m_transfer.transferSoundFile(item.path, changedSongName, artworkMode, item.hierarchyFlag)) {
-    m_transferred.soundFileTransferred = true;
-    m_showTransferCompleteMessage = true;
-    return After::NextItem;
-  }
-  if (m_tools.board.manualSleepWasConnected) {
-    return After::Slept; // the copy was ended, and this item is the first of the list after the wake
-  }
-  const bool shareIsThere = m_tools.files.presence(m_folders.system()) == Presence::Present;
-  if (!shareIsThere && !m_tools.board.isCancel) {
-    return shareLost(kConnectImage);
-  }
-  if (m_transfer.settledOnIdenticalFile() || isAlreadyOnTheServer(item)) {
-    m_showTransferCompleteMessage = true;
-    return After::NextItem;
-  }
-  m_log.appendSeparator();
-  showMessage(withFileName(message(u"Message10"_s), item.name));
-  return After::NextItem;
-}
-
 bool TransferDriver::isVaultboxDiskFree(const QString &sourcePath) {
   const QString vaultboxDiskPath = m_folders.share();
-  const auto facts = sourceFacts(m_tools.files, sourcePath, Links::NoFollow);
+  const auto facts = sourceFacts(sourcePath, Links::NoFollow);
   const auto volume = m_tools.files.volume(vaultboxDiskPath);
   m_isNetworkAlive = m_hooks.isConnected();
   const quint64 size = facts ? facts->size : 0; // a missing source is not the disk's fault
   return volume && volume->mountRoot == vaultboxDiskPath && size < volume->freeBytes;
+}
+
+std::optional<FileAttributes> TransferDriver::sourceFacts(const QString &path, Links links) {
+  try {
+    return m_tools.files.attributes(path, links);
+  } catch (const Failure &) {
+    return std::nullopt;
+  }
 }
 
 bool TransferDriver::checkAppleLossless(const QString &path) {
@@ -239,34 +180,6 @@ bool TransferDriver::checkAppleLossless(const QString &path) {
     return false;
   }
   return !tags->codecs.isEmpty() && tags->codecs.constFirst() == u"Apple Lossless";
-}
-
-bool TransferDriver::isAlreadyOnTheServer(const Item &item) {
-  for (const QString &candidate : serverCandidates(item)) {
-    if (m_transfer.isFileAlreadyExistsOnVaultbox1(item.path, candidate)) {
-      return true;
-    }
-  }
-  return false;
-}
-
-QStringList TransferDriver::serverCandidates(const Item &item) {
-  const auto tags = m_tools.metadata.tags(item.path);
-  const QString base = m_folders.music();
-  const QString hierarchy = hierarchyFolder(item.path, item.hierarchyFlag == 1);
-  const QString newName = cleanedName(changeSongFileName(item.path, tags));
-  const QString olderName = cleanedName(changeSongFileNameOlderWay(item.path, tags));
-  const QString parenthesised = withExtension(u'(' + nameWithoutExtension(item.path) + u')', item.extension);
-  const QString shortened = shortenedRelativeName(hierarchy + newName);
-  const QString folder = shortened.left(shortened.lastIndexOf(u'/') + 1);
-  return {base + shortened,
-          base + folder + item.name,
-          base + withinNameLimit(folder + parenthesised),
-          base + newName,
-          base + item.name,
-          base + withinNameLimit(parenthesised),
-          base + olderName,
-          base + shortenedRelativeName(hierarchy + olderName)};
 }
 
 void TransferDriver::rejectItem(const Item &item) {
@@ -285,6 +198,17 @@ void TransferDriver::rejectItem(const Item &item) {
   if (item.extension == u"inetloc") {
     removeTemporaryDragFile(m_tools.files, m_tools.desktop, m_tools.homePath, item.name);
   }
+}
+
+void TransferDriver::reportMissing(const QString &path) {
+  showMessage(withFileName(message(u"Message13"_s), lastPathComponent(path)));
+  m_view.selectTab(Tab::Transfer);
+  m_view.windowFrontCentre();
+}
+
+void TransferDriver::reportFailedCopy(const QString &name) {
+  m_log.appendSeparator();
+  showMessage(withFileName(message(u"Message10"_s), name));
 }
 
 void TransferDriver::reportRadio(const QString &item) {

@@ -47,24 +47,46 @@ public:
 
 private:
   enum class After { NextItem, Ending, Slept };
-  struct Item;
+  struct Item {
+    QString path;
+    QString extension;
+    QString name; // last path component
+    bool isAppleLossless = false;
+    int hierarchyFlag = 0;
+  };
 
   [[nodiscard]] bool runTransfer();
   [[nodiscard]] bool goesOn() const;
   [[nodiscard]] bool carryQueue(); // false: the machine went to sleep
   [[nodiscard]] After carryItem(const QueueEntry &entry);
-  [[nodiscard]] After carrySound(const Item &item);
-  [[nodiscard]] After copySound(const Item &item);
+  [[nodiscard]] After carryByType(const QueueEntry &entry, const Item &item);
+  [[nodiscard]] After whenItFits(const Item &item, After (TransferDriver::*copy)(const Item &));
+  [[nodiscard]] bool isShareThere();
+  // A source that cannot be looked at is as good as missing: nothing on the share hangs on it.
+  [[nodiscard]] std::optional<FileAttributes> sourceFacts(const QString &path, Links links);
   void rejectItem(const Item &item);
   void reportMissing(const QString &path);
   void reportRadio(const QString &item);
+  void reportFailedCopy(const QString &name);
+
+  // --- branches, each in a file of its own ---
+  [[nodiscard]] After carrySound(const Item &item);
+  [[nodiscard]] After copySound(const Item &item);
   [[nodiscard]] bool isAlreadyOnTheServer(const Item &item);
   [[nodiscard]] QStringList serverCandidates(const Item &item);
+  [[nodiscard]] After carryVideo(const Item &item);
+  [[nodiscard]] After copyVideo(const Item &item);
+  [[nodiscard]] After carryPicture(const Item &item);
+  [[nodiscard]] After copyPicture(const Item &item);
+  [[nodiscard]] After carryBookmark(const QueueEntry &entry, const Item &item);
+  [[nodiscard]] After copyBookmark(const Item &item);
+  [[nodiscard]] After writeBookmark(const QueueEntry &entry);
+  After bookmarkNotWritten(const QString &name);
 
   // --- ways out ---
   After shareLost(const QString &iconImageType);
   After diskFull();
-  After exceptionInSound(const std::exception &exception);
+  After exceptionInBranch(const std::exception &exception);
   void endForSleep();
   void endTransfer();
   void sendPlaylists();

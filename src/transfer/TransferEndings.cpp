@@ -36,7 +36,7 @@ TransferDriver::After TransferDriver::diskFull() {
   return After::Ending;
 }
 
-TransferDriver::After TransferDriver::exceptionInSound(const std::exception &exception) {
+TransferDriver::After TransferDriver::exceptionInBranch(const std::exception &exception) {
   logException(m_tools.desktop, u"transferToVaultbox"_s, exception);
   if (m_tools.board.manualSleepWasConnected) {
     return After::Slept;
@@ -163,12 +163,6 @@ void TransferDriver::removeMainDictionary() {
 QString TransferDriver::message(const QString &key) {
   m_strings.reload();
   return m_strings.text(key);
-}
-
-void TransferDriver::reportMissing(const QString &path) {
-  showMessage(withFileName(message(u"Message13"_s), lastPathComponent(path)));
-  m_view.selectTab(Tab::Transfer);
-  m_view.windowFrontCentre();
 }
 
 void TransferDriver::showMessage(const QString &text) {

@@ -5,6 +5,7 @@
 #include "FakePlatform.h"
 #include "core/ApplicationEvents.h"
 #include "core/ConnectFlow.h"
+#include "favourites/PhotoFavourites.h"
 
 #include <gtest/gtest.h>
 
@@ -102,7 +103,16 @@ protected:
   ProductList products{{fakes.files, fakes.propertyLists, fakes.desktop, strings, interface, settings, session},
                        fakes.paths.productsDetailsDictFilePath,
                        [this](const ProductTables &tables) { interface.setProducts(tables); }};
-  WindowTexts texts{fakes.files, fakes.desktop, settings, strings, session, interface, fakes.paths};
+  FavouritesRewrite rewrite{{fakes.files, fakes.clock, fakes.identifiers, fakes.desktop, session},
+                            standardFolders(),
+                            QStringLiteral("/Users/anna/"),
+                            QStringLiteral("/Users/anna/Backup")};
+  PhotoFavourites photoFavourites{fakes.desktop, fakes.identifiers, session, rewrite};
+  WindowTexts texts{
+      fakes.files, fakes.desktop,
+      settings,    strings,
+      session,     interface,
+      fakes.paths, [this](const QByteArray &emptyList) { photoFavourites.createIfMissing(emptyList, {}); }};
   ClientAlive clientAlive{fakes.loop,
                           {[this] { return flow.isConnected(); }, [this] { messages.sendClientAliveMessage(); }}};
   AfterConnection afterConnection{{fakes.files, fakes.propertyLists, fakes.desktop, fakes.paths},

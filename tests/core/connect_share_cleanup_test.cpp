@@ -39,6 +39,15 @@ TEST_F(ShareCleanupTest, RemovesItsOwnFilesAtOnceAndOthersAfterADay) {
   EXPECT_EQ(left(), QStringList({u".sonorel-ffffffff-22222222"_s, u"OrvProductName.orv"_s}));
 }
 
+TEST_F(ShareCleanupTest, LooksIntoTheBookmarkFolderToo) {
+  const QString bookmarks = u"/Volumes/VB-SHARE$/Favorites/Mac/"_s;
+  fakes.files.put(bookmarks + u".sonorel-0a1b2c3d-11111111"_s, "x", fakes.clock.nowSeconds());
+  fakes.files.put(bookmarks + u"Page.url"_s, "x", 0);
+  run();
+  EXPECT_EQ(fakes.files.list(bookmarks), QStringList{u"Page.url"_s});
+  EXPECT_TRUE(fakes.desktop.lines.isEmpty());
+}
+
 TEST_F(ShareCleanupTest, LeavesTheLockAndEverythingElse) {
   put(u".sonorel-lock"_s, 9 * kDay);
   put(u"NetMusicFavorites.orv"_s, 9 * kDay);

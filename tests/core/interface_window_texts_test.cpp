@@ -88,6 +88,26 @@ TEST_F(WindowTextsTest, GivesThePlayerAnEmptyListOfPhotoFavourites) {
   EXPECT_EQ(fakes.files.bytes(kServerFile), QByteArray("the user's photos"));
 }
 
+TEST_F(WindowTextsTest, PhotoFavouritesWhoseRewriteWasInterruptedAreWrittenAndNoEmptyList) {
+  putResource();
+  mountShare(fakes.files);
+  fakes.files.put(kServerFile, "old photos");
+  fakes.files.beforeOperation = [this](int) {
+    if (fakes.files.log().contains(u"removeFile "_s + kServerFile)) {
+      fakes.files.setUnknown(point, true);
+    }
+  };
+  {
+    FavouritesRewrite::Turn turn = rewrite.begin(FavouritesKind::Photos);
+    EXPECT_THROW(static_cast<void>(turn.replace(turn.look(), "new photos")), Failure);
+  }
+  fakes.files.beforeOperation = nullptr;
+  fakes.files.setUnknown(point, false);
+  ASSERT_FALSE(fakes.files.exists(kServerFile));
+  texts.updateDeviceName();
+  EXPECT_EQ(fakes.files.bytes(kServerFile), QByteArray("new photos"));
+}
+
 TEST_F(WindowTextsTest, MediaServerKeepsItsOwnPhotoFavourites) {
   putResource();
   mountShare(fakes.files);

@@ -12,6 +12,7 @@
 namespace sonorel::test {
 
 inline const QString kServerFile = QStringLiteral("/Volumes/VB-SHARE$/System/NetMusicFavorites.orv");
+inline const QString kServerPhotoFile = QStringLiteral("/Volumes/VB-SHARE$/System/PhotoFavorites.orv");
 inline const QString kServerLock = QStringLiteral("/Volumes/VB-SHARE$/System/.sonorel-lock");
 
 struct FavouritesWorkbench {

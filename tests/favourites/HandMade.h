@@ -83,8 +83,9 @@ inline QByteArray wholeFile(const QByteArray &header, const std::vector<QByteArr
   return header + le32(static_cast<quint32>(body.size())) + body;
 }
 
-// What stands in a whole music file, decompressed, in file order; stops at what makes no sense.
-inline std::vector<QByteArray> contentsOf(const QByteArray &file) {
+// What stands in a whole file, decompressed, in file order; stops at what makes no sense. The first chunk of a music
+// file begins at 76, of a photo file at 73.
+inline std::vector<QByteArray> contentsOf(const QByteArray &file, qsizetype firstChunk = 76) {
   const auto number = [&](qsizetype at) {
     quint32 value = 0;
     for (int i = 3; i >= 0; --i) {
@@ -93,7 +94,7 @@ inline std::vector<QByteArray> contentsOf(const QByteArray &file) {
     return value;
   };
   std::vector<QByteArray> found;
-  for (qsizetype at = 76; at + 8 <= file.size();) {
+  for (qsizetype at = firstChunk; at + 8 <= file.size();) {
     uLongf size = number(at);
     const quint32 stored = number(at + 4);
     QByteArray plain(static_cast<qsizetype>(size), '\0');
@@ -106,6 +107,16 @@ inline std::vector<QByteArray> contentsOf(const QByteArray &file) {
     at += 8 + stored;
   }
   return found;
+}
+
+// A title that this client writes into a photo file; the path below the picture folder.
+inline QByteArray picture(const QByteArray &path, const QByteArray &guidBytes) {
+  return titleRecord("E:\\vb-share\\Photo\\Mac\\" + path, zeros36(), guidBytes, "1");
+}
+
+// The bytes that FakeIdentifiers gives, counted from 1.
+inline QByteArray countedGuid(int number) {
+  return QByteArray(15, '\0') + static_cast<char>(number);
 }
 
 // The four empty keys as a new dictionary gives them; filler of the GUIDs: 'r', 'g', 'y', 'b'.

@@ -20,8 +20,10 @@ struct MergeWorkbench : FavouritesWorkbench {
                       [this] { quitAsked = true; }};
   FavouritesMerge merge{
       {files, propertyLists, clock, desktop, settings, session, dictionary, dictionaryFile, rewrite, limits}};
+  PhotoFavourites photoFavourites{desktop, identifiers, session, rewrite};
   PlaylistMetaData metaData{board,
                             merge,
+                            photoFavourites,
                             settings,
                             session,
                             identifiers,
@@ -43,6 +45,29 @@ struct MergeWorkbench : FavouritesWorkbench {
     board.replaceRecords(false, std::exchange(records, {}));
     return metaData.sendMetaDataForPlaylist(false);
   }
+  // A transferred picture of an album, and the end of an album.
+  void pictureOf(const QString &album, const QString &path) {
+    pictures.append({album, path, {}, path, QStringLiteral("Y")});
+  }
+  void endAlbum() { pictures.append(PlaylistInfo()); }
+  bool sendPictures() {
+    board.replaceRecords(true, std::exchange(pictures, {}));
+    return metaData.sendMetaDataForPlaylist(true);
+  }
+  // "ID name: path, path" for each list of the server's photo file.
+  [[nodiscard]] QStringList shownPhotos() {
+    QStringList lines;
+    for (const FavouriteList &list :
+         decodeFavourites(files.bytes(kServerPhotoFile), FavouritesKind::Photos, playerOf(session)).lists) {
+      QStringList paths;
+      for (const FavouriteTitle &title : list.songs) {
+        paths.append(title.songPath);
+      }
+      lines.append(list.playlistId + QLatin1Char(' ') + list.nameAsRead.value_or(QString()) + QStringLiteral(": ") +
+                   paths.join(QStringLiteral(", ")));
+    }
+    return lines;
+  }
   // What the server's file holds.
   [[nodiscard]] FavouriteLists server() {
     return decodeMusicFavourites(files.bytes(kServerFile), playerOf(session)).lists;
@@ -62,6 +87,7 @@ struct MergeWorkbench : FavouritesWorkbench {
   }
 
   QList<PlaylistInfo> records;
+  QList<PlaylistInfo> pictures;
 };
 
 } // namespace sonorel::test

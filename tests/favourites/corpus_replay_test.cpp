@@ -34,6 +34,12 @@ TEST(CorpusReplay, FavouritesFiles) {
 TEST(CorpusReplay, FavouritesContents) {
   EXPECT_GE(replay("favouritesContents", fuzz::favouritesContents), 3);
 }
+TEST(CorpusReplay, PhotoFiles) {
+  EXPECT_GE(replay("photoFile", fuzz::photoFile), 5);
+}
+TEST(CorpusReplay, PhotoContents) {
+  EXPECT_GE(replay("photoContents", fuzz::photoContents), 3);
+}
 TEST(CorpusReplay, LimitsFiles) {
   EXPECT_GE(replay("limitsFile", fuzz::limitsFile), 3);
 }

@@ -85,6 +85,81 @@ TEST(FavouritesReport, KnowsVaultbox1FilesAndPhotoFilesByTheirRecords) {
   EXPECT_TRUE(photos.file.oddities.isEmpty());
 }
 
+TEST(FavouritesReport, ShowsThePhotoAlbumsAndTheirPictures) {
+  const QByteArray file = wholeFile(
+      photoHeader(),
+      {albums({listRecord("Rome", "5", "6", guid('1')), listRecord("", "6", "6", guid('2')),
+               listRecord("\xE6\x9D\xB1", "6", "6", guid('3')), listRecord("Caf\xE9", "7", "6", guid('4'))}),
+       titles({picture("Rome\\1.jpg", guid('5')), picture("2.jpg", guid('6'))}), titles({}),
+       titles({picture("3.jpg", guid('7'))}), titles({})});
+  EXPECT_EQ(textOf(favouritesReport(file)),
+            u"Photo favourites: 3 albums, 1 separator, 3 pictures\n"
+            "Version \"FavoriteAlbums-1.2\", texts in UTF-8 or Windows-1252, written as "
+            "{00000000-0000-0000-0000-0000000000AA}\n"
+            "\n5      Rome (2 pictures)\n       Rome\\1.jpg\n       2.jpg\n"
+            "\n6      (separator)\n"
+            "\n6      \u6771 (1 picture)\n       3.jpg\n"
+            "\n7      Caf\u00E9 (empty)\n"_s);
+}
+
+TEST(FavouritesReport, KnowsThePhotoColourListsByTheirNames) {
+  std::vector<QByteArray> records = keyRecords();
+  records.push_back(listRecord("Red", "5", "6", guid('1')));
+  const QString text = textOf(favouritesReport(
+      wholeFile(photoHeader(), {albums(records), titles({}), titles({}), titles({}), titles({}), titles({})})));
+  EXPECT_TRUE(text.contains(u"\n1      Red (colour key, empty)\n"_s)) << text.toStdString();
+  EXPECT_TRUE(text.contains(u"\n5      Red (empty)\n"_s)) << text.toStdString();
+  records.erase(records.begin());
+  EXPECT_FALSE(textOf(favouritesReport(wholeFile(photoHeader(),
+                                                 {albums(records), titles({}), titles({}), titles({}), titles({})})))
+                   .contains(u"colour key"_s));
+}
+
+TEST(FavouritesReport, GivesAProgramThePhotoAlbumsAsJson) {
+  EXPECT_EQ(jsonOf(favouritesReport(wholeFile(
+                photoHeader(),
+                {albums({listRecord("Rome", "5", "6", "\x01"), listRecord("", "6", "6", guid('2'))}),
+                 titles({titleRecord("E:\\vb-share\\Photo\\Mac\\a.jpg", "\x03", "\x04", "1")}), titles({})}))),
+            R"({
+    "departures": [
+        "a GUID or a CheckSum of \"Rome\" has an odd length"
+    ],
+    "guid": "{00000000-0000-0000-0000-0000000000AA}",
+    "kind": "PhotoFavorites",
+    "lists": [
+        {
+            "colourKey": false,
+            "guid": "01",
+            "locationId": "6",
+            "name": "Rome",
+            "playlistId": "5",
+            "separator": false,
+            "titles": [
+                {
+                    "checkSum": "03",
+                    "guid": "04",
+                    "itemType": "1",
+                    "path": "a.jpg"
+                }
+            ]
+        },
+        {
+            "colourKey": false,
+            "guid": "32323232323232323232323232323232",
+            "locationId": "6",
+            "name": "",
+            "playlistId": "6",
+            "separator": true,
+            "titles": [
+            ]
+        }
+    ],
+    "readable": true,
+    "version": "FavoriteAlbums-1.2"
+}
+)");
+}
+
 TEST(FavouritesReport, TellsOfNumbersThatStandTwiceAndOfMissingColourKeys) {
   const QByteArray list = titles({titleRecord("E:\\vb-share\\Music\\Mac\\a", zeros36(), guid('1'), "1")});
   const FavouritesReport report = favouritesReport(

@@ -159,21 +159,9 @@ TEST_F(PlaylistMetaDataTest, SettingsThatCannotBeSavedCostNoList) {
   EXPECT_TRUE(client.desktop.logged(u"The settings could not be written: "_s));
 }
 
-TEST_F(PlaylistMetaDataTest, TransferredPicturesAreReportedAsUnwrittenAndKept) {
-  const PlaylistInfo refused{u"Album"_s, u"/p/1.jpg"_s, {}, u"/p/1.jpg"_s, u"N"_s};
-  client.board.replaceRecords(true, {refused});
-  EXPECT_TRUE(client.metaData.sendMetaDataForPlaylist(true));
-  PlaylistInfo placed = refused;
-  placed.songTransferFlag = u"Y"_s;
-  client.board.replaceRecords(true, {refused, placed});
-  EXPECT_FALSE(client.metaData.sendMetaDataForPlaylist(true));
-  EXPECT_EQ(client.board.records(true), (QList<PlaylistInfo>{refused, placed}));
-  EXPECT_TRUE(client.desktop.logged(u"The albums of the transferred pictures were not written"_s));
-}
-
 TEST_F(PlaylistMetaDataTest, AnExceptionIsLoggedAndNothingThrown) {
-  PlaylistMetaData failing(client.board, client.merge, client.settings, client.session, client.identifiers,
-                           client.desktop,
+  PlaylistMetaData failing(client.board, client.merge, client.photoFavourites, client.settings, client.session,
+                           client.identifiers, client.desktop,
                            {[] { return true; }, [](const QString &) -> QString { throw Failure(u"no tags"_s); },
                             [] { return std::stop_token(); }});
   client.track(u"@!!!Red!!!@"_s, u"1.mp3"_s);

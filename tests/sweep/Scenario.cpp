@@ -56,6 +56,32 @@ Dropped looseSongs(World &world) {
   return dropped;
 }
 
+Dropped mixedPlaylist(World &world) {
+  return {u"@~Mix@~"_s,
+          {world.track(u"Ben/Second/Ben-Second-Three.m4a"_s, 'c'), world.picture(u"Ben/Second/cover.jpg"_s),
+           world.picture(u"Ben/Second/film.avi"_s, 'f')}};
+}
+
+Dropped albums(World &world) {
+  const QString changed = world.picture(u"Trip/2: sea.jpg"_s, 'b');
+  playUndisturbed(world, {{}, {}, {{u"Old"_s, {changed}}}});
+  world.picture(u"Trip/2: sea.jpg"_s, 'x', 900'000);
+  const QString both = world.picture(u"Trip/1.jpg"_s);
+  return {{}, {}, {{u"Summer"_s, {both, changed}}, {u"Best"_s, {both, world.picture(u"Ski/3.png"_s, 'c')}}}};
+}
+
+Dropped bookmarks(World & /*world*/) {
+  return {{},
+          {},
+          {},
+          {u"News: today"_s, u"..."_s, u"News: today"_s},
+          {u"http://example.org/1"_s, u"http://example.org/2"_s, u"http://example.org/3"_s}};
+}
+
+Dropped bookmarkFiles(World &world) {
+  return {u"Finder"_s, {world.bookmark(u"Page.webloc"_s), world.bookmark(u"Other.url"_s)}};
+}
+
 } // namespace
 
 const std::vector<Scenario> &scenarios() {
@@ -68,7 +94,11 @@ const std::vector<Scenario> &scenarios() {
        {{"01 one.mp3", "Ann-First-One.mp3"}, {"02 two.mp3", "Ann-First-What_ a _Title.mp3"}}},
       {"ChangedPlaylist", changedPlaylist, true, false, {}},
       {"ColourKey", colourKey, false, true, {}},
-      {"LooseSongs", looseSongs, false, false, {}}};
+      {"LooseSongs", looseSongs, false, false, {}},
+      {"MixedPlaylist", mixedPlaylist, false, false, {}},
+      {"Albums", albums, false, false, {}, u"Photo/Mac/Ski/3.png"_s},
+      {"Bookmarks", bookmarks, false, false, {}, u"Favorites/Mac/_.url"_s, 1},
+      {"BookmarkFiles", bookmarkFiles, false, false, {}, u"Favorites/Mac/Page.url"_s, 1}};
   return all;
 }
 

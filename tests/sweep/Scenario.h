@@ -17,6 +17,9 @@ struct Scenario {
   bool onColourKey = false;
   // Tracks whose copy failed stand under the source's own name for good: own name to new name.
   QMap<QByteArray, QByteArray> ownNames;
+  // What stands on the share at the end, and how many runs of tools it takes at least.
+  QString placed = QStringLiteral("Music/Mac/Ben/Second/Ben-Second-Three.m4a");
+  int tools = 3;
 };
 
 [[nodiscard]] const std::vector<Scenario> &scenarios();

@@ -31,6 +31,8 @@ FavouriteList colour(const QString &name, int number, const QString &path) {
 World::World(const QString &productName) : product(productName) {
   installClient();
   furnishShare();
+  files.makeFolders(u"/private/tmp"_s);
+  scripts.onConvert = [this](const QString &path) { return convert(path); };
   clock.onSleep = [this] {
     if (clock.sleeps.size() > kPauses) {
       throw std::runtime_error("the client pauses without end");
@@ -79,6 +81,27 @@ QString World::track(const QString &path, char seed, qint64 time) {
   return whole;
 }
 
+QString World::picture(const QString &path, char seed, qint64 time) {
+  const QString whole = kMusic.toString() + path;
+  files.put(whole, QByteArray(5000, seed), time);
+  return whole;
+}
+
+QString World::bookmark(const QString &name) {
+  const QString path = kBookmarks.toString() + name;
+  files.put(path, "http://example.org/" + name.toUtf8());
+  return path;
+}
+
+std::optional<QString> World::convert(const QString &path) {
+  try {
+    files.createExclusively(path.section(u'.', 0, -2) + u".url"_s, "[InternetShortcut]\nURL=" + files.read(path));
+    return std::nullopt;
+  } catch (const Failure &failure) {
+    return failure.reason();
+  }
+}
+
 Client::Client(World &in)
     : world(in), m_settings(world.files, world.lists, kSettings.toString()),
       m_strings(world.files, world.lists, resourceFolder()),
@@ -91,8 +114,9 @@ Client::Client(World &in)
                         [] { return std::stop_token(); },
                         m_isAuthenticationError},
       m_messages(world.files, desktop, m_strings, view, m_session, m_folders),
-      m_metadata(world.files, world.metadata), m_transferTools{world.files, world.processes, world.clock,
-                                                               desktop,     m_metadata,      board},
+      m_metadata(world.files, world.metadata), m_transferTools{world.files, world.processes, world.scripts,
+                                                               world.clock, desktop,         m_metadata,
+                                                               board},
       m_transfer(m_transferTools, m_folders),
       m_rewrite({world.files, world.clock, world.identifiers, desktop, m_session}, m_folders, kSupport.toString(),
                 kBackup.toString()),
@@ -102,7 +126,8 @@ Client::Client(World &in)
                [] {}),
       m_merge({world.files, world.lists, world.clock, desktop, m_settings, m_session, m_dictionary, m_dictionaryFile,
                m_rewrite, m_limits}),
-      m_playlists(board, m_merge, m_settings, m_session, world.identifiers, desktop,
+      m_photoFavourites(desktop, world.identifiers, m_session, m_rewrite),
+      m_playlists(board, m_merge, m_photoFavourites, m_settings, m_session, world.identifiers, desktop,
                   {[this] { return isConnected(); },
                    [this](const QString &path) {
                      const auto tags = m_metadata.tags(path);
@@ -146,7 +171,17 @@ bool Client::connect() {
 
 void Client::drop(const Dropped &dropped) {
   loop.post([this, dropped] {
-    m_intake.handleiTunesDragAndDrop({dropped.playlist, {{u"draggedFiles"_s, dropped.paths}}});
+    QVariantList albums;
+    for (const auto &[name, pictures] : dropped.albums) {
+      albums.append(QVariantMap{{u"albumName"_s, name}, {u"draggedFiles"_s, pictures}});
+    }
+    if (!albums.isEmpty()) {
+      m_intake.handleiPhotoDragAndDrop({{}, {{u"PhotoData"_s, albums}}});
+    } else if (!dropped.titles.isEmpty()) {
+      m_intake.handleSafariDragAndDrop({{}, {{u"Titles"_s, dropped.titles}, {u"Urls"_s, dropped.urls}}});
+    } else {
+      m_intake.handleiTunesDragAndDrop({dropped.playlist, {{u"draggedFiles"_s, dropped.paths}}});
+    }
   });
 }
 

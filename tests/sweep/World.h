@@ -11,6 +11,7 @@
 #include "support/FakeLoop.h"
 #include "support/FakeMetadata.h"
 #include "support/FakeProcesses.h"
+#include "support/FakeScripts.h"
 #include "support/FakeView.h"
 #include "support/FakeWorker.h"
 #include "support/Fixtures.h"
@@ -25,6 +26,7 @@ inline constexpr QStringView kSettings = u"/Applications/Sonorel/App Data/MacCli
 inline constexpr QStringView kSupport = u"/Users/me/Library/Application Support/Sonorel/";
 inline constexpr QStringView kBackup = u"/Users/me/Library/Backup";
 inline constexpr QStringView kMusic = u"/Users/me/Music/";
+inline constexpr QStringView kBookmarks = u"/Users/me/Bookmarks/";
 inline constexpr qsizetype kTrackSize = 200'000;
 
 class World {
@@ -36,6 +38,7 @@ public:
   FakeFileSystem files;
   FakeProcesses processes{files};
   FakeClock clock{&files};
+  FakeScripts scripts;
   FakeMetadata metadata;
   FakeIdentifiers identifiers;
   LibplistPropertyLists lists;
@@ -43,15 +46,25 @@ public:
 
   // A track of kTrackSize bytes of the given seed below kMusic, with tags. "Artist/Album/Title.mp3".
   QString track(const QString &path, char seed = 'a', qint64 time = 500'000);
+  // A picture of the given seed below kMusic.
+  QString picture(const QString &path, char seed = 'a', qint64 time = 500'000);
+  // A browser's bookmark file below kBookmarks.
+  QString bookmark(const QString &name);
 
 private:
   void installClient();
   void furnishShare();
+  // The shipped converter: writes the ".url" file beside the bookmark.
+  [[nodiscard]] std::optional<QString> convert(const QString &path);
 };
 
+// One drag: of tracks and files, or of albums, or of bookmarks.
 struct Dropped {
   QString playlist;
   QStringList paths;
+  QList<std::pair<QString, QStringList>> albums = {}; // name and pictures
+  QStringList titles = {};
+  QStringList urls = {};
 };
 
 // The roles of a transfer, from the drop to the player's favourites, joined as the controller joins them.
@@ -98,6 +111,7 @@ private:
   MainDictionary m_dictionary;
   ColourLimits m_limits;
   FavouritesMerge m_merge;
+  PhotoFavourites m_photoFavourites;
   PlaylistMetaData m_playlists;
   TransferDriver m_driver;
   DropIntake m_intake;

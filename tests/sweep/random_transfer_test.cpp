@@ -19,12 +19,21 @@ std::optional<unsigned> numberFrom(const char *variable) {
   return value != nullptr ? std::optional(static_cast<unsigned>(std::strtoul(value, nullptr, 10))) : std::nullopt;
 }
 
-std::vector<Dropped> playlists(World &world) {
+std::vector<Dropped> drops(World &world) {
   const QStringList tracks{
       world.track(u"Ann/First/Ann-First-One.mp3"_s), world.track(u"Ann/First/Ann-First-Two.mp3"_s, 'b'),
       world.track(u"Ben/Second/Ben-Second-Three.m4a"_s, 'c'), world.track(u"Cem/Third/Cem-Third-Four.mp3"_s, 'd'),
       world.track(u"Cem/Third/Cem-Third-Five.flac"_s, 'e')};
-  return {{u"@~Mix@~"_s, tracks.mid(0, 3)}, {u"@~Slow@~"_s, tracks.mid(2, 3)}, {u"@~All@~"_s, tracks}};
+  const QString picture = world.picture(u"Trip/1.jpg"_s);
+  const Dropped albums{
+      {}, {}, {{u"Summer"_s, {picture, world.picture(u"Trip/2: sea.jpg"_s, 'b')}}, {u"Best"_s, {picture}}}};
+  const Dropped bookmarks{
+      {}, {}, {}, {u"News: today"_s, u"Mail"_s}, {u"http://example.org/1"_s, u"http://example.org/2"_s}};
+  return {{u"@~Mix@~"_s, tracks.mid(0, 3) + QStringList{picture}},
+          {u"@~Slow@~"_s, tracks.mid(2, 3)},
+          {u"@~All@~"_s, tracks},
+          albums,
+          bookmarks};
 }
 
 // One client's life under a scheduler that acts wherever the client waits: in pauses and while a tool runs, and, for
@@ -40,6 +49,9 @@ public:
 
 private:
   [[nodiscard]] int upTo(int limit) { return std::uniform_int_distribution<int>(0, limit)(m_random); }
+  [[nodiscard]] const Dropped &anyDrop() {
+    return m_drops[static_cast<size_t>(upTo(static_cast<int>(m_drops.size()) - 1))];
+  }
   void beforeOperation();
   void whileWaiting();
   void disturbShare();
@@ -117,7 +129,7 @@ void Scheduler::whileWaiting() {
     m_client->cancel();
   } else if (action == 1) {
     note(u"drop while running"_s);
-    m_client->drop(m_drops.at(static_cast<size_t>(upTo(2))));
+    m_client->drop(anyDrop());
   } else if (action == 2) {
     note(u"share mended"_s);
     mendShare();
@@ -146,7 +158,7 @@ void Scheduler::live() {
     (void)client.connect();
     for (int i = upTo(3); i >= 0; --i) {
       note(u"drop"_s);
-      client.drop(m_drops.at(static_cast<size_t>(upTo(2))));
+      client.drop(anyDrop());
       client.settle();
       if (client.board.manualSleepWasConnected) {
         note(u"wake"_s);
@@ -173,11 +185,11 @@ void Scheduler::live() {
 void playRound(unsigned seed, const QMap<QString, QByteArray> &expected, QStringList &events) {
   std::mt19937 random(seed);
   World world;
-  const std::vector<Dropped> drops = playlists(world);
+  const std::vector<Dropped> all = drops(world);
   const auto local = localState(world);
   QStringList history;
   for (int life = 0; life < 4; ++life) {
-    Scheduler scheduler(world, random, drops);
+    Scheduler scheduler(world, random, all);
     scheduler.live();
     history += scheduler.history();
     ASSERT_EQ(scheduler.broken(), "") << history.join(u'\n').toStdString();
@@ -185,7 +197,7 @@ void playRound(unsigned seed, const QMap<QString, QByteArray> &expected, QString
   for (const QString &line : history) {
     events.append(line.section(u' ', 1));
   }
-  for (const Dropped &dropped : drops) {
+  for (const Dropped &dropped : all) {
     playUndisturbed(world, dropped);
   }
   EXPECT_EQ(difference(expected, shareState(world)), "") << history.join(u'\n').toStdString();
@@ -199,7 +211,7 @@ TEST(RandomTransfer, EndsInTheUndisturbedShareWhateverHappened) {
   QMap<QString, QByteArray> expected;
   {
     World world;
-    for (const Dropped &dropped : playlists(world)) {
+    for (const Dropped &dropped : drops(world)) {
       playUndisturbed(world, dropped);
     }
     expected = shareState(world);

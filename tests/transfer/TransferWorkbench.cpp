@@ -42,7 +42,9 @@ TransferDriver::Hooks TransferWorkbench::driverHooks() {
     return favouritesSucceed;
   };
   hooks.sendMetaDataForTransferredFiles = [this](const TransferredKinds &kinds) {
-    sent.append(u"collections"_s + (kinds.soundFileTransferred ? u" sound"_s : QString()));
+    sent.append(u"collections"_s + (kinds.soundFileTransferred ? u" sound"_s : QString()) +
+                (kinds.photoFileTransferred ? u" photo"_s : QString()) +
+                (kinds.videoFileTransferred ? u" video"_s : QString()));
   };
   hooks.hasUnwrittenPlaylists = [this](bool photos) { return !photos && playlistsWait; };
   hooks.dropsFinished = [this](quint32 drops) { dropsFinished += drops; };

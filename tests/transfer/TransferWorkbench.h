@@ -8,6 +8,7 @@
 #include "support/FakeFileSystem.h"
 #include "support/FakeMetadata.h"
 #include "support/FakeProcesses.h"
+#include "support/FakeScripts.h"
 #include "support/FakeView.h"
 #include "support/FakeWorker.h"
 #include "support/Fixtures.h"
@@ -37,6 +38,7 @@ public:
   FakeFileSystem files;
   FakeClock clock{&files};
   FakeProcesses processes{files};
+  FakeScripts scripts;
   FakeMetadata tags;
   FakeDesktop desktop;
   FakeView view;
@@ -47,7 +49,7 @@ public:
   Strings strings{files, propertyLists, resourceFolder()};
   MessageLog log{[this] { view.fillMessageLog([this] { return log.viewText(); }); }};
   MetadataCache cache{files, tags};
-  TransferTools tools{files, processes, clock, desktop, cache, board, QStringLiteral("/Users/me")};
+  TransferTools tools{files, processes, scripts, clock, desktop, cache, board, QStringLiteral("/Users/me")};
   Transfer transfer{tools, standardFolders()};
 
   QStringList sent;                // "music", "pictures", "collections sound" in the order of the calls

@@ -25,12 +25,12 @@ protected:
 
   TransferWorkbench bench;
   QStringList did;
-  Transfer transfer{bench.tools, standardFolders(),
-                    TransferArtwork{[this](const QString &track) { did.append(u"embed "_s + track); },
-                                    [this](const QString &track, const QString &name, bool hierarchy) {
-                                      did.append(u"picture "_s + track + u' ' + name +
-                                                 (hierarchy ? u" folders"_s : u" flat"_s));
-                                    }}};
+  Transfer transfer{
+      bench.tools, standardFolders(),
+      TransferArtwork{[this](const QString &track, const std::stop_token &) { did.append(u"embed "_s + track); },
+                      [this](const QString &track, const QString &name, bool hierarchy, const std::stop_token &) {
+                        did.append(u"picture "_s + track + u' ' + name + (hierarchy ? u" folders"_s : u" flat"_s));
+                      }}};
   const QString source = bench.song(u"/m/ABBA/Gold/01.mp3"_s, {});
 };
 
@@ -104,9 +104,10 @@ TEST_F(TransferArtworkTest, TheDriverAsksForPicturesExceptOnTheOldProduct) {
   for (const QString &product : {u"Vaultbox 1"_s, u"Auracore 5"_s, u"Auralis 5"_s}) {
     TransferWorkbench other(product);
     int pictures = 0;
-    Transfer counting(other.tools, standardFolders(),
-                      TransferArtwork{[](const QString &) { FAIL() << "never embedded by the driver"; },
-                                      [&](const QString &, const QString &, bool) { ++pictures; }});
+    Transfer counting(
+        other.tools, standardFolders(),
+        TransferArtwork{[](const QString &, const std::stop_token &) { FAIL() << "never embedded by the driver"; },
+                        [&](const QString &, const QString &, bool, const std::stop_token &) { ++pictures; }});
     TransferDriver driver(
         other.tools, counting, other.log, other.strings, other.session, other.view, other.worker, standardFolders(),
         u"/mainDict.xml"_s,

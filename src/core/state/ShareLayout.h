@@ -21,6 +21,7 @@ inline constexpr QStringView kServerPhotoPrefix = u"E:\\vb-share\\Photo\\Mac\\";
 
 inline constexpr QStringView kInvalidChars = u"/\\:*?\"<>|"; // getInvalidChars
 inline constexpr quint32 kFolderMode = 0777;
+inline constexpr quint32 kDefaultFolderMode = 0755; // where nothing is said about the mode
 
 // Product names, as the server writes them.
 inline constexpr QStringView kAuralis5 = u"Auralis 5";

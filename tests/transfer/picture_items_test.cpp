@@ -1,0 +1,317 @@
+// Pictures and films on their way onto the share.
+#include "TransferWorkbench.h"
+
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel::test {
+
+namespace {
+
+const QString kPhoto = u"/Volumes/VB-SHARE$/Photo/Mac/"_s;
+const QString kEnded = u"The transfer has ended."_s;
+
+QVariantMap album(const QString &name, const QStringList &paths) {
+  return {{u"albumName"_s, name}, {u"draggedFiles"_s, paths}};
+}
+
+class PictureItemsTest : public testing::Test {
+protected:
+  PictureItemsTest() {
+    bench.onSend = [this] { sent = bench.board.records(true); };
+  }
+  QString picture(const QString &path, const QByteArray &bytes = "picture", qint64 modified = 1000) {
+    bench.files.put(path, bytes, modified);
+    return path;
+  }
+  void albums(const QVariantList &all) {
+    bench.intake.handleiPhotoDragAndDrop({{}, {{u"PhotoData"_s, all}}});
+    bench.run();
+  }
+  QStringList photos() const { return files(kPhoto); }
+  QStringList files(const QString &folder) const {
+    QStringList names;
+    const auto tree = bench.files.tree(folder.chopped(1));
+    for (const QString &name : tree.keys()) {
+      if (!name.endsWith(u'/')) {
+        names.append(name);
+      }
+    }
+    return names;
+  }
+  // "destination flag" of every record when the albums were handed over; "end" for a marker.
+  QStringList records() const {
+    QStringList all;
+    for (const PlaylistInfo &record : sent) {
+      all.append(record == PlaylistInfo() ? u"end"_s : record.destinationSongName + u' ' + record.songTransferFlag);
+    }
+    return all;
+  }
+
+  TransferWorkbench bench;
+  QList<PlaylistInfo> sent;
+};
+
+} // namespace
+
+TEST_F(PictureItemsTest, AnAlbumLandsInTheFolderOfItsPictures) {
+  albums({album(u"Summer"_s, {picture(u"/Users/me/Trip/1.jpg"_s), picture(u"/Users/me/Trip/2.png"_s)})});
+  EXPECT_EQ(photos(), (QStringList{u"Trip/1.jpg"_s, u"Trip/2.png"_s}));
+  EXPECT_EQ(bench.files.mode(kPhoto.chopped(1)), 0777U);
+  EXPECT_EQ(bench.files.mode(kPhoto + u"Trip"_s), 0777U);
+  EXPECT_EQ(bench.files.modified(kPhoto + u"Trip/1.jpg"_s), 1000);
+  EXPECT_EQ(records(), (QStringList{u"/Users/me/Trip/1.jpg Y"_s, u"/Users/me/Trip/2.png Y"_s, u"end"_s}));
+  EXPECT_EQ(bench.sent, (QStringList{u"pictures"_s, u"collections photo"_s}));
+  EXPECT_EQ(bench.view.lastLog, kEnded);
+  EXPECT_FALSE(bench.board.hasRecords(true));
+}
+
+TEST_F(PictureItemsTest, NamesAreCleanedOnTheShareAndInTheRecord) {
+  albums({album(u"A"_s, {picture(u"/p/Day: 1/what?.jpg"_s)})});
+  EXPECT_EQ(photos(), QStringList{u"Day_ 1/what_.jpg"_s});
+  EXPECT_EQ(records(), (QStringList{u"/p/Day: 1/what_.jpg Y"_s, u"end"_s}));
+}
+
+TEST_F(PictureItemsTest, WithoutAFolderOfItsOwnItLiesInThePhotoFolder) {
+  albums({album(u"A"_s, {picture(u"/p:1.jpg"_s)})});
+  EXPECT_EQ(photos(), QStringList{u"p_1.jpg"_s});
+  EXPECT_EQ(records(), (QStringList{u"p_1.jpg Y"_s, u"end"_s}));
+}
+
+TEST_F(PictureItemsTest, OneThatStandsInThePhotoFolderStaysThere) {
+  picture(kPhoto + u"1.jpg"_s);
+  albums({album(u"A"_s, {picture(u"/p/Trip/1.jpg"_s), picture(u"/p/Trip/2.jpg"_s)})});
+  EXPECT_EQ(photos(), (QStringList{u"1.jpg"_s, u"Trip/2.jpg"_s}));
+  EXPECT_EQ(records(), (QStringList{u"1.jpg Y"_s, u"/p/Trip/2.jpg Y"_s, u"end"_s}));
+  EXPECT_EQ(bench.processes.requests.size(), 1);
+}
+
+TEST_F(PictureItemsTest, AnotherOneOfThatNameInThePhotoFolderIsReplaced) {
+  picture(kPhoto + u"1.jpg"_s, "other picture");
+  albums({album(u"A"_s, {picture(u"/p/Trip/1.jpg"_s)})});
+  EXPECT_EQ(photos(), QStringList{u"1.jpg"_s});
+  EXPECT_EQ(bench.files.bytes(kPhoto + u"1.jpg"_s), QByteArray("picture"));
+  EXPECT_EQ(records(), (QStringList{u"1.jpg Y"_s, u"end"_s}));
+  EXPECT_EQ(bench.clock.sleeps.size(), 1) << "only the pause before the end: none after the removal";
+}
+
+TEST_F(PictureItemsTest, TheSameAlbumAgainCopiesNothing) {
+  const QString path = picture(u"/p/Trip/1.jpg"_s);
+  albums({album(u"A"_s, {path})});
+  bench.processes.requests.clear();
+  bench.sent.clear();
+  bench.onSend = [this] { sent = bench.board.records(true); };
+  albums({album(u"A"_s, {path})});
+  EXPECT_TRUE(bench.processes.requests.isEmpty());
+  EXPECT_EQ(records(), (QStringList{u"/p/Trip/1.jpg Y"_s, u"end"_s}));
+  EXPECT_EQ(bench.sent, (QStringList{u"pictures"_s, u"collections"_s}));
+  EXPECT_EQ(bench.view.lastLog, kEnded);
+}
+
+TEST_F(PictureItemsTest, AChangedPictureReplacesTheOldOne) {
+  const QString path = picture(u"/p/Trip/1.jpg"_s);
+  albums({album(u"A"_s, {path})});
+  picture(path, "retouched", 2000);
+  albums({album(u"A"_s, {path})});
+  EXPECT_EQ(bench.files.bytes(kPhoto + u"Trip/1.jpg"_s), QByteArray("retouched"));
+}
+
+TEST_F(PictureItemsTest, OnePictureInTwoAlbumsIsCopiedOnceAndRecordedInBoth) {
+  const QString path = picture(u"/p/Trip/a?.jpg"_s);
+  albums({album(u"A"_s, {path}), album(u"B"_s, {path})});
+  EXPECT_EQ(bench.processes.requests.size(), 1);
+  EXPECT_EQ(records(), (QStringList{u"/p/Trip/a_.jpg Y"_s, u"end"_s, u"/p/Trip/a_.jpg Y"_s, u"end"_s}));
+}
+
+TEST_F(PictureItemsTest, AnEmptyPictureIsCarried) {
+  albums({album(u"A"_s, {picture(u"/p/Trip/empty.jpg"_s, {})})});
+  EXPECT_TRUE(bench.files.exists(kPhoto + u"Trip/empty.jpg"_s));
+  EXPECT_EQ(bench.files.bytes(kPhoto + u"Trip/empty.jpg"_s), QByteArray());
+}
+
+TEST_F(PictureItemsTest, APictureThatDoesNotFitEndsTheTransfer) {
+  bench.files.setFreeBytes(kMountPoint.toString(), 7);
+  albums({album(u"A"_s, {picture(u"/p/Trip/1.jpg"_s, "1234567"), picture(u"/p/Trip/2.jpg"_s)})});
+  EXPECT_EQ(photos(), QStringList());
+  EXPECT_EQ(bench.view.lastLog,
+            u"There is not enough free space on Auracore 5. These items were not transferred:\n1.jpg\n2.jpg\n"_s);
+}
+
+TEST_F(PictureItemsTest, PipesDevicesAndFoldersAreNotCopied) {
+  bench.files.putOther(u"/p/Trip/pipe.jpg"_s);
+  bench.files.makeFolders(u"/p/Trip/folder.jpg"_s);
+  picture(kPhoto + u"Trip/pipe.jpg"_s);
+  albums({album(u"A"_s, {u"/p/Trip/pipe.jpg"_s, u"/p/Trip/folder.jpg"_s, u"/p/Trip/gone.jpg"_s})});
+  EXPECT_TRUE(bench.processes.requests.isEmpty());
+  EXPECT_EQ(photos(), QStringList{u"Trip/pipe.jpg"_s}) << "nothing was removed for it";
+  EXPECT_EQ(records(),
+            (QStringList{u"/p/Trip/pipe.jpg N"_s, u"/p/Trip/folder.jpg N"_s, u"/p/Trip/gone.jpg N"_s, u"end"_s}));
+  EXPECT_EQ(bench.view.lastLog, u"\"pipe.jpg\" could not be transferred.\n"_s + QString(87, u'-') +
+                                    u"\n\"folder.jpg\" could not be transferred.\n"
+                                    "\"gone.jpg\" was not transferred because the file could not be found."_s);
+}
+
+TEST_F(PictureItemsTest, NothingIsCopiedIntoAFolderOfThePicturesName) {
+  bench.files.makeFolders(kPhoto + u"1.jpg"_s);
+  bench.files.makeFolders(kPhoto + u"Trip/2.jpg"_s);
+  albums({album(u"A"_s, {picture(u"/p/Trip/1.jpg"_s), picture(u"/p/Trip/2.jpg"_s)})});
+  EXPECT_EQ(photos(), QStringList());
+  EXPECT_TRUE(bench.processes.requests.isEmpty());
+}
+
+TEST_F(PictureItemsTest, AFailedCopyLeavesNothingHalf) {
+  bench.processes.failAt(1, exited(1));
+  albums({album(u"A"_s, {picture(u"/p/Trip/1.jpg"_s), picture(u"/p/Trip/2.jpg"_s)})});
+  EXPECT_EQ(photos(), QStringList{u"Trip/2.jpg"_s});
+  EXPECT_EQ(records(), (QStringList{u"/p/Trip/1.jpg N"_s, u"/p/Trip/2.jpg Y"_s, u"end"_s}));
+  EXPECT_EQ(bench.view.lastLog, u"\"1.jpg\" could not be transferred.\n"_s + kEnded);
+}
+
+TEST_F(PictureItemsTest, AFailedCopyOfWhatStandsInTheAlbumAnywayCounts) {
+  picture(kPhoto + u"1.jpg"_s, "other picture");
+  picture(kPhoto + u"Trip/1.jpg"_s);
+  bench.processes.failAt(1, exited(1));
+  albums({album(u"A"_s, {picture(u"/p/Trip/1.jpg"_s)})});
+  EXPECT_EQ(bench.view.lastLog, kEnded);
+  EXPECT_EQ(photos(), QStringList{u"Trip/1.jpg"_s});
+}
+
+TEST_F(PictureItemsTest, AnAlbumFolderThatCannotBeMadeFailsTheCopy) {
+  picture(kPhoto + u"Trip"_s, "a file");
+  albums({album(u"A"_s, {picture(u"/p/Trip/1.jpg"_s)})});
+  EXPECT_EQ(photos(), QStringList{u"Trip"_s});
+  EXPECT_EQ(bench.view.lastLog, u"\"1.jpg\" could not be transferred."_s);
+}
+
+TEST_F(PictureItemsTest, AShareThatIsLostDuringACopyIsToldWithTheRest) {
+  bench.processes.onRun = [this](const ToolRequest &) {
+    bench.files.unmount(kMountPoint.toString());
+    return exited(1);
+  };
+  albums({album(u"A"_s, {picture(u"/p/Trip/1.jpg"_s), picture(u"/p/Trip/2.jpg"_s)})});
+  EXPECT_EQ(bench.view.lastLog,
+            u"The connection to the product was lost. These items were not transferred:\n1.jpg\n2.jpg\n"_s);
+  EXPECT_EQ(bench.view.icon, u"Disconnect"_s);
+}
+
+TEST_F(PictureItemsTest, AProductThatWasNeverFilledGetsItsFolders) {
+  bench.files.erase(u"/Volumes/VB-SHARE$/Photo"_s);
+  albums({album(u"A"_s, {picture(u"/p/Trip/1.jpg"_s)})});
+  EXPECT_EQ(photos(), QStringList{u"Trip/1.jpg"_s});
+  EXPECT_EQ(bench.files.mode(u"/Volumes/VB-SHARE$/Photo"_s), 0777U);
+}
+
+TEST_F(PictureItemsTest, PicturesOfAPlaylistComeAlong) {
+  const QString song = bench.song(u"/m/A/B/1.mp3"_s, {});
+  bench.drop(u"@~Party@~"_s, {song, picture(u"/m/A/B/cover.jpg"_s), picture(u"/m/A/B/film.avi"_s)});
+  EXPECT_EQ(photos(), (QStringList{u"B/cover.jpg"_s, u"B/film.avi"_s}));
+  EXPECT_EQ(bench.musicTree().size(), 1);
+  EXPECT_EQ(records(), (QStringList{u"/m/A/B/cover.jpg Y"_s, u"/m/A/B/film.avi Y"_s, u"end"_s}));
+  EXPECT_EQ(bench.sent, (QStringList{u"pictures"_s, u"music"_s, u"collections sound photo"_s}));
+  EXPECT_EQ(bench.view.lastLog,
+            u"Pictures and videos of the dropped playlist were handled separately from the music.\n"_s + kEnded);
+}
+
+// No extension counts as a film by itself; the branch is there for whoever sets the flag.
+class VideoItemsTest : public PictureItemsTest {
+protected:
+  const QString video = u"/Volumes/VB-SHARE$/Video/Mac/"_s;
+
+  // The second item is made a film just before it is carried.
+  void film(const QString &path) {
+    bench.deliver(u"Party"_s, {bench.song(u"/m/A/B/1.mp3"_s, {}), path});
+    bench.onLimits = [this] {
+      bench.onLimits = [this] {
+        bench.transfer.setPhotoOrVideoFileType(false);
+        bench.transfer.setVideoFileType(true);
+      };
+    };
+    bench.run();
+  }
+};
+
+TEST_F(VideoItemsTest, AFilmLandsInTheVideoFolderAndEarnsNoClosingLine) {
+  bench.drop(u"Finder"_s, {u"/none.mp3"_s});
+  bench.deliver(u"Party"_s, {bench.song(u"/m/A/B/1.mp3"_s, {}, 1000), picture(u"/m/A/B/what?.avi"_s)});
+  bench.onLimits = [this] {
+    bench.onLimits = [this] {
+      bench.transfer.setPhotoOrVideoFileType(false);
+      bench.transfer.setVideoFileType(true);
+    };
+  };
+  bench.run();
+  EXPECT_EQ(files(video), QStringList{u"what_.avi"_s});
+  EXPECT_EQ(photos(), QStringList());
+  EXPECT_EQ(bench.files.mode(video.chopped(1)), 0777U);
+  EXPECT_TRUE(bench.desktop.lines.contains(u"task successful in volume smbfs"_s));
+  EXPECT_EQ(bench.sent.last(), u"collections video"_s);
+  EXPECT_FALSE(bench.view.lastLog.contains(kEnded)) << bench.view.lastLog.toStdString();
+}
+
+TEST_F(VideoItemsTest, AnIdenticalFilmIsNotCopiedAgain) {
+  picture(video + u"x.avi"_s);
+  film(picture(u"/m/A/B/x.avi"_s));
+  EXPECT_EQ(bench.processes.requests.size(), 1) << "the track";
+  EXPECT_EQ(records(), (QStringList{u"/m/A/B/x.avi Y"_s, u"end"_s}));
+}
+
+TEST_F(VideoItemsTest, AnotherFilmOfThatNameIsCopiedOverAndCounts) {
+  picture(video + u"x.avi"_s, "another film");
+  bench.files.clearLog();
+  film(picture(u"/m/A/B/x.avi"_s));
+  EXPECT_EQ(bench.files.bytes(video + u"x.avi"_s), QByteArray("picture"));
+  EXPECT_FALSE(bench.files.log().contains(u"removeFile "_s + video + u"x.avi"_s)) << "not removed first";
+  EXPECT_EQ(bench.sent.last(), u"collections sound video"_s);
+  EXPECT_EQ(records(), (QStringList{u"/m/A/B/x.avi Y"_s, u"end"_s}));
+}
+
+TEST_F(VideoItemsTest, AFilmThatCouldNotBeCopiedIsNotTold) {
+  bench.processes.failAt(2, exited(1));
+  film(picture(u"/m/A/B/x.avi"_s));
+  EXPECT_EQ(files(video), QStringList());
+  EXPECT_EQ(bench.view.lastLog,
+            u"Pictures and videos of the dropped playlist were handled separately from the music.\n"_s + kEnded);
+}
+
+TEST_F(VideoItemsTest, NothingIsCopiedIntoAFolderOfTheFilmsName) {
+  bench.files.makeFolders(video + u"x.avi"_s);
+  film(picture(u"/m/A/B/x.avi"_s));
+  EXPECT_EQ(files(video), QStringList());
+  EXPECT_EQ(bench.processes.requests.size(), 1) << "the track";
+}
+
+TEST_F(VideoItemsTest, AShareThatIsGoneEndsTheTransfer) {
+  bench.processes.onRun = [this](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (request.arguments.value(2).startsWith(video)) {
+      bench.files.unmount(kMountPoint.toString());
+      return exited(1);
+    }
+    return std::nullopt;
+  };
+  film(picture(u"/m/A/B/x.avi"_s));
+  EXPECT_TRUE(bench.view.lastLog.startsWith(
+      u"The connection to the product was lost. These items were not transferred:\nx.avi\n"_s))
+      << bench.view.lastLog.toStdString();
+}
+
+class MetaDataFileTest : public PictureItemsTest {};
+
+TEST_F(MetaDataFileTest, ReplacesTheOneInTheSystemFolder) {
+  const QString system = u"/Volumes/VB-SHARE$/System/"_s;
+  bench.files.put(system + u"ClientAlive.orv"_s, "old and longer");
+  bench.files.put(system + u"._ClientAlive.orv"_s, "x");
+  bench.files.put(u"/tmp/ClientAlive.orv"_s, "new");
+  bench.transfer.transferMetaDataFile(u"/tmp/ClientAlive.orv"_s);
+  EXPECT_EQ(bench.files.bytes(system + u"ClientAlive.orv"_s), QByteArray("new"));
+  EXPECT_FALSE(bench.files.exists(system + u"._ClientAlive.orv"_s));
+}
+
+TEST_F(MetaDataFileTest, MakesTheSystemFolder) {
+  bench.files.erase(u"/Volumes/VB-SHARE$/System"_s);
+  bench.files.put(u"/tmp/ClientAlive.orv"_s, "new");
+  bench.transfer.transferMetaDataFile(u"/tmp/ClientAlive.orv"_s);
+  EXPECT_EQ(bench.files.mode(u"/Volumes/VB-SHARE$/System"_s), 0755U);
+}
+
+} // namespace sonorel::test
