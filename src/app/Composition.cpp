@@ -27,7 +27,8 @@ Composition::Composition(const CompositionOptions &options, const QDBusConnectio
       m_scripts(
           m_files, m_processes, m_clock, [this] { return m_controller.interruption(); },
           u"/Applications/Sonorel/Sonorel.app/Contents/Resources/ConvertWeblocToURL.sh"_s),
-      m_serviceBrowser(m_loop, m_desktop, {}), m_door(bus, actions(), m_dropCounter), m_userInterface(m_door, m_quit),
+      m_serviceBrowser(m_loop, m_desktop, {}), m_power(QDBusConnection::systemBus(), m_loop, m_desktop),
+      m_door(bus, actions(), m_dropCounter), m_userInterface(m_door, m_quit),
       m_notifications(bus, m_loop, m_desktop, notificationHooks()), m_controller(platform(), values(options)) {}
 
 Composition::~Composition() {

@@ -6,7 +6,6 @@
 #include "app/DoorInterface.h"
 #include "app/DropCounter.h"
 #include "core/ApplicationController.h"
-#include "platform/linux/AbsentPower.h"
 #include "platform/linux/AvahiServiceBrowser.h"
 #include "platform/linux/DBusApplications.h"
 #include "platform/linux/DBusNotifications.h"
@@ -18,6 +17,7 @@
 #include "platform/linux/LinuxProcesses.h"
 #include "platform/linux/LinuxScripts.h"
 #include "platform/linux/LinuxWorker.h"
+#include "platform/linux/LogindPower.h"
 #include "platform/linux/PathMap.h"
 #include "platform/linux/QtIdentifiers.h"
 #include "platform/linux/TagLibMetadata.h"
@@ -73,7 +73,7 @@ private:
   LinuxScripts m_scripts;
   AvahiServiceBrowser m_serviceBrowser;
   UdpDatagrams m_datagrams;
-  AbsentPower m_power;
+  LogindPower m_power;
   DropCounter m_dropCounter;
   Door m_door;
   DoorInterface m_userInterface;

@@ -4,6 +4,8 @@
 #include "core/ShippedDefaults.h"
 #include "core/state/Report.h"
 
+#include <QScopeGuard>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
@@ -70,7 +72,13 @@ void ApplicationController::openFiles(const QStringList &paths) {
 }
 
 void ApplicationController::connect() {
-  post(u"connect"_s, [](ShareRoles &share) { share.connectFlow.onConnect(); });
+  if (m_connectAsked.exchange(true)) {
+    return; // the second of two presses would only connect anew
+  }
+  post(u"connect"_s, [this](ShareRoles &share) {
+    const auto done = qScopeGuard([this] { m_connectAsked = false; });
+    share.connectFlow.onConnect();
+  });
 }
 
 void ApplicationController::disconnect() {
@@ -108,7 +116,13 @@ void ApplicationController::showTab(Tab tab) {
 }
 
 void ApplicationController::answerAlert(quint32 serial, int button) {
-  m_roles->platform.loop.post([this, serial, button] { m_roles->interface.answerAlert(serial, button); });
+  m_roles->platform.loop.post([this, serial, button] { // also while the start has failed
+    try {
+      m_roles->interface.answerAlert(serial, button);
+    } catch (const std::exception &e) {
+      logException(m_roles->platform.desktop, u"answerAlert"_s, e);
+    }
+  });
 }
 
 void ApplicationController::enterPassword(const QString &password) {

@@ -12,6 +12,7 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <stop_token>
@@ -44,7 +45,7 @@ public:
   void reopen(bool hasVisibleWindows); // a click on the dock icon
   void windowWillClose();              // hides it
   void openFiles(const QStringList &paths);
-  void connect();
+  void connect(); // once for all presses until it is done
   void disconnect();
   void cancel();
   // The user's wish: `applicationShouldTerminate:`, which may refuse.
@@ -87,6 +88,7 @@ private:
   void post(const QString &name, std::function<void(ShareRoles &)> operation);
 
   std::unique_ptr<Roles> m_roles;
+  std::atomic<bool> m_connectAsked{false}; // from the press until it has been done
 };
 
 } // namespace sonorel

@@ -59,7 +59,7 @@ void copyWhenPresent(const QVariantMap &from, QVariantMap &to, const QString &ke
 CarryOver::CarryOver(FileSystem &files, PropertyLists &lists, Desktop &desktop, Settings &settings,
                      const ClientPaths &paths)
     : m_files(files), m_lists(lists), m_desktop(desktop), m_settings(settings), m_paths(paths),
-      m_machinePreferences(files, lists, desktop, paths.machinePreferences),
+      m_machinePreferences(files, lists, desktop, paths.machinePreferences, paths.machinePreferencesAside),
       m_productList(files, lists, desktop, paths.productsDetailsDictFilePath) {}
 
 void CarryOver::fromReceipts() {

@@ -12,9 +12,12 @@ struct ClientPaths {
   QString machineParent;      // "/Library/Application Support"
   QString machineFolder;      // machineParent + "/Sonorel"
   QString machinePreferences; // the machine-wide "LastPreferences.plist"
-  QString supportParent;      // home + "/Library/Application Support"
-  QString supportFolder;      // supportParent + "/Sonorel"
-  QString preferences;        // the per-user "LastPreferences.plist"
+  // What a damaged one is called before it is set aside: beside its folder, which is emptied while the first launch
+  // lasts.
+  QString machinePreferencesAside;
+  QString supportParent; // home + "/Library/Application Support"
+  QString supportFolder; // supportParent + "/Sonorel"
+  QString preferences;   // the per-user "LastPreferences.plist"
   QString mainDictPath;
   QString productsDetailsDictFilePath;
   QString tempFileLocation; // the support folder, ending in "/"

@@ -145,6 +145,9 @@ void ConnectFlow::onDisconnect() {
       m_parts.interface.setProgressBar(0);
       m_parts.interface.setDockIcon(kDisconnectImage);
     } else if (!transferRuns()) {
+      if (!m_parts.board.manualSleepWasConnected) { // the sleep waits for nothing more
+        m_hooks.awaitTransfer();
+      }
       disconnectAndShow(true);
     } else if (m_parts.board.manualSleepWasConnected) {
       disconnectAndShow(false);

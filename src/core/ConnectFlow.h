@@ -46,6 +46,8 @@ public:
     // The transfer's thread is at work. While it is, nothing may connect.
     std::function<bool()> workerRuns;
     std::function<void()> attemptsEnded; // to connect, well or not
+    // Ends a cancelled transfer that has not ended yet; what it hands in needs the share.
+    std::function<void()> awaitTransfer;
   };
 
   // mainDictPath: removed at the end of every Connect.

@@ -170,7 +170,7 @@ void InterfaceController::attention() {
 }
 
 void InterfaceController::transferStateChanged() {
-  enqueue([this] { put(&UserInterfaceState::transferring, m_board.state() != TransferState::Idle); });
+  enqueue([this] { put(&UserInterfaceState::transferring, m_board.isCarrying()); });
 }
 
 void InterfaceController::transferComplete() {

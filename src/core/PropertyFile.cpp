@@ -6,8 +6,9 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
 
-PropertyFile::PropertyFile(FileSystem &files, PropertyLists &lists, Desktop &desktop, QString path)
-    : m_files(files), m_lists(lists), m_desktop(desktop), m_path(std::move(path)) {}
+PropertyFile::PropertyFile(FileSystem &files, PropertyLists &lists, Desktop &desktop, QString path, QString asidePath)
+    : m_files(files), m_lists(lists), m_desktop(desktop), m_path(std::move(path)), m_asidePath(std::move(asidePath)) {
+}
 
 std::optional<QVariantMap> PropertyFile::read() {
   QByteArray bytes;
@@ -33,7 +34,12 @@ std::optional<QVariantMap> PropertyFile::read() {
 }
 
 void PropertyFile::setAside(const QString &reason) {
-  m_desktop.log(m_path + u" is damaged ("_s + reason + u"), kept as "_s + m_files.setAside(m_path));
+  QString damaged = m_path;
+  if (!m_asidePath.isEmpty()) {
+    m_files.rename(m_path, m_asidePath);
+    damaged = m_asidePath;
+  }
+  m_desktop.log(m_path + u" is damaged ("_s + reason + u"), kept as "_s + m_files.setAside(damaged));
 }
 
 void PropertyFile::write(const QVariantMap &values, std::optional<quint32> mode) {

@@ -16,8 +16,9 @@ inline constexpr quint32 kPrivateFileMode = 0600; // for files that hold passwor
 
 class PropertyFile {
 public:
-  // All references must outlive the object.
-  PropertyFile(FileSystem &files, PropertyLists &lists, Desktop &desktop, QString path);
+  // All references must outlive the object. asidePath: what a damaged file is called instead before it is set aside,
+  // where its own folder is no place to keep anything; empty: its own path.
+  PropertyFile(FileSystem &files, PropertyLists &lists, Desktop &desktop, QString path, QString asidePath = {});
 
   [[nodiscard]] const QString &path() const { return m_path; }
   [[nodiscard]] bool exists() const { return m_files.presence(m_path) == Presence::Present; }
@@ -33,6 +34,7 @@ private:
   PropertyLists &m_lists;
   Desktop &m_desktop;
   QString m_path;
+  QString m_asidePath;
 };
 
 // A value of the wrong type reads as absent.

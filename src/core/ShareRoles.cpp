@@ -2,6 +2,7 @@
 
 #include "core/AwaitTransfer.h"
 #include "core/Roles.h"
+#include "core/state/Report.h"
 #include "favourites/AlbumNames.h"
 #include "transfer/PicturePaths.h"
 
@@ -66,12 +67,12 @@ ShareRoles::ShareRoles(Roles &owner)
       connectFlow(connectionTools, connectParts, owner.paths.mainDictPath,
                   {[&owner] { owner.system.unmountVBShareUsingApplescript(); },
                    [this](const QString &address) { wakeOnLan.WakeupOnLanAProduct(address); },
-                   [this] { return driver.isAtWork(); }, [this] { wakeNotice.end(); }}),
+                   [this] { return driver.isAtWork(); }, [this] { wakeNotice.end(); }, [this] { awaitTransfer(); }}),
       automaticConnection(owner.session, owner.interface, automaticHooks()),
       events(connectFlow, connectParts, owner.preferences, owner.platform.clock, owner.platform.desktop,
              eventHooks()),
       sleepAndWake(owner.platform.files, owner.strings, owner.log, owner.board, owner.interface, folders.share(),
-                   {[this] { return connectFlow.isConnected(); }, [this] { connectFlow.onDisconnect(); }}) {}
+                   sleepHooks()) {}
 
 ConnectionTools ShareRoles::makeConnectionTools() {
   return {roles.platform.files,   roles.platform.processes, roles.platform.clock,
@@ -180,8 +181,22 @@ ApplicationEvents::Hooks ShareRoles::eventHooks() {
           [this] { return roles.interruption.token(); }};
 }
 
+SleepAndWake::Hooks ShareRoles::sleepHooks() {
+  return {[this] { return connectFlow.isConnected(); },
+          [this](std::chrono::milliseconds limit) {
+            roles.platform.worker.requestStop();
+            if (!roles.platform.worker.joinWithin(limit)) {
+              roles.platform.desktop.log(u"the transfer did not end before the machine sleeps"_s);
+            }
+          },
+          [this] { connectFlow.onDisconnect(); }};
+}
+
 void ShareRoles::awaitTransfer() {
   sonorel::awaitTransfer(roles.platform.worker, roles.interruption, forcedEnd);
+  if (!roles.quitRequests.isTerminated()) {
+    forcedEnd = std::stop_source(); // the next transfer is in no hurry
+  }
 }
 
 void ShareRoles::observeNotifications() {
@@ -201,8 +216,27 @@ void ShareRoles::prepareProducts() {
 
 bool ShareRoles::registerForPower() {
   sleepAndWake.clearSleepCounter();
-  return roles.platform.power.registerForNotifications(
-      {[this](PowerMessage message) { sleepAndWake.powerMessage(message); }, [this] { sleepAndWake.afterWakeup(); }});
+  Power::Handlers handlers;
+  handlers.hurry = [this] { roles.interruption.interrupt(); };
+  handlers.message = [this](PowerMessage message) {
+    powerOperation(u"powerMessage"_s, [this, message] {
+      roles.interruption.renew(); // the disconnect is to be waited for
+      sleepAndWake.powerMessage(message);
+    });
+  };
+  handlers.didWake = [this] { powerOperation(u"afterWakeup"_s, [this] { sleepAndWake.afterWakeup(); }); };
+  return roles.platform.power.registerForNotifications(std::move(handlers));
+}
+
+void ShareRoles::powerOperation(const QString &name, const std::function<void()> &operation) {
+  if (roles.quitRequests.isTerminated()) {
+    return; // the product has been left already
+  }
+  try {
+    operation();
+  } catch (const std::exception &e) {
+    logException(roles.platform.desktop, name, e);
+  }
 }
 
 } // namespace sonorel

@@ -94,6 +94,8 @@ private:
   [[nodiscard]] AfterConnection::Hooks afterConnectionHooks();
   [[nodiscard]] AutomaticConnection::Hooks automaticHooks();
   [[nodiscard]] ApplicationEvents::Hooks eventHooks();
+  [[nodiscard]] SleepAndWake::Hooks sleepHooks();
+  void powerOperation(const QString &name, const std::function<void()> &operation);
 };
 
 } // namespace sonorel

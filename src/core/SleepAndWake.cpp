@@ -32,6 +32,9 @@ void SleepAndWake::powerMessage(PowerMessage message) {
     m_hooks.onDisconnect();
   } else if (m_countCanSleepEvent == 0) {
     m_board.manualSleepWasConnected = m_hooks.isConnected();
+    if (m_board.manualSleepWasConnected) {
+      m_hooks.endTransfer(kPatienceWithTransfer);
+    }
     m_hooks.onDisconnect();
   }
 }

@@ -11,6 +11,7 @@
 
 #include <QString>
 
+#include <chrono>
 #include <functional>
 
 namespace sonorel {
@@ -19,8 +20,13 @@ class SleepAndWake {
 public:
   struct Hooks {
     std::function<bool()> isConnected;
+    // Ends the running copy and waits for the transfer's thread, at most that long.
+    std::function<void(std::chrono::milliseconds)> endTransfer;
     std::function<void()> onDisconnect;
   };
+
+  // For a favourites rewrite that is under way; one that takes longer is caught up on at the next connection.
+  static constexpr std::chrono::milliseconds kPatienceWithTransfer{1'500};
 
   // All references must outlive the object. share: `volumeVaultbox` + `sharedFolder`.
   SleepAndWake(FileSystem &files, Strings &strings, MessageLog &log, TransferBoard &board, View &view, QString share,

@@ -35,7 +35,9 @@ void SystemIntegration::killTrackChuteAndLaunch() {
   if (agent != launched.end()) {
     m_applications.end(*agent);
   }
-  m_processes.startDetached(m_paths.agentExecutable, {});
+  if (!m_processes.startDetached(m_paths.agentExecutable, {}) && !std::exchange(m_agentMissed, true)) {
+    m_desktop.log(u"the drop agent could not be started: "_s + m_paths.agentExecutable);
+  }
 }
 
 bool SystemIntegration::addLoginItem(const QString &path, bool hide) {

@@ -26,7 +26,8 @@ public:
   SystemIntegration(const SystemIntegration &) = delete;
   SystemIntegration &operator=(const SystemIntegration &) = delete;
 
-  // Ends the running drop agent, if any, and starts it again without waiting for it.
+  // Ends the running drop agent, if any, and starts it again without waiting for it. One that cannot be started is
+  // told once.
   void killTrackChuteAndLaunch();
 
   // False for an empty path and when the items could not be written. Does not look for duplicates.
@@ -54,6 +55,7 @@ private:
   Settings &m_settings;
   const ClientPaths &m_paths;
   Loop::TimerId m_spacesObservingTimer = 0;
+  bool m_agentMissed = false;
 };
 
 } // namespace sonorel

@@ -18,7 +18,7 @@ class RunningApplications {
 public:
   virtual ~RunningApplications() = default;
   [[nodiscard]] virtual std::vector<RunningApplication> launched() = 0;
-  // Ends that very process; nothing happens when it has gone.
+  // Ends that very process and waits a moment for it; nothing happens when it has gone.
   virtual void end(const RunningApplication &application) = 0;
 };
 

@@ -1,6 +1,7 @@
 // One background thread that is always joined: by the next start, by join and by the destructor.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <stop_token>
 
@@ -13,6 +14,8 @@ public:
   virtual void start(std::function<void(std::stop_token)> body) = 0;
   virtual void requestStop() = 0;
   virtual void join() = 0;
+  // Waits no longer than that; true when the body has ended.
+  [[nodiscard]] virtual bool joinWithin(std::chrono::milliseconds limit) = 0;
 };
 
 } // namespace sonorel

@@ -25,6 +25,9 @@ TransferDriver::After TransferDriver::carryBookmark(const QueueEntry &entry, con
                                                         : whenItFits(item, &TransferDriver::copyBookmark);
   } catch (const std::exception &exception) {
     logException(m_tools.desktop, u"transferToVaultbox"_s, exception);
+    if (m_tools.board.manualSleepWasConnected) {
+      return After::Slept;
+    }
     m_isNetworkAlive = m_hooks.isConnected();
     return m_isNetworkAlive ? After::NextItem : shareLost(kConnectImage);
   }
@@ -32,8 +35,13 @@ TransferDriver::After TransferDriver::carryBookmark(const QueueEntry &entry, con
 
 // A bookmark that was there before counts, and one that could not be made a ".url" file does too.
 TransferDriver::After TransferDriver::copyBookmark(const Item &item) {
-  if (!m_transfer.transferBookmark(item.path) && !isShareThere() && !m_tools.board.isCancel) {
-    return shareLost(kConnectImage);
+  if (!m_transfer.transferBookmark(item.path)) {
+    if (m_tools.board.manualSleepWasConnected) {
+      return After::Slept;
+    }
+    if (!isShareThere() && !m_tools.board.isCancel) {
+      return shareLost(kConnectImage);
+    }
   }
   m_showTransferCompleteMessage = true;
   return After::NextItem;
@@ -50,7 +58,7 @@ TransferDriver::After TransferDriver::writeBookmark(const QueueEntry &entry) {
     m_showTransferCompleteMessage = true;
     return After::NextItem;
   }
-  return bookmarkNotWritten(entry.item);
+  return m_tools.board.manualSleepWasConnected ? After::Slept : bookmarkNotWritten(entry.item);
 }
 
 TransferDriver::After TransferDriver::bookmarkNotWritten(const QString &name) {

@@ -23,6 +23,9 @@ TransferDriver::After TransferDriver::copyVideo(const Item &item) {
     m_transferred.videoFileTransferred = true;
     return After::NextItem;
   }
+  if (m_tools.board.manualSleepWasConnected) {
+    return After::Slept;
+  }
   return isShareThere() || m_tools.board.isCancel ? After::NextItem : shareLost(kConnectImage);
 }
 
@@ -40,6 +43,9 @@ TransferDriver::After TransferDriver::copyPicture(const Item &item) {
     m_transferred.photoFileTransferred = true;
     m_showTransferCompleteMessage = true;
     return After::NextItem;
+  }
+  if (m_tools.board.manualSleepWasConnected) {
+    return After::Slept;
   }
   if (!isShareThere() && !m_tools.board.isCancel) {
     return shareLost(kConnectImage);

@@ -63,6 +63,9 @@ TransferDriver::After TransferDriver::copySound(const Item &item) {
     m_showTransferCompleteMessage = true;
     return After::NextItem;
   }
+  if (m_tools.board.manualSleepWasConnected) {
+    return After::Slept; // the copy was ended, and this item is the first of the list after the wake
+  }
   if (!isShareThere() && !m_tools.board.isCancel) {
     return shareLost(kConnectImage);
   }

@@ -34,7 +34,7 @@ void TransferDriver::transferToVaultbox(std::stop_token stop) {
     try {
       again = runTransfer();
     } catch (const std::exception &exception) {
-      again = cleanUpAfterException(exception) && !stop.stop_requested();
+      again = cleanUpAfterException(exception) && goesOn();
     }
   }
 }
@@ -56,7 +56,7 @@ bool TransferDriver::runTransfer() {
     return false;
   }
   endTransfer();
-  return finishTransferHandler() && !m_stop.stop_requested();
+  return finishTransferHandler() && goesOn();
 }
 
 bool TransferDriver::carryQueue() {

@@ -17,6 +17,9 @@ constexpr std::chrono::milliseconds kPauseBeforeEnding{1000};
 // In each of them the ending begins before the list is made: a drop that comes later is not in the list, and waits
 // for a transfer of its own instead of going down with this one.
 TransferDriver::After TransferDriver::shareLost(const QString &iconImageType) {
+  if (m_tools.board.manualSleepWasConnected) {
+    return After::Slept; // it was left on purpose; the list comes after the wake
+  }
   m_tools.board.beginEnding();
   showWithRemainingList(message(u"Message1"_s));
   m_view.windowFrontCentre();
@@ -35,6 +38,9 @@ TransferDriver::After TransferDriver::diskFull() {
 
 TransferDriver::After TransferDriver::exceptionInBranch(const std::exception &exception) {
   logException(m_tools.desktop, u"transferToVaultbox"_s, exception);
+  if (m_tools.board.manualSleepWasConnected) {
+    return After::Slept;
+  }
   m_isNetworkAlive = m_hooks.isConnected();
   if (m_isNetworkAlive) {
     return After::NextItem;
@@ -46,13 +52,21 @@ TransferDriver::After TransferDriver::exceptionInBranch(const std::exception &ex
   return After::Ending;
 }
 
+// A drop that waited is left alone when the program ends. When the machine sleeps its turn comes all the same: it is
+// broken off at its first item and listed after the wake.
+bool TransferDriver::goesOn() const {
+  return !m_stop.stop_requested() || m_tools.board.manualSleepWasConnected;
+}
+
 void TransferDriver::endForSleep() {
   m_view.stopPulse();
   m_view.setDockIcon(m_hooks.isConnected() ? kConnectImage : kDisconnectImage);
   m_view.setEnableDisableCancelBtn(false);
   m_view.setLanguageEnabled(true);
   m_view.setProgressBar(0);
-  m_hooks.dropsFinished(m_tools.board.acceptedDrops());
+  const quint32 drops = m_tools.board.abort();
+  m_view.transferStateChanged();
+  m_hooks.dropsFinished(drops);
 }
 
 void TransferDriver::endTransfer() {

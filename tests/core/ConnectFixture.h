@@ -149,7 +149,12 @@ protected:
                    fakes.paths.mainDictPath,
                    {[this] { did.append(QStringLiteral("eject")); },
                     [this](const QString &address) { did.append(QStringLiteral("wake ") + address); },
-                    [this] { return workerRuns; }, [this] { ++attemptsEnded; }}};
+                    [this] { return workerRuns; }, [this] { ++attemptsEnded; },
+                    [this] {
+                      did.append(QStringLiteral("awaitTransfer"));
+                      EXPECT_TRUE(fakes.files.isMounted(point));
+                      EXPECT_FALSE(sent(QStringLiteral("ClientDisconnected.orv")));
+                    }}};
 };
 
 } // namespace sonorel::test

@@ -69,10 +69,22 @@ TEST_F(DisconnectTest, SleepThatTheUserChoseDisconnectsATransferAndKeepsTheLog) 
   EXPECT_EQ(questions(), QStringList());
 }
 
-TEST_F(DisconnectTest, CancelledTransferKeepsNobodyConnected) {
+TEST_F(DisconnectTest, CancelledTransferKeepsNobodyConnectedButHandsInWhatItHasPlaced) {
   beginTransfer();
   board.isCancel = true;
+  did.clear();
   disconnect();
+  EXPECT_EQ(did, QStringList({u"awaitTransfer"_s})) << "before the farewell and the unmount";
+  EXPECT_FALSE(fakes.files.isMounted(point));
+}
+
+TEST_F(DisconnectTest, SleepDoesNotWaitForACancelledTransferOnceMore) {
+  beginTransfer();
+  board.isCancel = true;
+  board.manualSleepWasConnected = true;
+  did.clear();
+  disconnect();
+  EXPECT_EQ(did, QStringList());
   EXPECT_FALSE(fakes.files.isMounted(point));
 }
 

@@ -114,17 +114,6 @@ TEST_F(ControllerTest, DisconnectsAndConnectsAgain) {
   EXPECT_TRUE(fakes.files.exists(kSystemFolder + u"ClientDisconnected.orv"_s));
 }
 
-TEST_F(ControllerTest, DisconnectsBeforeTheMachineSleeps) {
-  startConnected();
-  fakes.power.send(PowerMessage::SystemWillSleep);
-  fakes.loop.runPosted();
-  EXPECT_FALSE(fakes.files.isMounted(kPoint));
-  fakes.power.wake();
-  fakes.loop.runPosted();
-  EXPECT_EQ(fakes.userInterface.last().currentTab, 2);
-  EXPECT_EQ(fakes.userInterface.last().dockImage, u"Disconnect"_s);
-}
-
 TEST_F(ControllerTest, LetsPeopleActWhenPowerNotificationsAreRefused) {
   selectProduct(u"p@ss"_s);
   fakes.power.refuses = true;

@@ -8,6 +8,7 @@
 using namespace Qt::Literals::StringLiterals;
 using namespace sonorel;
 using namespace sonorel::test;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -39,6 +40,7 @@ protected:
   TransferBoard board;
   bool connected = true;
   int disconnects = 0;
+  QList<std::chrono::milliseconds> waits; // for the transfer's end
   SleepAndWake power{fakes.files,
                      strings,
                      log,
@@ -46,6 +48,11 @@ protected:
                      view,
                      kShare,
                      {[this] { return connected; },
+                      [this](std::chrono::milliseconds limit) {
+                        EXPECT_TRUE(board.manualSleepWasConnected) << "the worker must see why it is ended";
+                        EXPECT_TRUE(connected);
+                        waits.append(limit);
+                      },
                       [this] {
                         ++disconnects;
                         connected = false;
@@ -57,6 +64,7 @@ protected:
 TEST_F(SleepAndWakeTest, DisconnectsBeforeASleepChosenByTheUser) {
   power.powerMessage(PowerMessage::SystemWillSleep);
   EXPECT_EQ(disconnects, 1);
+  EXPECT_EQ(waits, QList<std::chrono::milliseconds>{1500ms}) << "before the share is left";
   EXPECT_TRUE(board.manualSleepWasConnected);
 }
 
@@ -64,6 +72,7 @@ TEST_F(SleepAndWakeTest, RemembersThatNothingWasConnected) {
   connected = false;
   power.powerMessage(PowerMessage::SystemWillSleep);
   EXPECT_EQ(disconnects, 1);
+  EXPECT_TRUE(waits.isEmpty());
   EXPECT_FALSE(board.manualSleepWasConnected);
 }
 

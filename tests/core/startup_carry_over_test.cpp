@@ -55,6 +55,17 @@ TEST_F(CarryOverTest, BeginsTheMachineWideFolderAnew) {
   EXPECT_EQ(fakes.files.mode(kMachinePreferences), 0777U);
 }
 
+TEST_F(CarryOverTest, DamagedPreferencesOutliveTheFolder) {
+  fakes.files.put(kMachinePreferences, "<plist><dict>");
+  ASSERT_TRUE(startUp.init());
+  const auto kept = u"/Library/Application Support/Sonorel LastPreferences.plist.damaged"_s;
+  EXPECT_EQ(fakes.files.bytes(kept), QByteArray("<plist><dict>"));
+  EXPECT_TRUE(fakes.desktop.logged(kMachinePreferences + u" is damaged"_s));
+  EXPECT_TRUE(fakes.desktop.logged(u"kept as "_s + kept));
+  EXPECT_EQ(fakes.files.tree(kMachineFolder).keys(), QStringList({u"LastPreferences.plist"_s}));
+  EXPECT_EQ(fakes.dictionary(kMachinePreferences), QVariantMap());
+}
+
 TEST_F(CarryOverTest, KeepsAProductListThatExists) {
   fakes.putDictionary(kMachinePreferences, kCarried);
   fakes.putDictionary(kProducts, {{u"Manually Added Devices"_s, QVariantList()}});

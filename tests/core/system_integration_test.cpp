@@ -42,6 +42,16 @@ TEST_F(SystemIntegrationTest, EndsOneAgentUnderEitherIdentifierAndStartsItAnew) 
   EXPECT_EQ(fakes.runningApplications.ended.back().processId, 3);
 }
 
+TEST_F(SystemIntegrationTest, TellsOnceThatTheAgentIsNotInstalled) {
+  fakes.processes.detachedStarts = false;
+  system.killTrackChuteAndLaunch();
+  system.spaceChanged();
+  EXPECT_EQ(fakes.desktop.lines,
+            QStringList({u"the drop agent could not be started: "
+                         u"/Applications/Sonorel/Sonorel.app/Contents/Resources/TrackChute.app/Contents/MacOS/"
+                         u"TrackChute"_s}));
+}
+
 TEST_F(SystemIntegrationTest, AddsALoginItemWithoutLookingForDuplicates) {
   EXPECT_TRUE(system.addLoginItem(u"/Applications/A.app"_s, true));
   EXPECT_TRUE(system.addLoginItem(u"/Applications/A.app"_s, false));

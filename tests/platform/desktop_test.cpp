@@ -82,6 +82,29 @@ TEST_F(LinuxDesktopTest, AgentsOwnEntryIsRemoved) {
   EXPECT_EQ(QDir(folder.filePath(u"autostart"_s)).entryList(QDir::Files), QStringList{u"clock.desktop"_s});
 }
 
+TEST_F(LinuxDesktopTest, LoginItemsOfTheAgentAreRemovedAndNoOthers) {
+  const QString agent = u"/Applications/Sonorel/Sonorel.app/Contents/Resources/TrackChute.app"_s;
+  EXPECT_TRUE(
+      desktop.setLoginItems({{agent, false}, {kApp, false}, {agent, true}, {u"/NotTrackChute.app"_s, false}}));
+  desktop.removeAgentLoginItems();
+  const auto items = desktop.loginItems();
+  ASSERT_EQ(items.size(), 2U);
+  EXPECT_EQ(items[0].path, kApp);
+  EXPECT_EQ(items[1].path, u"/NotTrackChute.app"_s);
+}
+
+TEST_F(LinuxDesktopTest, OneEntryOverReinstallations) {
+  for (const QString &client : {u"/opt/old/sonoreld"_s, u"/usr/bin/sonoreld"_s, u"/usr/bin/sonoreld"_s}) {
+    LinuxDesktop installed({folder.path(), client, [](const QString &path) { return std::optional<QString>(path); }});
+    auto items = installed.loginItems();
+    std::erase_if(items, [](const LoginItem &item) { return item.path.endsWith(u"Sonorel.app"_s); });
+    items.push_back({kApp, false});
+    EXPECT_TRUE(installed.setLoginItems(items));
+    EXPECT_EQ(QDir(folder.filePath(u"autostart"_s)).entryList(QDir::Files), QStringList{u"sonorel.desktop"_s});
+    EXPECT_TRUE(content(u"sonorel.desktop"_s).contains("\nExec=\"" + client.toUtf8() + "\"\n"));
+  }
+}
+
 TEST_F(LinuxDesktopTest, FailsWhereTheFolderCannotBeMade) {
   QFile file(folder.filePath(u"autostart"_s));
   ASSERT_TRUE(file.open(QIODevice::WriteOnly));
@@ -123,7 +146,8 @@ TEST_F(LinuxDesktopTest, DocumentThatIsMissingIsNotOpened) {
   EXPECT_FALSE(desktop.openDocument(folder.filePath(u"absent.html"_s)));
 }
 
-TEST_F(LinuxDesktopTest, DesktopNumberCannotBeTold) {
+TEST_F(LinuxDesktopTest, DesktopNumberCannotBeToldWithoutAnXServer) {
+  ASSERT_TRUE(qunsetenv("DISPLAY"));
   EXPECT_EQ(desktop.spaceNumber(), -1);
 }
 

@@ -72,3 +72,13 @@ TEST(LinuxWorker, TellsWhatABodyThrew) {
   worker.join();
   EXPECT_EQ(told, "broken");
 }
+
+TEST(LinuxWorker, WaitsNoLongerThanItIsTold) {
+  LinuxWorker worker;
+  EXPECT_TRUE(worker.joinWithin(std::chrono::milliseconds(0))) << "nothing runs";
+  worker.start(waitForStop);
+  EXPECT_FALSE(worker.joinWithin(std::chrono::milliseconds(10)));
+  worker.requestStop();
+  EXPECT_TRUE(worker.joinWithin(std::chrono::minutes(1)));
+  EXPECT_TRUE(worker.joinWithin(std::chrono::milliseconds(0)));
+}

@@ -61,6 +61,16 @@ kill_client() {
   wait "$client" 2>/dev/null || true
   client=
 }
+install_client() { # an installation of its own, so that stand-ins for other programs can stand beside the client
+  mkdir -p "$root/installed/bin" "$root/installed/share/sonorel"
+  cp "$bin/sonoreld" "$root/installed/bin/"
+  ln -s "$(realpath "$bin/../resources")" "$root/installed/share/sonorel/resources"
+  bin=$root/installed/bin
+}
+stand_in() { # NAME: a program of the installation, its text on the standard input
+  cat >"$root/installed/bin/$1"
+  chmod +x "$root/installed/bin/$1"
+}
 make_product() { # NAME: the embedded product names itself so
   mkdir -p "$share/System"
   printf '%s\n5.03.00.2387\n' "$1" >"$share/System/OrvProductName.orv"

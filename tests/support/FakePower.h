@@ -9,27 +9,31 @@ class FakePower : public Power {
 public:
   bool refuses = false;
   bool registered = false;
-  int acknowledged = 0; // messages whose handler has returned
+  bool isDelayed = false; // the machine would wait before it sleeps
+  int acknowledged = 0;   // messages whose handler has returned
 
   void send(PowerMessage message) {
-    if (m_handlers.message) {
-      m_handlers.message(message);
+    if (!registered) {
+      return;
     }
+    if (message == PowerMessage::SystemWillSleep) {
+      m_handlers.hurry();
+    }
+    m_handlers.message(message);
     ++acknowledged;
+    isDelayed = message == PowerMessage::CanSystemSleep;
   }
   void wake() {
-    if (m_handlers.didWake) {
+    if (registered) {
+      isDelayed = true;
       m_handlers.didWake();
     }
   }
 
   bool registerForNotifications(Handlers handlers) override {
-    if (refuses) {
-      return false;
-    }
-    registered = true;
     m_handlers = std::move(handlers);
-    return true;
+    registered = isDelayed = !refuses;
+    return registered;
   }
 
 private:

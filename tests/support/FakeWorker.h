@@ -4,6 +4,8 @@
 
 #include "platform/Worker.h"
 
+#include <QList>
+
 #include <functional>
 #include <optional>
 #include <system_error>
@@ -15,7 +17,9 @@ class FakeWorker : public Worker {
 public:
   [[nodiscard]] bool hasBody() const { return static_cast<bool>(m_body); }
   [[nodiscard]] int starts() const { return m_starts; }
-  bool failsToStart = false; // no thread can be had
+  bool failsToStart = false;               // no thread can be had
+  bool hangs = false;                      // joinWithin waits in vain
+  QList<std::chrono::milliseconds> limits; // what joinWithin was given
   void run() {
     if (const auto body = std::exchange(m_body, nullptr)) {
       body(m_stop.get_token());
@@ -33,6 +37,13 @@ public:
   }
   void requestStop() override { m_stop.request_stop(); }
   void join() override { run(); }
+  bool joinWithin(std::chrono::milliseconds limit) override {
+    limits.append(limit);
+    if (!hangs) {
+      run();
+    }
+    return !hangs;
+  }
 
 private:
   std::function<void(std::stop_token)> m_body;

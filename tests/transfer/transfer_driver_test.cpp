@@ -255,7 +255,9 @@ TEST_F(TransferDriverTest, SleepEndsTheWorkerAndKeepsTheQueue) {
   bench.deliver(u"Party"_s, {song(1)});
   bench.board.manualSleepWasConnected = true;
   bench.run();
-  EXPECT_EQ(bench.board.state(), TransferState::Running);
+  EXPECT_FALSE(bench.board.transferComplete());
+  EXPECT_FALSE(bench.board.isCarrying());
+  EXPECT_EQ(bench.view.calls.constLast(), u"transferStateChanged"_s);
   EXPECT_EQ(bench.board.count(), 1);
   EXPECT_TRUE(bench.sent.isEmpty());
   EXPECT_EQ(bench.view.transfersCompleted, 0);

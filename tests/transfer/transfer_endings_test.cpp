@@ -174,6 +174,53 @@ TEST_F(TransferEndingsTest, SleepShowsAQuietWindowAndKeepsTheRecords) {
   EXPECT_TRUE(bench.clock.sleeps.isEmpty());
 }
 
+TEST_F(TransferEndingsTest, CopyThatASleepEndsIsTheFirstOfTheListAfterTheWake) {
+  bench.deliver(u"Party"_s, {song(1), song(2), song(3)});
+  int copies = 0;
+  bench.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (request.program != u"/bin/cp"_s || ++copies < 2) {
+      return std::nullopt;
+    }
+    bench.board.manualSleepWasConnected = true;
+    bench.worker.requestStop();
+    return ToolResult{ToolEnding::Stopped, -1, {}};
+  };
+  bench.run();
+  EXPECT_EQ(copies, 2) << "no further name is tried";
+  EXPECT_EQ(bench.musicTree(), QStringList{u"A/B/A-B-T1.mp3"_s});
+  EXPECT_EQ(bench.board.fileIndex, 1);
+  EXPECT_EQ(bench.view.lastLog, QString()) << "the copy was not wrong";
+  EXPECT_EQ(bench.dropsFinished, 1U);
+}
+
+TEST_F(TransferEndingsTest, ShareThatGoesWithASleepIsNotLost) {
+  bench.deliver(u"Party"_s, {song(1), song(2)});
+  bench.processes.onRun = [this](const ToolRequest &) -> std::optional<ToolResult> {
+    bench.board.manualSleepWasConnected = true;
+    bench.files.unmount(kMountPoint.toString());
+    throw Failure(u"no pipe"_s);
+  };
+  bench.run();
+  EXPECT_EQ(bench.view.lastLog, QString());
+  EXPECT_EQ(bench.board.fileIndex, 0);
+  EXPECT_EQ(bench.board.state(), TransferState::Aborted);
+  EXPECT_EQ(bench.view.transfersCompleted, 0);
+}
+
+TEST_F(TransferEndingsTest, ADropThatWaitedWhenTheMachineSleepsIsKeptForTheList) {
+  const QString later = song(2);
+  bench.deliver(u"Party"_s, {song(1)});
+  bench.onSend = [&] {
+    bench.deliver(u"Later"_s, {later});
+    bench.board.manualSleepWasConnected = true;
+    bench.worker.requestStop();
+  };
+  bench.run();
+  EXPECT_EQ(bench.board.state(), TransferState::Aborted);
+  EXPECT_EQ(bench.board.entriesFrom(bench.board.fileIndex), QList<QueueEntry>({{QueueEntry::Kind::Path, later, {}}}));
+  EXPECT_EQ(bench.dropsFinished, 2U);
+}
+
 TEST_F(TransferEndingsTest, PicturesOfAPlaylistAreNamedBeforeTheClosingLine) {
   bench.files.put(u"/m/p.jpg"_s, "x");
   bench.drop(u"N0PL@YL!ST"_s, {song(1), u"/m/p.jpg"_s});

@@ -8,7 +8,7 @@ namespace sonorel {
 
 DropAnswer TransferBoard::offer(const Drop &drop) {
   const std::lock_guard lock(m_mutex);
-  if (m_state == TransferState::Idle) {
+  if (m_state == TransferState::Idle || m_state == TransferState::Aborted) {
     isCancel = false;
     fileIndex = 0;
     // Drops whose turn never came because the transfer before them was broken off by sleep.
@@ -36,6 +36,11 @@ DropAnswer TransferBoard::offer(const Drop &drop) {
 TransferState TransferBoard::state() const {
   const std::lock_guard lock(m_mutex);
   return m_state;
+}
+
+bool TransferBoard::isCarrying() const {
+  const TransferState now = state();
+  return now == TransferState::Running || now == TransferState::Ending;
 }
 
 void TransferBoard::apply(const Drop &drop) {
@@ -128,6 +133,12 @@ bool TransferBoard::finish() {
   }
   m_state = TransferState::Running;
   return true;
+}
+
+quint32 TransferBoard::abort() {
+  const std::lock_guard lock(m_mutex);
+  m_state = TransferState::Aborted;
+  return std::exchange(m_accepted, 0);
 }
 
 void TransferBoard::resetToIdle() {

@@ -35,9 +35,10 @@ struct Drop {
   bool hasVideoOrPicture = false; // `isVideoFilePresentInItunesData`
 };
 
-enum class TransferState { Idle, Running, Ending };
+// Aborted: by a sleep of the machine. Nothing is carried any more, but it has not completed.
+enum class TransferState { Idle, Running, Ending, Aborted };
 enum class DropAnswer {
-  Started,  // was idle: the caller starts the worker
+  Started,  // nothing was carried: the caller starts the worker
   Appended, // the running worker picks it up
   Waiting,  // the worker is ending: becomes the next transfer
   Refused,  // the running transfer is being cancelled: nothing was changed
@@ -50,6 +51,8 @@ public:
   [[nodiscard]] DropAnswer offer(const Drop &drop);
   [[nodiscard]] TransferState state() const;
   [[nodiscard]] bool transferComplete() const { return state() == TransferState::Idle; }
+  // The worker carries something, or hands in what it has carried.
+  [[nodiscard]] bool isCarrying() const;
 
   // --- flags, written on the controller's thread, read once per item by the worker ---
   std::atomic<bool> isCancel{false};
@@ -69,6 +72,8 @@ public:
   // The end handler's last step: queue emptied, Idle. When a drop waited it becomes the new queue, the state is
   // Running and true is returned: the caller starts the worker again.
   [[nodiscard]] bool finish();
+  // The machine sleeps: the queue is kept, Aborted. Returns the drops that have found their end by it.
+  [[nodiscard]] quint32 abort();
   // Connect: a transfer that never ended (sleep) counts as complete again.
   void resetToIdle();
 

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <csignal>
+#include <poll.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -17,6 +18,7 @@ namespace sonorel {
 namespace {
 
 constexpr int kBusAnswer = 5000; // milliseconds
+constexpr int kPatience = 1000;  // milliseconds
 
 struct KnownApplication {
   QLatin1String busName; // and bundle identifier
@@ -29,6 +31,15 @@ constexpr std::array<KnownApplication, 2> kKnown{
      {kAgentService, u"TrackChute", u"/Applications/Sonorel/Sonorel.app/Contents/Resources/TrackChute.app"}}};
 
 constexpr QStringView kArtworkExporter = u"iTunes"; // the name by which it is asked for
+
+void send(const FileDescriptor &process, int signal) {
+  ::syscall(SYS_pidfd_send_signal, process.get(), signal, nullptr, 0U);
+}
+
+bool hasEndedWithin(const FileDescriptor &process, int milliseconds) {
+  pollfd end{process.get(), POLLIN, 0};
+  return ::poll(&end, 1, milliseconds) == 1;
+}
 
 } // namespace
 
@@ -53,7 +64,11 @@ void DBusApplications::end(const RunningApplication &application) {
   const FileDescriptor process(
       static_cast<int>(::syscall(SYS_pidfd_open, static_cast<pid_t>(application.processId), 0U)));
   if (process.isOpen() && ownerOf(application.bundleIdentifier) == application.processId) {
-    ::syscall(SYS_pidfd_send_signal, process.get(), SIGTERM, nullptr, 0U);
+    send(process, SIGTERM);
+    if (!hasEndedWithin(process, kPatience)) {
+      send(process, SIGKILL);
+      static_cast<void>(hasEndedWithin(process, kPatience));
+    }
   }
 }
 

@@ -17,7 +17,8 @@ public:
   DBusApplications(const QDBusConnection &bus, QString exporter) : m_bus(bus), m_exporter(std::move(exporter)) {}
 
   [[nodiscard]] std::vector<RunningApplication> launched() override;
-  // SIGTERM to the process that still owns the application's name.
+  // The process that still owns the application's name; the name is free when it returns, so that the next one can
+  // take it. A process that does not go when it is asked to is killed after a second.
   void end(const RunningApplication &application) override;
 
 private:

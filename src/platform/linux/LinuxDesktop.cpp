@@ -9,6 +9,7 @@
 #include <QSaveFile>
 #include <QStandardPaths>
 
+#include <algorithm>
 #include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
@@ -54,7 +55,10 @@ QString LinuxDesktop::autostartFolder() const {
 std::vector<LoginItem> LinuxDesktop::loginItems() {
   std::vector<LoginItem> items;
   const QDir folder(autostartFolder());
-  const QStringList names = folder.entryList({u"sonorel*.desktop"_s}, QDir::Files, QDir::Name);
+  QStringList names = folder.entryList({u"sonorel*.desktop"_s}, QDir::Files, QDir::Name);
+  // In the order they were set: the first has no number, and shorter ones are smaller.
+  std::stable_sort(names.begin(), names.end(),
+                   [](const QString &a, const QString &b) { return a.size() < b.size(); });
   for (const QString &name : names) {
     if (const auto item = entryIn(folder.filePath(name))) {
       items.push_back(*item);
@@ -97,6 +101,12 @@ QString LinuxDesktop::commandOf(const LoginItem &item) const {
 }
 
 void LinuxDesktop::removeAgentLoginItems() {
+  auto items = loginItems();
+  const auto agents =
+      std::erase_if(items, [](const LoginItem &item) { return item.path.endsWith(u"/TrackChute.app"_s); });
+  if (agents > 0 && !setLoginItems(items)) {
+    log(u"the drop agent's login item could not be removed"_s);
+  }
   QDir folder(autostartFolder());
   for (const QString &name : {u"trackchute.desktop"_s, u"com.orv.TrackChute.desktop"_s}) {
     if (folder.exists(name) && !folder.remove(name)) {
@@ -106,7 +116,7 @@ void LinuxDesktop::removeAgentLoginItems() {
 }
 
 qint64 LinuxDesktop::spaceNumber() {
-  return -1;
+  return m_desktopNumber.current();
 }
 
 QString LinuxDesktop::systemLanguage() {

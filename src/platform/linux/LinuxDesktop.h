@@ -1,9 +1,11 @@
-// The user's session on Linux: autostart entries, the system's language, documents, the log on standard error (which
-// the journal keeps when the session is its own). Controller's thread, except log, which any thread may call.
+// The user's session on Linux: autostart entries, the desktop's number, the system's language, documents, the log on
+// standard error (which the journal keeps when the session is its own). Controller's thread, except log, which any
+// thread may call.
 #pragma once
 
 #include "platform/Desktop.h"
 #include "platform/linux/ChildProcess.h"
+#include "platform/linux/DesktopNumber.h"
 #include "platform/linux/HostPath.h"
 
 namespace sonorel {
@@ -35,6 +37,7 @@ private:
   [[nodiscard]] bool writeEntry(const QString &file, const LoginItem &item) const;
 
   Places m_places;
+  DesktopNumber m_desktopNumber;
   DetachedChildren m_openers;
 };
 

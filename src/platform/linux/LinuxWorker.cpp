@@ -18,16 +18,22 @@ void LinuxWorker::start(std::function<void(std::stop_token)> body) {
     const std::lock_guard lock(m_mutex);
     m_stop = std::stop_source();
     token = m_stop.get_token();
+    m_isRunning = true;
   }
-  m_thread = std::thread([this, body = std::move(body), token] {
-    try {
-      body(token);
-    } catch (const std::exception &e) {
-      if (m_onFailure) {
-        m_onFailure(e);
-      }
+  m_thread = std::thread([this, body = std::move(body), token] { runBody(body, token); });
+}
+
+void LinuxWorker::runBody(const std::function<void(std::stop_token)> &body, const std::stop_token &token) {
+  try {
+    body(token);
+  } catch (const std::exception &e) {
+    if (m_onFailure) {
+      m_onFailure(e);
     }
-  });
+  }
+  const std::lock_guard lock(m_mutex);
+  m_isRunning = false;
+  m_ended.notify_all();
 }
 
 void LinuxWorker::requestStop() {
@@ -43,6 +49,17 @@ void LinuxWorker::join() {
   if (m_thread.joinable()) {
     m_thread.join();
   }
+}
+
+bool LinuxWorker::joinWithin(std::chrono::milliseconds limit) {
+  {
+    std::unique_lock lock(m_mutex);
+    if (m_thread.joinable() && !m_ended.wait_for(lock, limit, [this] { return !m_isRunning; })) {
+      return false;
+    }
+  }
+  join();
+  return true;
 }
 
 } // namespace sonorel

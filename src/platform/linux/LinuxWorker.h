@@ -1,8 +1,9 @@
-// One background thread at a time. start, join and the destructor belong to one thread; requestStop to any.
+// One background thread at a time. start, both joins and the destructor belong to one thread; requestStop to any.
 #pragma once
 
 #include "platform/Worker.h"
 
+#include <condition_variable>
 #include <exception>
 #include <mutex>
 #include <thread>
@@ -20,12 +21,17 @@ public:
   void start(std::function<void(std::stop_token)> body) override;
   void requestStop() override;
   void join() override;
+  [[nodiscard]] bool joinWithin(std::chrono::milliseconds limit) override;
 
 private:
+  void runBody(const std::function<void(std::stop_token)> &body, const std::stop_token &token);
+
   std::function<void(const std::exception &)> m_onFailure;
   std::thread m_thread;
-  std::mutex m_mutex; // guards m_stop
+  std::mutex m_mutex; // guards everything below
+  std::condition_variable m_ended;
   std::stop_source m_stop;
+  bool m_isRunning = false;
 };
 
 } // namespace sonorel

@@ -221,3 +221,25 @@ TEST(TransferBoard, UpdateReachesEveryRecordOfThePathInOneArrayOnly) {
   board.updateRecords(false, u"/m/a.mp3"_s, [](PlaylistInfo &info) { info.songTransferFlag = u"Y"_s; });
   EXPECT_EQ(board.records(false), (QList<PlaylistInfo>{record(u"New"_s, u"/m/a.mp3"_s, u"Y"_s)}));
 }
+
+TEST(TransferBoard, AbortKeepsTheQueueAndAnswersForItsDrops) {
+  TransferBoard board;
+  EXPECT_EQ(board.offer(dropOf(u"Jazz"_s, {u"/m/a.mp3"_s})), DropAnswer::Started);
+  EXPECT_EQ(board.offer(dropOf(u"Rock"_s, {u"/m/b.mp3"_s})), DropAnswer::Appended);
+  EXPECT_TRUE(board.isCarrying());
+  EXPECT_EQ(board.abort(), 2U);
+  EXPECT_FALSE(board.isCarrying());
+  EXPECT_FALSE(board.transferComplete());
+  EXPECT_EQ(board.count(), 2);
+  EXPECT_EQ(board.acceptedDrops(), 0U);
+}
+
+TEST(TransferBoard, DropAfterAnAbortStartsAnew) {
+  TransferBoard board;
+  EXPECT_EQ(board.offer(dropOf(u"Jazz"_s, {u"/m/a.mp3"_s})), DropAnswer::Started);
+  EXPECT_EQ(board.abort(), 1U);
+  board.clearQueue();
+  EXPECT_EQ(board.offer(dropOf(u"Rock"_s, {u"/m/b.mp3"_s})), DropAnswer::Started);
+  EXPECT_EQ(board.entriesFrom(0), (QList<QueueEntry>{pathEntry(u"/m/b.mp3"_s)}));
+  EXPECT_EQ(board.acceptedDrops(), 1U);
+}

@@ -17,8 +17,8 @@ protected:
   DBusApplications applications{QDBusConnection::sessionBus(), u"/no/such/exporter"_s};
   QProcess other;
 
-  void start(const QString &name) {
-    other.start(QCoreApplication::applicationFilePath(), {u"--own"_s, name});
+  void start(const QString &name, const QString &how = u"--own"_s) {
+    other.start(QCoreApplication::applicationFilePath(), {how, name});
     ASSERT_TRUE(other.waitForReadyRead());
     ASSERT_EQ(other.readAll(), QByteArray("owned\n"));
   }
@@ -68,9 +68,18 @@ TEST_F(DBusApplicationsTest, EndsTheOwnerOfTheName) {
   const auto running = applications.launched();
   ASSERT_EQ(running.size(), 1U);
   applications.end(running[0]);
+  EXPECT_TRUE(applications.launched().empty()) << "the name is free at once";
   EXPECT_TRUE(other.waitForFinished());
   EXPECT_EQ(other.exitStatus(), QProcess::CrashExit); // by the signal
+}
+
+TEST_F(DBusApplicationsTest, EndsOneThatDoesNotObey) {
+  start(u"com.orv.TrackChute"_s, u"--own-stubbornly"_s);
+  const auto running = applications.launched();
+  ASSERT_EQ(running.size(), 1U);
+  applications.end(running[0]);
   EXPECT_TRUE(applications.launched().empty());
+  EXPECT_TRUE(other.waitForFinished());
 }
 
 TEST_F(DBusApplicationsTest, LeavesAProcessAloneThatDoesNotOwnTheName) {

@@ -1,10 +1,11 @@
 // Run as: dbus-run-session -- bus_test. With "--own NAME" it is the other program of a test: it owns that name on the
-// bus until it is ended.
+// bus until it is ended; with "--own-stubbornly NAME" it does not obey SIGTERM.
 #include <QCoreApplication>
 #include <QDBusConnection>
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdio>
 
 namespace {
@@ -22,6 +23,10 @@ int ownName(const char *name) {
 
 int main(int argc, char **argv) {
   const QCoreApplication application(argc, argv);
+  if (argc == 3 && qstrcmp(argv[1], "--own-stubbornly") == 0) {
+    std::signal(SIGTERM, SIG_IGN);
+    return ownName(argv[2]);
+  }
   if (argc == 3 && qstrcmp(argv[1], "--own") == 0) {
     return ownName(argv[2]);
   }

@@ -1,0 +1,130 @@
+// The whole client when the machine sleeps and wakes: idle, connecting, and in a transfer.
+#include "ControllerFixture.h"
+
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace sonorel;
+using namespace sonorel::test;
+using namespace std::chrono_literals;
+
+namespace {
+
+class ControllerSleepTest : public ControllerTest {
+protected:
+  void sleep() {
+    fakes.power.send(PowerMessage::SystemWillSleep);
+    fakes.loop.runPosted();
+  }
+  void wake() {
+    fakes.power.wake();
+    fakes.loop.runPosted();
+  }
+  UserInterfaceState shown() { return fakes.userInterface.last(); }
+};
+
+} // namespace
+
+TEST_F(ControllerSleepTest, DisconnectsBeforeTheMachineSleepsAndDoesNotReconnect) {
+  startConnected();
+  bool wasDelayed = false;
+  fakes.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
+    wasDelayed = wasDelayed || (request.program == u"/sbin/umount"_s && fakes.power.isDelayed);
+    return std::nullopt;
+  };
+  sleep();
+  EXPECT_TRUE(wasDelayed) << "the machine waits for the unmount";
+  EXPECT_FALSE(fakes.power.isDelayed);
+  EXPECT_FALSE(fakes.files.isMounted(kPoint));
+  EXPECT_TRUE(fakes.files.stored(kSystemFolder + u"ClientDisconnected.orv"_s));
+  fakes.processes.requests.clear();
+  wake();
+  fakes.loop.advance(600s);
+  EXPECT_EQ(fakes.processes.programs().count(u"/sbin/mount"_s), 0);
+  EXPECT_EQ(shown().currentTab, 2);
+  EXPECT_EQ(shown().dockImage, u"Disconnect"_s);
+  controller->connect();
+  fakes.loop.runPosted();
+  EXPECT_TRUE(shown().connected);
+}
+
+TEST_F(ControllerSleepTest, EndsThePausesOfAConnectAndLeavesTheWindowQuiet) {
+  selectProduct(u"p@ss"_s);
+  fakes.processes.mountAnswers = {{1, "no route", false}, {1, "no route", false}, {1, "no route", false}};
+  controller = std::make_unique<ApplicationController>(fakes.platform, values);
+  bool first = true;
+  fakes.clock.onSleep = [this, &first] {
+    if (std::exchange(first, false)) {
+      controller->interrupt();
+      fakes.loop.post([this] { fakes.power.send(PowerMessage::SystemWillSleep); });
+    }
+  };
+  controller->start();
+  fakes.loop.runPosted();
+  EXPECT_EQ(fakes.processes.programs().count(u"/sbin/mount"_s), 1) << "no further attempt";
+  EXPECT_TRUE(fakes.userInterface.questions.isEmpty());
+  EXPECT_FALSE(shown().busy);
+  wake();
+  EXPECT_EQ(shown().currentTab, 2);
+}
+
+TEST_F(ControllerSleepTest, ListsWhatWasNotTransferredAndCarriesItWhenItIsDroppedAgain) {
+  startConnected();
+  const QStringList songs{song(u"One"_s), song(u"Two"_s), song(u"Three"_s)};
+  deliver(u"@~Evening@~"_s, songs);
+  int copies = 0;
+  fakes.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (request.program != u"/bin/cp"_s || ++copies != 2) {
+      return std::nullopt;
+    }
+    fakes.power.send(PowerMessage::SystemWillSleep);
+    return ToolResult{ToolEnding::Stopped, -1, {}};
+  };
+  carry();
+  EXPECT_EQ(fakes.worker.limits, QList<std::chrono::milliseconds>{1500ms});
+  EXPECT_FALSE(fakes.files.isMounted(kPoint));
+  EXPECT_FALSE(shown().transferring);
+  EXPECT_EQ(finished, 1U);
+  wake();
+  EXPECT_EQ(shown().messageLog, u"The connection to the product was lost. These items were not transferred:\n"
+                                u"Two.mp3\nThree.mp3\n"_s);
+  EXPECT_EQ(shown().currentTab, 1);
+  EXPECT_EQ(shown().progress, 0);
+  EXPECT_FALSE(shown().cancelEnabled);
+  EXPECT_TRUE(shown().languageEnabled);
+  controller->connect();
+  fakes.loop.runPosted();
+  ASSERT_TRUE(shown().connected);
+  deliver(u"@~Evening@~"_s, songs);
+  carry();
+  EXPECT_EQ(copies, 4) << "what stands on the share is not copied again";
+  EXPECT_EQ(finished, 2U);
+  EXPECT_EQ(shown().messageLog, u"The transfer has ended."_s);
+}
+
+TEST_F(ControllerSleepTest, TransferThatDoesNotEndInTimeIsLeft) {
+  startConnected();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  fakes.worker.hangs = true;
+  sleep();
+  EXPECT_FALSE(fakes.files.isMounted(kPoint));
+  EXPECT_TRUE(fakes.desktop.logged(u"the transfer did not end before the machine sleeps"_s));
+  wake();
+  carry(); // the copy that hung goes on
+  EXPECT_TRUE(fakes.files.tree(kPoint).isEmpty()) << "nothing is written where the share was";
+  EXPECT_EQ(finished, 1U);
+  controller->connect();
+  fakes.loop.runPosted();
+  EXPECT_TRUE(shown().connected);
+}
+
+TEST_F(ControllerSleepTest, MachineThatSleepsWhileTheClientEndsIsNotDelayed) {
+  startConnected();
+  controller->quit();
+  fakes.loop.runPosted();
+  fakes.processes.requests.clear();
+  sleep();
+  wake();
+  EXPECT_EQ(fakes.processes.requests.size(), 0);
+  EXPECT_FALSE(fakes.userInterface.last().connected);
+}

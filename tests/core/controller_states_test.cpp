@@ -1,0 +1,217 @@
+// What is asked of the client in a state that does not expect it.
+#include "ControllerFixture.h"
+#include "platform/Failure.h"
+
+using namespace Qt::Literals::StringLiterals;
+using namespace sonorel;
+using namespace sonorel::test;
+using namespace std::chrono_literals;
+
+namespace {
+
+class ControllerStatesTest : public ControllerTest {
+protected:
+  UserInterfaceState shown() { return fakes.userInterface.last(); }
+  qsizetype mounts() { return fakes.processes.programs().count(u"/sbin/mount"_s); }
+  // Runs what is asked while the controller's thread is in a pause: it waits for its turn.
+  void atThePause(const std::function<void()> &asked) {
+    fakes.clock.onSleep = [this, asked] {
+      const auto now = asked; // the hook goes
+      fakes.clock.onSleep = {};
+      now();
+    };
+  }
+  void failMounts(int times) {
+    fakes.processes.mountAnswers.insert(fakes.processes.mountAnswers.end(), times, MountAnswer{1, "no route", false});
+  }
+};
+
+} // namespace
+
+TEST_F(ControllerStatesTest, TwoConnectsAtOnceAreOne) {
+  startConnected();
+  controller->disconnect();
+  fakes.loop.runPosted();
+  fakes.processes.requests.clear();
+  controller->connect();
+  controller->connect();
+  fakes.loop.runPosted();
+  EXPECT_EQ(mounts(), 1);
+  EXPECT_TRUE(shown().connected);
+  controller->connect();
+  fakes.loop.runPosted();
+  EXPECT_EQ(mounts(), 2) << "a later one connects anew";
+}
+
+TEST_F(ControllerStatesTest, ConnectThatFailsDoesNotBlockTheNext) {
+  startConnected();
+  controller->disconnect();
+  fakes.loop.runPosted();
+  fakes.processes.requests.clear();
+  fakes.processes.onRun = [](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (request.program == u"/sbin/mount"_s) {
+      throw Failure(u"no pipe"_s);
+    }
+    return std::nullopt;
+  };
+  controller->connect();
+  fakes.loop.runPosted();
+  EXPECT_FALSE(shown().connected);
+  fakes.processes.onRun = {};
+  controller->connect();
+  fakes.loop.runPosted();
+  EXPECT_TRUE(shown().connected);
+}
+
+TEST_F(ControllerStatesTest, DropWhileConnectingIsCarriedAfterwards) {
+  selectProduct(u"p@ss"_s);
+  failMounts(1);
+  const QString one = song(u"One"_s);
+  atThePause([this, one] { fakes.loop.post([this, one] { deliver(u"@~Evening@~"_s, {one}); }); });
+  start();
+  ASSERT_TRUE(shown().connected);
+  EXPECT_TRUE(fakes.worker.hasBody());
+  carry();
+  EXPECT_TRUE(fakes.files.exists(u"/Volumes/VB-SHARE$/Music/Mac/anna/Music/The Band-The Album-One.mp3"_s));
+  EXPECT_EQ(finished, 1U);
+}
+
+TEST_F(ControllerStatesTest, DropWhileAConnectFailsIsToldThatNothingIsConnected) {
+  selectProduct(u"p@ss"_s);
+  failMounts(3);
+  const QString one = song(u"One"_s);
+  atThePause([this, one] { fakes.loop.post([this, one] { deliver(u"@~Evening@~"_s, {one}); }); });
+  start();
+  EXPECT_FALSE(fakes.worker.hasBody());
+  EXPECT_EQ(finished, 1U);
+  EXPECT_EQ(shown().currentTab, 2);
+}
+
+TEST_F(ControllerStatesTest, QuitWhileConnectingEndsTheWaitAndTheClient) {
+  selectProduct(u"p@ss"_s);
+  failMounts(3);
+  controller = std::make_unique<ApplicationController>(fakes.platform, values);
+  atThePause([this] { controller->quit(); });
+  controller->start();
+  fakes.loop.runPosted();
+  EXPECT_EQ(mounts(), 1);
+  EXPECT_TRUE(fakes.userInterface.questions.isEmpty());
+  EXPECT_EQ(fakes.userInterface.quitStatus, 0);
+}
+
+TEST_F(ControllerStatesTest, QuitWhileAnAlertIsOpenClosesIt) {
+  selectProduct(u"p@ss"_s);
+  failMounts(3);
+  start();
+  ASSERT_EQ(fakes.userInterface.questions.size(), 1);
+  const quint32 serial = fakes.userInterface.questions.first().serial;
+  controller->quit();
+  controller->answerAlert(serial, 0);
+  fakes.loop.runPosted();
+  EXPECT_EQ(fakes.userInterface.quitStatus, 0);
+  EXPECT_TRUE(fakes.userInterface.questions.isEmpty());
+}
+
+TEST_F(ControllerStatesTest, QuitWhileARemovalIsAskedForRemovesNothing) {
+  startConnected();
+  controller->removeProduct(0, shown().selectedProducts.first());
+  fakes.loop.runPosted();
+  ASSERT_EQ(fakes.userInterface.questions.size(), 1);
+  controller->quit();
+  fakes.loop.runPosted();
+  EXPECT_EQ(fakes.userInterface.quitStatus, 0);
+  EXPECT_EQ(fakes.dictionary(fakes.paths.productsDetailsDictFilePath).value(u"Selected Devices"_s).toList().size(),
+            1);
+}
+
+TEST_F(ControllerStatesTest, NothingIsDoneAfterTheEnd) {
+  startConnected();
+  controller->quit();
+  fakes.loop.runPosted();
+  fakes.processes.requests.clear();
+  controller->connect();
+  controller->disconnect();
+  controller->reopen(false);
+  controller->quit();
+  controller->endRequested();
+  fakes.loop.runPosted();
+  EXPECT_EQ(fakes.processes.requests.size(), 0);
+  EXPECT_EQ(fakes.processes.detached.size(), 1) << "the agent of the start";
+}
+
+TEST_F(ControllerStatesTest, ReopenIsTrueToTheStateItFinds) {
+  startConnected();
+  controller->preferences();
+  controller->windowWillClose();
+  controller->reopen(false);
+  fakes.loop.runPosted();
+  EXPECT_EQ(shown().currentTab, 0);
+  EXPECT_EQ(shown().dockImage, u"Connect"_s);
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  controller->reopen(false);
+  fakes.loop.runPosted();
+  EXPECT_EQ(shown().currentTab, 1);
+  controller->cancel();
+  controller->reopen(false);
+  fakes.loop.runPosted();
+  EXPECT_EQ(shown().currentTab, 0) << "a cancelled transfer does not run";
+  EXPECT_EQ(shown().dockImage, u"Connect"_s);
+  carry();
+  controller->disconnect();
+  controller->reopen(false);
+  fakes.loop.runPosted();
+  EXPECT_EQ(shown().currentTab, 0);
+  EXPECT_EQ(shown().dockImage, u"Disconnect"_s);
+  EXPECT_EQ(fakes.processes.detached.size(), 5) << "the agent is restarted each time";
+}
+
+TEST_F(ControllerStatesTest, DisconnectWaitsForACancelledTransferBeforeItUnmounts) {
+  startConnected();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  bool workerEndedFirst = false;
+  fakes.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (request.program == u"/sbin/umount"_s) {
+      workerEndedFirst = !fakes.worker.hasBody();
+    }
+    return std::nullopt;
+  };
+  controller->cancel();
+  controller->disconnect();
+  fakes.loop.runPosted();
+  EXPECT_TRUE(workerEndedFirst);
+  EXPECT_EQ(finished, 1U);
+  EXPECT_FALSE(shown().connected);
+  EXPECT_FALSE(shown().transferring);
+}
+
+TEST_F(ControllerStatesTest, FailureOfAnAnswerIsLogged) {
+  startConnected();
+  controller->removeProduct(0, shown().selectedProducts.first());
+  fakes.loop.runPosted();
+  ASSERT_EQ(fakes.userInterface.questions.size(), 1);
+  fakes.files.failPath(fakes.paths.productsDetailsDictFilePath, FailureKind::DiskFull);
+  controller->answerAlert(fakes.userInterface.questions.first().serial, 1);
+  fakes.loop.runPosted();
+  EXPECT_TRUE(fakes.desktop.logged(u"Exception in ---> <AppController><"_s));
+  controller->reopen(false);
+  fakes.loop.runPosted();
+  EXPECT_TRUE(shown().windowVisible) << "the client goes on";
+}
+
+TEST_F(ControllerStatesTest, LanguageIsChosenAtOnceEverywhereAlsoWhileConnected) {
+  fakes.files.put(resourceFolder() + u"StringsDeutsch"_s, shipped(u"StringsDeutsch"_s));
+  startConnected();
+  controller->selectLanguage(2);
+  fakes.loop.runPosted();
+  EXPECT_EQ(shown().languageFile, u"StringsDeutsch"_s);
+  EXPECT_EQ(shown().labels.value(u"ConnectionTabText"_s), u"Verbindung"_s);
+  EXPECT_EQ(shown().labels.value(u"AboutLabelText"_s).section(u": "_s, -1), u"Auracore 5"_s);
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  controller->disconnect();
+  fakes.loop.runPosted();
+  ASSERT_EQ(fakes.userInterface.questions.size(), 1);
+  EXPECT_EQ(fakes.userInterface.questions.first().message,
+            u"Die Verbindung zum Gerät Auracore 5 kann jetzt nicht getrennt werden."_s);
+  carry();
+  EXPECT_EQ(shown().messageLog, u"Die Übertragung ist beendet."_s);
+}
