@@ -36,6 +36,8 @@ private:
 bool report(int row, const std::string &what, double measured, double bound, const std::string &unit);
 
 bool transferOf300Tracks();
+bool bigFileOntoShare();
+bool smallFilesOntoShare();
 bool favouritesOf100000Titles();
 bool mergeInto100000Titles();
 bool dropOf20000Paths();
