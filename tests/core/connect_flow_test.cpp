@@ -240,7 +240,7 @@ TEST_F(ConnectTest, StopRequestEndsThePausesWithoutAnAlert) {
 TEST_F(ConnectTest, ConnectsAlsoWhenTheStartMadeNoConnection) {
   prepareShare();
   ConnectFlow fresh(tools, parts, fakes.paths.mainDictPath,
-                    {[] {}, [](const QString &) {}, [] { return false; }, [] {}});
+                    {[] {}, [](const QString &) {}, [] { return false; }, [] {}, [] {}});
   ASSERT_EQ(fresh.checkConnection(), nullptr);
   fresh.onConnect();
   fakes.loop.runPosted();
