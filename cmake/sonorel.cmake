@@ -13,6 +13,8 @@ target_include_directories(sonorel_flags INTERFACE ${CMAKE_SOURCE_DIR}/src)
 if(SONOREL_SANITIZE)
   target_compile_options(sonorel_flags INTERFACE -fsanitize=${SONOREL_SANITIZE} -fno-omit-frame-pointer
     -fno-sanitize-recover=all)
+  # With the sanitizers' checks in between, the optimiser takes values in the standard library for uninitialised.
+  target_compile_options(sonorel_flags INTERFACE -Wno-maybe-uninitialized)
   target_link_options(sonorel_flags INTERFACE -fsanitize=${SONOREL_SANITIZE})
 endif()
 
