@@ -99,10 +99,19 @@ qsizetype endOf(const StoredRecord &record, QByteArrayView content) {
   return reader.position();
 }
 
+// Up to the last record that is whole: one that lacks fields would take those of what follows it.
+StoredList wholeRecords(QByteArrayView content) {
+  StoredList list = storedList(content);
+  while (!list.records.empty() && list.records.back().fieldCount < list.records.back().declaredFields) {
+    list.records.pop_back();
+  }
+  return list;
+}
+
 // The content with a count that is true, and without what cannot be read, so that further records can follow it. A
 // sound content stays byte for byte.
 QByteArray readyToGrow(const QByteArray &content, QStringView tag) {
-  const StoredList list = storedList(content);
+  const StoredList list = wholeRecords(content);
   const QByteArray ownTag = tag.toLatin1();
   ByteWriter ready(content.size() + kTitleOverhead);
   ready.u32(static_cast<quint32>(list.records.size()) + 1);
@@ -121,7 +130,7 @@ public:
   Extension(QByteArrayView stored, const PlayerTraits &player) : m_player(player), m_chunks(storedChunks(stored)) {
     quint32 size = 0;
     const QByteArray content = getRGYBChunk(stored, firstChunkOffset(FavouritesKind::Photos), size);
-    const StoredList list1 = storedList(content);
+    const StoredList list1 = wholeRecords(content);
     if (!list1.count || (list1.records.empty() && list1.damagedAt)) {
       throw Failure(u"the list of lists cannot be read"_s, FailureKind::Damaged);
     }
