@@ -91,6 +91,7 @@ public:
                             session,
                             identifiers,
                             desktop,
+                            {files, propertyLists, desktop, roots.data + QStringLiteral("/Backup")},
                             {[this] { return isConnected(); },
                              [this](const QString &path) {
                                const auto tags = cache.tags(path);

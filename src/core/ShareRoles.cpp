@@ -37,8 +37,11 @@ ShareRoles::ShareRoles(Roles &owner)
       merge({owner.platform.files, owner.platform.propertyLists, owner.platform.clock, owner.platform.desktop,
              owner.settings, owner.session, dictionary, dictionaryFile, rewrite, limits}),
       photoFavourites(owner.platform.desktop, owner.platform.identifiers, owner.session, rewrite),
-      playlists(owner.board, merge, photoFavourites, owner.settings, owner.session, owner.platform.identifiers,
-                owner.platform.desktop, playlistHooks()),
+      playlists(
+          owner.board, merge, photoFavourites, owner.settings, owner.session, owner.platform.identifiers,
+          owner.platform.desktop,
+          {owner.platform.files, owner.platform.propertyLists, owner.platform.desktop, owner.values.backupFolder},
+          playlistHooks()),
       metadataCache(owner.platform.files, owner.platform.metadata),
       transferTools{owner.platform.files, owner.platform.processes, owner.platform.scripts,
                     owner.platform.clock, owner.platform.desktop,   metadataCache,

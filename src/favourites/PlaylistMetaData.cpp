@@ -23,9 +23,10 @@ qint64 currentPlaylistId(const Settings &settings) {
 
 PlaylistMetaData::PlaylistMetaData(TransferBoard &board, FavouritesMerge &merge, PhotoFavourites &photoFavourites,
                                    Settings &settings, const Session &session, Identifiers &identifiers,
-                                   Desktop &desktop, Hooks hooks)
+                                   Desktop &desktop, const UnwrittenTools &unwritten, Hooks hooks)
     : m_board(board), m_merge(merge), m_photoFavourites(photoFavourites), m_settings(settings), m_session(session),
-      m_identifiers(identifiers), m_desktop(desktop), m_hooks(std::move(hooks)) {}
+      m_identifiers(identifiers), m_desktop(desktop), m_hooks(std::move(hooks)),
+      m_unwritten(unwritten, FavouritesKind::Music), m_unwrittenPhotos(unwritten, FavouritesKind::Photos) {}
 
 bool PlaylistMetaData::sendMetaDataForPlaylist(bool photos) {
   try {
@@ -38,8 +39,8 @@ bool PlaylistMetaData::sendMetaDataForPlaylist(bool photos) {
   }
 }
 
-bool PlaylistMetaData::hasUnwritten(bool photos) const {
-  return (photos ? m_unwrittenPhotos : m_unwritten).hasAny(productKey(m_session));
+bool PlaylistMetaData::hasUnwritten(bool photos) {
+  return unwritten(photos).hasAny(productKey(m_session));
 }
 
 bool PlaylistMetaData::retryUnwritten() {
@@ -68,50 +69,56 @@ bool PlaylistMetaData::send(bool photos) {
     return true;
   }
   const QString product = productKey(m_session);
-  std::vector<NewList> lists = photos ? pictureLists(records) : musicLists(records);
+  const std::vector<NewList> lists = photos ? pictureLists(records) : musicLists(records);
   if (photos && lists.empty()) {
     return true; // nothing but ends of albums
   }
+  const bool anyTransferred =
+      std::any_of(lists.begin(), lists.end(), [](const NewList &list) { return !list.titles.empty(); });
+  if (anyTransferred) {
+    unwritten(photos).keep(product, lists); // first: whatever dies from here on, they are not lost
+  }
+  storeNextPlaylistId(lists);
   if (m_hooks.isConnected()) {
     if (write(photos, lists, MergeTry::First)) {
+      if (anyTransferred) {
+        unwritten(photos).forgetLatest(product);
+      }
       return true;
     }
   } else {
     m_desktop.log(u"The playlists were not written: the share is not mounted."_s);
   }
   m_board.clearRecords(photos);
-  if (std::all_of(lists.begin(), lists.end(), [](const NewList &list) { return list.titles.empty(); })) {
-    return true; // nothing was transferred
-  }
-  unwritten(photos).keep(product, std::move(lists));
-  return false;
+  return !anyTransferred;
 }
 
 std::vector<NewList> PlaylistMetaData::musicLists(const QList<PlaylistInfo> &records) {
   const PlaylistDetails details = makePlaylistDetailData(records, m_hooks.album, playerOf(m_session), m_identifiers);
   m_board.replaceRecords(false, details.records);
-  const qint64 first = currentPlaylistId(m_settings);
-  std::vector<NewList> lists = makePlaylistDataArrays(details.records, first, m_identifiers);
+  std::vector<NewList> lists = makePlaylistDataArrays(details.records, currentPlaylistId(m_settings), m_identifiers);
   for (NewList &list : lists) {
     list.titles = details.titles.value(list.name);
   }
-  storeNextPlaylistId(first + static_cast<qint64>(lists.size()));
   return lists;
 }
 
 std::vector<NewList> PlaylistMetaData::pictureLists(const QList<PlaylistInfo> &records) {
-  const qint64 first = currentPlaylistId(m_settings);
-  std::vector<NewList> lists = photoLists(records, first, playerOf(m_session), m_identifiers);
-  const auto albums =
-      std::count_if(lists.begin(), lists.end(), [](const NewList &list) { return !list.name.isEmpty(); });
-  if (albums > 0) {
-    storeNextPlaylistId(first + albums);
+  const PlayerTraits player = playerOf(m_session);
+  qint64 first = currentPlaylistId(m_settings);
+  if (!player.isVaultbox1()) {
+    // Below stand the colour keys. The counter is behind them as soon as a connection has looked at the favourites.
+    first = qMax<qint64>(first, kColourKeys + 1);
   }
-  return lists;
+  return photoLists(records, first, player, m_identifiers);
 }
 
-void PlaylistMetaData::storeNextPlaylistId(qint64 next) {
-  m_settings.set(u"PlaylistID"_s, QString::number(next));
+// The counter moves behind the last list; those of pictures end with an album, never with a separator.
+void PlaylistMetaData::storeNextPlaylistId(const std::vector<NewList> &lists) {
+  if (lists.empty()) {
+    return;
+  }
+  m_settings.set(u"PlaylistID"_s, QString::number(leadingNumber(lists.back().playlistId) + 1));
   try {
     m_settings.save();
   } catch (const Failure &failure) {

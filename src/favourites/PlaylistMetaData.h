@@ -1,6 +1,6 @@
-// Hands the playlists of a finished transfer to the favourites database: builds the lists and merges them. Lists that
-// could not be written are kept for the next try while the same product is connected. Worker thread; retryUnwritten
-// also on the controller's thread while no worker runs. Blocks on the share.
+// Hands the playlists of a finished transfer to the favourites database: builds the lists and merges them. Lists are
+// kept on the client's disk until they are written, for the next try while the same product is connected. Worker
+// thread; retryUnwritten also on the controller's thread while no worker runs. Blocks on the share.
 #pragma once
 
 #include "core/state/TransferBoard.h"
@@ -24,14 +24,15 @@ public:
 
   // All references must outlive the object.
   PlaylistMetaData(TransferBoard &board, FavouritesMerge &merge, PhotoFavourites &photoFavourites, Settings &settings,
-                   const Session &session, Identifiers &identifiers, Desktop &desktop, Hooks hooks);
+                   const Session &session, Identifiers &identifiers, Desktop &desktop,
+                   const UnwrittenTools &unwritten, Hooks hooks);
 
   // What earlier transfers could not write comes first, then the board's records: those of music, or with photos
   // those of pictures. False when the server's favourites do not hold all of it; the reason is logged. What was not
   // written is taken off the board and kept here. Emptying the records otherwise is the driver's.
   [[nodiscard]] bool sendMetaDataForPlaylist(bool photos);
   // Something waits for another try on the product connected now.
-  [[nodiscard]] bool hasUnwritten(bool photos) const;
+  [[nodiscard]] bool hasUnwritten(bool photos);
   // Tries it; false when something still waits after that. True, and nothing is done, while the share is not there.
   bool retryUnwritten();
 
@@ -39,10 +40,10 @@ private:
   [[nodiscard]] bool send(bool photos);
   [[nodiscard]] bool retry(bool photos);
   [[nodiscard]] bool write(bool photos, const std::vector<NewList> &lists, MergeTry kind);
-  // Both take the numbers of the lists from the counter.
+  // Both number the lists from the counter on.
   [[nodiscard]] std::vector<NewList> musicLists(const QList<PlaylistInfo> &records);
   [[nodiscard]] std::vector<NewList> pictureLists(const QList<PlaylistInfo> &records);
-  void storeNextPlaylistId(qint64 next);
+  void storeNextPlaylistId(const std::vector<NewList> &lists);
   [[nodiscard]] UnwrittenPlaylists &unwritten(bool photos) { return photos ? m_unwrittenPhotos : m_unwritten; }
 
   TransferBoard &m_board;

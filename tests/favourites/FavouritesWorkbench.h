@@ -40,6 +40,7 @@ struct FavouritesWorkbench {
     files.makeFolders(client);
     for (int i = 0; i < identifiersUsed; ++i) {
       static_cast<void>(identifiers.generateUUID());
+      static_cast<void>(identifiers.generateUUIDBytes());
     }
     session.setDeviceName(product);
     session.setHardwareAddress(QStringLiteral("00-11-22-33-44-55"));

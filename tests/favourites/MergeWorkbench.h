@@ -28,6 +28,7 @@ struct MergeWorkbench : FavouritesWorkbench {
                             session,
                             identifiers,
                             desktop,
+                            {files, propertyLists, desktop, folder + QStringLiteral("Backup")},
                             {[this] { return connected; }, [this](const QString &path) { return albums.value(path); },
                              [] { return std::stop_token(); }}};
 

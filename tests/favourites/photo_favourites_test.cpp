@@ -102,6 +102,24 @@ TEST_F(PhotoFavouritesTest, AFileOfAnotherModelIsLeftAlone) {
                             "the product \"Auracore 5\""_s));
 }
 
+// Before the first validation the counter stands at 1, as it is shipped.
+TEST_F(PhotoFavouritesTest, TheNumbersOfTheColourKeysAreNoAlbumsNumbers) {
+  const auto numbersAfter = [this](const QString &counter, const QString &product) {
+    files.erase(kServerPhotoFile);
+    client.session.setDeviceName(product);
+    client.settings.set(u"PlaylistID"_s, counter);
+    client.pictureOf(u"Rome"_s, u"/1.jpg"_s);
+    client.endAlbum();
+    client.pictureOf(u"Oslo"_s, u"/2.jpg"_s);
+    EXPECT_TRUE(client.sendPictures());
+    return client.shownPhotos().join(u"; "_s) + u" then "_s + client.settings.text(u"PlaylistID"_s);
+  };
+  EXPECT_EQ(numbersAfter(u"1"_s, u"Auracore 5"_s), u"5 Rome: 1.jpg; 6 : ; 6 Oslo: 2.jpg then 7"_s);
+  EXPECT_EQ(numbersAfter(u"5"_s, u"Auralis 5"_s), u"5 Rome: 1.jpg; 6 : ; 6 Oslo: 2.jpg then 7"_s);
+  EXPECT_EQ(numbersAfter(u"9"_s, u"Auralis 5"_s), u"9 Rome: 1.jpg; 10 : ; 10 Oslo: 2.jpg then 11"_s);
+  EXPECT_EQ(numbersAfter(u"1"_s, u"Vaultbox 1"_s), u"1 Rome: 1.jpg; 2 : ; 2 Oslo: 2.jpg then 3"_s);
+}
+
 TEST_F(PhotoFavouritesTest, OnlyEndsOfAlbumsWriteNothing) {
   client.endAlbum();
   EXPECT_TRUE(client.sendPictures());

@@ -162,6 +162,7 @@ TEST_F(PlaylistMetaDataTest, SettingsThatCannotBeSavedCostNoList) {
 TEST_F(PlaylistMetaDataTest, AnExceptionIsLoggedAndNothingThrown) {
   PlaylistMetaData failing(client.board, client.merge, client.photoFavourites, client.settings, client.session,
                            client.identifiers, client.desktop,
+                           {client.files, client.propertyLists, client.desktop, u"/Client/Backup"_s},
                            {[] { return true; }, [](const QString &) -> QString { throw Failure(u"no tags"_s); },
                             [] { return std::stop_token(); }});
   client.track(u"@!!!Red!!!@"_s, u"1.mp3"_s);

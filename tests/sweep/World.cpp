@@ -128,6 +128,7 @@ Client::Client(World &in)
                m_rewrite, m_limits}),
       m_photoFavourites(desktop, world.identifiers, m_session, m_rewrite),
       m_playlists(board, m_merge, m_photoFavourites, m_settings, m_session, world.identifiers, desktop,
+                  {world.files, world.lists, desktop, kBackup.toString()},
                   {[this] { return isConnected(); },
                    [this](const QString &path) {
                      const auto tags = m_metadata.tags(path);

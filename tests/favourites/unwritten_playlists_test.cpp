@@ -1,0 +1,258 @@
+// Lists that could not be written wait on the client's disk: over the end of the program, for their own product.
+#include "MergeWorkbench.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace sonorel::test {
+
+namespace {
+
+const QString kMusicKept = u"/Client/Backup/_00-11-22-33-44-55/NetMusicFavorites.orv.unwritten-"_s;
+const QString kPhotosKept = u"/Client/Backup/_00-11-22-33-44-55/PhotoFavorites.orv.unwritten-"_s;
+
+class UnwrittenPlaylistsTest : public testing::Test {
+protected:
+  UnwrittenPlaylistsTest() { mountShare(files, u"Auralis 5"_s); }
+
+  // A transfer whose lists could not be written, and the end of the client.
+  void failAndQuit(const QString &playlist, const QString &track) {
+    MergeWorkbench client(files, u"Auralis 5"_s, u"/Client"_s, m_used += 100);
+    client.connected = false;
+    client.track(playlist, track);
+    EXPECT_FALSE(client.send());
+  }
+  [[nodiscard]] QStringList kept() const {
+    QStringList names;
+    const auto backup = files.tree(u"/Client/Backup"_s);
+    for (auto file = backup.begin(); file != backup.end(); ++file) {
+      if (file.key().contains(u".unwritten"_s)) {
+        names.append(file.key());
+      }
+    }
+    return names;
+  }
+
+  FakeFileSystem files;
+  int m_used = 0; // identifiers; no two runs draw the same
+};
+
+} // namespace
+
+TEST_F(UnwrittenPlaylistsTest, AreWrittenByTheNextRunAtItsFirstConnection) {
+  failAndQuit(u"Party"_s, u"a.mp3"_s);
+  failAndQuit(u"@!!!Red!!!@"_s, u"b.mp3"_s);
+  MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 500);
+  EXPECT_TRUE(next.metaData.hasUnwritten(false));
+  EXPECT_FALSE(next.metaData.hasUnwritten(true));
+  EXPECT_TRUE(next.metaData.retryUnwritten());
+  EXPECT_EQ(next.shown().at(0), u"1 Red: Unknown/2"_s);
+  EXPECT_EQ(next.shown().mid(4), QStringList{u"5 @~Party@~: a.mp3/1"_s});
+  EXPECT_FALSE(next.metaData.hasUnwritten(false));
+  EXPECT_EQ(kept(), QStringList());
+}
+
+TEST_F(UnwrittenPlaylistsTest, StandInAFileThatPeopleCanRead) {
+  MergeWorkbench client(files);
+  client.connected = false;
+  client.track(u"Bits & Pieces"_s, u"Björk@@@@@a.mp3"_s);
+  EXPECT_FALSE(client.send());
+  EXPECT_EQ(
+      files.bytes(kMusicKept + u'1'),
+      QByteArray(
+          "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+          "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+          "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+          "<plist version=\"1.0\">\n"
+          "<dict>\n"
+          "\t<key>0</key>\n"
+          "\t<dict>\n"
+          "\t\t<key>Playlist</key>\n"
+          "\t\t<dict>\n"
+          "\t\t\t<key>GUID</key>\n"
+          "\t\t\t<data>\n\t\t\tAAAAAAAAAAAAAAAAAAAAAg==\n\t\t\t</data>\n"
+          "\t\t\t<key>LocationID</key>\n"
+          "\t\t\t<string>6</string>\n"
+          "\t\t\t<key>PlaylistID</key>\n"
+          "\t\t\t<string>1</string>\n"
+          "\t\t\t<key>PlaylistName</key>\n"
+          "\t\t\t<string>Bits &amp; Pieces</string>\n"
+          "\t\t</dict>\n"
+          "\t\t<key>Songs</key>\n"
+          "\t\t<array>\n"
+          "\t\t\t<dict>\n"
+          "\t\t\t\t<key>CheckSum</key>\n"
+          "\t\t\t\t<data>\n\t\t\t\tAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA\n\t\t\t\tAAAA\n\t\t\t\t</data>\n"
+          "\t\t\t\t<key>GUID</key>\n"
+          "\t\t\t\t<data>\n\t\t\t\tAAAAAAAAAAAAAAAAAAAAAQ==\n\t\t\t\t</data>\n"
+          "\t\t\t\t<key>ItemType</key>\n"
+          "\t\t\t\t<string>1</string>\n"
+          "\t\t\t\t<key>SongPath</key>\n"
+          "\t\t\t\t<string>Björk@@@@@a.mp3</string>\n"
+          "\t\t\t</dict>\n"
+          "\t\t</array>\n"
+          "\t</dict>\n"
+          "</dict>\n"
+          "</plist>\n"));
+  EXPECT_EQ(files.mode(u"/Client/Backup/_00-11-22-33-44-55"_s), 0700U);
+}
+
+TEST_F(UnwrittenPlaylistsTest, LeaveNothingBehindWhenTheyAreWrittenAtOnce) {
+  MergeWorkbench client(files);
+  client.track(u"Party"_s, u"a.mp3"_s);
+  EXPECT_TRUE(client.send());
+  client.pictureOf(u"Rome"_s, u"/p/1.jpg"_s);
+  EXPECT_TRUE(client.sendPictures());
+  EXPECT_EQ(kept(), QStringList());
+}
+
+TEST_F(UnwrittenPlaylistsTest, OfPicturesWaitLikeThoseOfMusic) {
+  {
+    MergeWorkbench client(files);
+    client.connected = false;
+    client.pictureOf(u"Rome"_s, u"/Rome/1.jpg"_s);
+    client.endAlbum();
+    client.pictureOf(u"Oslo"_s, u"/Oslo/2.jpg"_s);
+    EXPECT_FALSE(client.sendPictures());
+    EXPECT_TRUE(files.exists(kPhotosKept + u'1'));
+  }
+  MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 500);
+  EXPECT_TRUE(next.metaData.hasUnwritten(true));
+  EXPECT_TRUE(next.metaData.retryUnwritten());
+  EXPECT_EQ(next.shownPhotos(), (QStringList{u"5 Rome: Rome\\1.jpg"_s, u"6 : "_s, u"6 Oslo: Oslo\\2.jpg"_s}));
+  EXPECT_EQ(kept(), QStringList());
+}
+
+TEST_F(UnwrittenPlaylistsTest, WaitForTheirOwnProductOverARestart) {
+  failAndQuit(u"Party"_s, u"a.mp3"_s);
+  {
+    MergeWorkbench other(files, u"Auralis 5"_s, u"/Client"_s, 500);
+    other.session.setHardwareAddress(u"00-00-00-00-00-0B"_s);
+    EXPECT_FALSE(other.metaData.hasUnwritten(false));
+    EXPECT_TRUE(other.metaData.retryUnwritten());
+    EXPECT_FALSE(files.exists(kServerFile));
+    other.connected = false;
+    other.track(u"Other"_s, u"b.mp3"_s);
+    EXPECT_FALSE(other.send());
+  }
+  MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 600);
+  EXPECT_TRUE(next.metaData.retryUnwritten());
+  EXPECT_EQ(next.shown().mid(4), QStringList{u"5 @~Party@~: a.mp3/1"_s});
+  EXPECT_EQ(kept(), QStringList{u"_00-00-00-00-00-0b/NetMusicFavorites.orv.unwritten-1"_s});
+  files.erase(kServerFile); // the share of the other product
+  next.session.setHardwareAddress(u"00-00-00-00-00-0B"_s);
+  EXPECT_TRUE(next.metaData.retryUnwritten());
+  EXPECT_EQ(next.shown().mid(4), QStringList{u"5 @~Other@~: b.mp3/1"_s});
+}
+
+TEST_F(UnwrittenPlaylistsTest, ComeInTheOrderOfTheirTransfersAlsoBehindTheTenth) {
+  QStringList expected;
+  for (int i = 1; i <= 12; ++i) {
+    failAndQuit(u"List %1"_s.arg(i), u"a.mp3"_s);
+    expected.append(u"%1 @~List %2@~: a.mp3/1"_s.arg(i + 4).arg(i));
+  }
+  MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 5000);
+  EXPECT_TRUE(next.metaData.retryUnwritten());
+  EXPECT_EQ(next.shown().mid(4), expected);
+}
+
+TEST_F(UnwrittenPlaylistsTest, StayOnTheDiskWhenTheNextRunCannotWriteThemEither) {
+  failAndQuit(u"First"_s, u"a.mp3"_s);
+  {
+    MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 500);
+    files.failPath(kServerFile, FailureKind::Unknown);
+    next.track(u"Second"_s, u"b.mp3"_s);
+    EXPECT_FALSE(next.send());
+    files.clearFailures();
+  }
+  MergeWorkbench last(files, u"Auralis 5"_s, u"/Client"_s, 600);
+  EXPECT_TRUE(last.metaData.retryUnwritten());
+  EXPECT_EQ(last.shown().mid(4), (QStringList{u"5 @~First@~: a.mp3/1"_s, u"6 @~Second@~: b.mp3/1"_s}));
+}
+
+TEST_F(UnwrittenPlaylistsTest, InADamagedFileAreSetAsideAndTheOthersWritten) {
+  failAndQuit(u"First"_s, u"a.mp3"_s);
+  failAndQuit(u"Second"_s, u"b.mp3"_s);
+  const QByteArray cut = files.bytes(kMusicKept + u'1').chopped(20);
+  for (const QByteArray &damaged : {cut, QByteArray(), QByteArray("<plist version=\"1.0\"><array/></plist>"),
+                                    QByteArray("<plist version=\"1.0\"><dict><key>0</key><dict/></dict></plist>")}) {
+    files.put(kMusicKept + u'1', damaged);
+    MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 500);
+    EXPECT_TRUE(next.metaData.hasUnwritten(false));
+    EXPECT_FALSE(files.exists(kMusicKept + u'1')) << damaged.toStdString();
+    EXPECT_TRUE(next.desktop.logged(u"Lists that wait to be written cannot be read from "_s + kMusicKept + u'1'));
+  }
+  EXPECT_EQ(files.bytes(kMusicKept + u"1.damaged"_s), cut);
+  MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 600);
+  EXPECT_TRUE(next.metaData.retryUnwritten());
+  EXPECT_EQ(next.shown().mid(4), QStringList{u"5 @~Second@~: b.mp3/1"_s});
+}
+
+TEST_F(UnwrittenPlaylistsTest, ThatCannotBeReadNowAreLeftWhereTheyAre) {
+  failAndQuit(u"First"_s, u"a.mp3"_s);
+  for (const QString &path : {kMusicKept + u'1', u"/Client/Backup/_00-11-22-33-44-55"_s}) {
+    MergeWorkbench blind(files, u"Auralis 5"_s, u"/Client"_s, m_used += 100);
+    files.failPath(path, FailureKind::Other);
+    EXPECT_FALSE(blind.metaData.hasUnwritten(false));
+    blind.connected = false;
+    blind.track(u"Second"_s, u"b.mp3"_s);
+    EXPECT_FALSE(blind.send()); // beside what it did not see
+    files.clearFailures();
+    blind.connected = true;
+    EXPECT_TRUE(blind.metaData.retryUnwritten());
+    EXPECT_TRUE(files.exists(kMusicKept + u'1'));
+  }
+  MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, m_used += 100);
+  EXPECT_TRUE(next.metaData.retryUnwritten());
+  EXPECT_EQ(next.shown().last(), u"7 @~First@~: a.mp3/1"_s);
+}
+
+TEST_F(UnwrittenPlaylistsTest, ThatTheDiskRefusesWaitInMemory) {
+  MergeWorkbench client(files);
+  client.connected = false;
+  files.failPath(kMusicKept + u'1', FailureKind::DiskFull);
+  client.track(u"Party"_s, u"a.mp3"_s);
+  EXPECT_FALSE(client.send());
+  EXPECT_TRUE(client.desktop.logged(u"Lists could not be kept on the disk until they are written: "_s));
+  client.connected = true;
+  EXPECT_TRUE(client.metaData.retryUnwritten());
+  EXPECT_EQ(client.shown().mid(4), QStringList{u"5 @~Party@~: a.mp3/1"_s});
+}
+
+TEST_F(UnwrittenPlaylistsTest, ThatStandOnTheServerAlreadyAreNotWrittenTwice) {
+  {
+    MergeWorkbench client(files);
+    client.track(u"Party"_s, u"a.mp3"_s);
+    client.track(u"@!!!Red!!!@"_s, u"b.mp3"_s, u"Gold"_s);
+    files.failPath(kMusicKept + u'1', FailureKind::DiskFull);
+    ASSERT_TRUE(client.send());
+    files.clearFailures();
+  }
+  MergeWorkbench again(files); // draws the same identifiers
+  again.connected = false;
+  again.track(u"Party"_s, u"a.mp3"_s);
+  again.track(u"@!!!Red!!!@"_s, u"b.mp3"_s, u"Gold"_s);
+  EXPECT_FALSE(again.send());
+  MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 500);
+  const QStringList before = next.shown();
+  EXPECT_TRUE(next.metaData.retryUnwritten());
+  EXPECT_EQ(next.shown(), before);
+  EXPECT_EQ(kept(), QStringList());
+}
+
+TEST_F(UnwrittenPlaylistsTest, ComeBackWithEveryCharacter) {
+  const QString odd = u"<&>\"' \t\r\u0001 é 東 🎵 @@@@@ ]]>"_s;
+  MergeWorkbench client(files);
+  client.session.setAU5UTF8Compliant(u"YES"_s);
+  client.connected = false;
+  client.track(odd, odd);
+  EXPECT_FALSE(client.send());
+  MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 500);
+  next.session.setAU5UTF8Compliant(u"YES"_s);
+  ASSERT_TRUE(next.metaData.retryUnwritten());
+  EXPECT_EQ(next.server().back().nameAsRead, odd);
+  EXPECT_EQ(next.server().back().songs.at(0).songPath, u"_&__' \t\r\u0001 é 東 🎵 \\ ]]_"_s);
+}
+
+} // namespace sonorel::test
