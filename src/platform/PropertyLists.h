@@ -4,10 +4,12 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayList>
 #include <QString>
 #include <QVariant>
 
 #include <optional>
+#include <vector>
 
 namespace sonorel {
 
@@ -16,6 +18,11 @@ public:
   virtual ~PropertyLists() = default;
   // XML or binary. A truncated list, a wrong number or a bad base64 text is damaged, never silently empty.
   [[nodiscard]] virtual QVariant decode(const QByteArray &bytes) = 0;
+  // Which keys become values, of the dictionaries at each level, the outermost first: none named wants all of them,
+  // and below the last level nothing is left out.
+  using WantedKeys = std::vector<QByteArrayList>;
+  // As decode, for a long list of which little is wanted. What is left out is checked all the same.
+  [[nodiscard]] virtual QVariant decode(const QByteArray &bytes, const WantedKeys &keys) = 0;
   [[nodiscard]] virtual QByteArray encodeXml(const QVariant &value) = 0;
   [[nodiscard]] virtual QByteArray encodeBinary(const QVariant &value) = 0;
   // A keyed archive of one text, and back; nullopt for anything malformed.

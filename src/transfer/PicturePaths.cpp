@@ -101,7 +101,8 @@ QStringList changePhotosPaths(const QStringList &paths, const QString &homePath,
                               PropertyLists &lists, Desktop &desktop) {
   const QString list = homePath + kLibraryList.toString();
   try {
-    const QVariantMap library = lists.decode(files.read(list, PropertyLists::kSizeLimit)).toMap();
+    const PropertyLists::WantedKeys keys{{"Master Image List"}, {}, {"ImagePath", "ThumbPath"}};
+    const QVariantMap library = lists.decode(files.read(list, PropertyLists::kSizeLimit), keys).toMap();
     const QVariant master = library.value(u"Master Image List"_s);
     if (master.typeId() != QMetaType::QVariantMap) {
       throw Failure(u"there is no \"Master Image List\" inside"_s, FailureKind::Damaged);

@@ -65,6 +65,25 @@ TEST_F(PropertyListsTest, ReadsEveryKindOfValue) {
   EXPECT_EQ(map.value(u"map"_s), QVariant(QVariantMap{{u"k"_s, u"v"_s}}));
 }
 
+TEST_F(PropertyListsTest, LeavesOutWhatIsNotWantedAndChecksItAllTheSame) {
+  const QVariantMap picture{{u"Path"_s, u"/a"_s}, {u"Rating"_s, 5}, {u"More"_s, QVariantMap{{u"x"_s, 1}}}};
+  const QVariantMap map{{u"List"_s, QVariantMap{{u"1"_s, picture}, {u"2"_s, u"no dictionary"_s}}},
+                        {u"Array"_s, QVariantList{picture}},
+                        {u"Other"_s, picture}};
+  for (const QByteArray &bytes : {lists.encodeXml(map), lists.encodeBinary(map)}) {
+    EXPECT_EQ(lists.decode(bytes, {{"List", "Array"}, {}, {"Path", "More", "None"}}),
+              QVariant(QVariantMap{
+                  {u"List"_s,
+                   QVariantMap{{u"1"_s, QVariantMap{{u"Path"_s, u"/a"_s}, {u"More"_s, picture.value(u"More"_s)}}},
+                               {u"2"_s, u"no dictionary"_s}}},
+                  {u"Array"_s, QVariantList{picture}}}));
+    EXPECT_EQ(lists.decode(bytes, {}), QVariant(map));
+  }
+  EXPECT_THROW(
+      (void)lists.decode("<plist version=\"1.0\"><dict><key>a</key><integer>x</integer></dict></plist>", {{"b"}}),
+      Failure);
+}
+
 TEST_F(PropertyListsTest, KeepsValuesInBothForms) {
   const QVariantMap map{{u"data"_s, QByteArray("\x00\xFF\x10", 3)},
                         {u"date"_s, QDateTime(QDate(1999, 12, 31), QTime(23, 59, 59), Qt::UTC)},

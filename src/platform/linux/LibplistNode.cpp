@@ -23,7 +23,12 @@ struct FreeMemory {
 };
 using Memory = std::unique_ptr<char, FreeMemory>;
 
-QVariantMap mapOfNode(plist_t node) {
+bool isWanted(const char *key, std::span<const QByteArrayList> keys) {
+  return keys.empty() || keys.front().isEmpty() || keys.front().contains(QByteArrayView(key));
+}
+
+QVariantMap mapOfNode(plist_t node, std::span<const QByteArrayList> keys) {
+  const auto keysBelow = keys.empty() ? keys : keys.subspan(1);
   QVariantMap map;
   plist_dict_iter created = nullptr;
   plist_dict_new_iter(node, &created);
@@ -36,7 +41,9 @@ QVariantMap mapOfNode(plist_t node) {
     if (!value) {
       return map;
     }
-    map.insert(QString::fromUtf8(key), valueOfNode(value));
+    if (isWanted(key, keys)) {
+      map.insert(QString::fromUtf8(key), valueOfNode(value, keysBelow));
+    }
   }
 }
 
@@ -112,10 +119,10 @@ QString textOfNode(plist_t node) {
   return QString::fromUtf8(text, static_cast<qsizetype>(length));
 }
 
-QVariant valueOfNode(plist_t node) {
+QVariant valueOfNode(plist_t node, std::span<const QByteArrayList> keys) {
   switch (plist_get_node_type(node)) {
   case PLIST_DICT:
-    return mapOfNode(node);
+    return mapOfNode(node, keys);
   case PLIST_ARRAY:
     return listOfNode(node);
   case PLIST_STRING:

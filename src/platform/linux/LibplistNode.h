@@ -2,11 +2,13 @@
 // a CLocale lives in it.
 #pragma once
 
+#include <QByteArrayList>
 #include <QVariant>
 
 #include <clocale>
 #include <memory>
 #include <plist/plist.h>
+#include <span>
 
 namespace sonorel {
 
@@ -33,8 +35,8 @@ private:
   locale_t m_before;
 };
 
-// Throws Failure (Damaged) for a node that no property list of ours holds.
-[[nodiscard]] QVariant valueOfNode(plist_t node);
+// keys: as PropertyLists::WantedKeys. Throws Failure (Damaged) for a node that no property list of ours holds.
+[[nodiscard]] QVariant valueOfNode(plist_t node, std::span<const QByteArrayList> keys = {});
 // Throws Failure for a value that a property list cannot hold.
 [[nodiscard]] PlistNode nodeOfValue(const QVariant &value);
 [[nodiscard]] QString textOfNode(plist_t node); // of a string node

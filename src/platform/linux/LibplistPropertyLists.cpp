@@ -66,7 +66,11 @@ plist_t archivedRoot(plist_t archive) {
 } // namespace
 
 QVariant LibplistPropertyLists::decode(const QByteArray &bytes) {
-  return valueOfNode(parsed(bytes).get());
+  return decode(bytes, {});
+}
+
+QVariant LibplistPropertyLists::decode(const QByteArray &bytes, const WantedKeys &keys) {
+  return valueOfNode(parsed(bytes).get(), keys);
 }
 
 QByteArray LibplistPropertyLists::encodeXml(const QVariant &value) {

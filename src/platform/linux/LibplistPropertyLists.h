@@ -8,6 +8,7 @@ namespace sonorel {
 class LibplistPropertyLists final : public PropertyLists {
 public:
   [[nodiscard]] QVariant decode(const QByteArray &bytes) override;
+  [[nodiscard]] QVariant decode(const QByteArray &bytes, const WantedKeys &keys) override;
   // Keys in the order of their code units. A value that a property list cannot hold (an invalid variant, a text
   // with a NUL character, an unsigned number above 63 bits) is a failure.
   [[nodiscard]] QByteArray encodeXml(const QVariant &value) override;
