@@ -237,3 +237,24 @@ TEST(BinaryPropertyListGuard, RefusesSharedObjectsThatExpandWithoutBound) {
   EXPECT_REFUSED(binaryListOf(objects), "too many values");
   EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(60)); // and not hours
 }
+
+TEST(PropertyListGuard, GivesTheListWithoutWhatIsNotWanted) {
+  const std::vector<QByteArrayList> keys{{"list"}, {}, {"a", "c"}};
+  const auto wanted = [&](const QByteArray &content) {
+    return wantedOfXmlPropertyList("<plist><dict>" + content + "</dict></plist>", keys);
+  };
+  EXPECT_EQ(wanted("<key>x</key><string>list</string> <key>list</key><dict>\n"
+                   "<key>1</key><dict><key>a</key><real>1</real><key>b</key><dict><key>a</key><array/></dict>\n"
+                   "<!-- c --><key/><true/> <key>c</key><array><dict><key>b</key><false/></dict></array></dict>\n"
+                   "<key>2</key><string>b</string></dict><key>y</key><dict/>\n"),
+            "<plist><dict> <key>list</key><dict>\n"
+            "<key>1</key><dict><key>a</key><real>1</real>"
+            " <key>c</key><array><dict><key>b</key><false/></dict></array></dict>\n"
+            "<key>2</key><string>b</string></dict>\n</dict></plist>");
+  EXPECT_EQ(wanted("<key>li&#115;t</key><true/><key><![CDATA[y]]></key><true/>"),
+            "<plist><dict><key>li&#115;t</key><true/><key><![CDATA[y]]></key><true/></dict></plist>");
+  EXPECT_EQ(wantedOfXmlPropertyList("<plist><array><dict><key>x</key><true/></dict></array></plist>", keys),
+            "<plist><array><dict><key>x</key><true/></dict></array></plist>");
+  EXPECT_THROW((void)wanted("<key>x</key><integer>no</integer>"), Failure);
+  EXPECT_THROW((void)wanted("<key>x</key><dict><key>y</key></dict>"), Failure);
+}

@@ -12,16 +12,24 @@ namespace {
 
 constexpr quint64 kArchiveVersion = 100000;
 
-PlistNode parsed(const QByteArray &bytes) {
+// The guard has passed the bytes already.
+plist_t treeOfXml(const QByteArray &bytes) {
+  plist_t node = nullptr;
+  plist_from_xml(bytes.constData(), static_cast<uint32_t>(bytes.size()), &node);
+  return node;
+}
+
+PlistNode parsed(const QByteArray &bytes, std::span<const QByteArrayList> keys = {}) {
   const CLocale locale;
   plist_t node = nullptr;
-  const auto length = static_cast<uint32_t>(bytes.size());
   if (isBinaryPropertyList(bytes)) {
     checkBinaryPropertyList(bytes);
-    plist_from_bin(bytes.constData(), length, &node);
-  } else {
+    plist_from_bin(bytes.constData(), static_cast<uint32_t>(bytes.size()), &node);
+  } else if (keys.empty()) {
     checkXmlPropertyList(bytes);
-    plist_from_xml(bytes.constData(), length, &node);
+    node = treeOfXml(bytes);
+  } else {
+    node = treeOfXml(wantedOfXmlPropertyList(bytes, keys));
   }
   if (!node) {
     refusePropertyList(u"it cannot be parsed"_s);
@@ -70,7 +78,7 @@ QVariant LibplistPropertyLists::decode(const QByteArray &bytes) {
 }
 
 QVariant LibplistPropertyLists::decode(const QByteArray &bytes, const WantedKeys &keys) {
-  return valueOfNode(parsed(bytes).get(), keys);
+  return valueOfNode(parsed(bytes, keys).get(), keys);
 }
 
 QByteArray LibplistPropertyLists::encodeXml(const QVariant &value) {

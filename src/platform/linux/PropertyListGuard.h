@@ -7,6 +7,8 @@
 
 #include <QByteArrayView>
 
+#include <span>
+
 namespace sonorel {
 
 inline constexpr qsizetype kPropertyListObjects = 4'000'000;       // values and keys of an XML list
@@ -20,6 +22,9 @@ inline constexpr quint64 kPropertyListComparedKeys = 100'000'000'000;
 [[nodiscard]] bool isBinaryPropertyList(QByteArrayView bytes);
 // Each throws Failure (Damaged) with the reason and the byte at which it was found.
 void checkXmlPropertyList(QByteArrayView bytes);
+// As checkXmlPropertyList, and gives the list without what is not wanted (PropertyLists::WantedKeys), so that the
+// parser builds no tree of it. A key that is not written in plain characters stays.
+[[nodiscard]] QByteArray wantedOfXmlPropertyList(QByteArrayView bytes, std::span<const QByteArrayList> keys);
 void checkBinaryPropertyList(QByteArrayView bytes);
 
 [[noreturn]] void refusePropertyList(const QString &reason);

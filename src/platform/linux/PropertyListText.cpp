@@ -18,7 +18,7 @@ bool isBase64Character(char c) {
 
 bool isListInteger(QByteArrayView text) {
   bool valid = false;
-  const QByteArray digits = text.trimmed().toByteArray();
+  const QByteArrayView digits = text.trimmed();
   const qsizetype sign = digits.startsWith('-') || digits.startsWith('+') ? 1 : 0;
   if (digits.size() > sign + 1 && digits[sign] == '0' && digits[sign + 1] != 'x' && digits[sign + 1] != 'X') {
     return false; // the parser would read it as octal
@@ -32,7 +32,7 @@ bool isListInteger(QByteArrayView text) {
 }
 
 bool isListReal(QByteArrayView text) {
-  const QByteArray digits = text.trimmed().toByteArray();
+  const QByteArrayView digits = text.trimmed();
   bool valid = false;
   const double value = digits.toDouble(&valid);
   return valid && std::isfinite(value);

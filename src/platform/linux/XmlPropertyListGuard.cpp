@@ -1,9 +1,11 @@
+#include "platform/linux/PropertyListCuts.h"
 #include "platform/linux/PropertyListGuard.h"
 #include "platform/linux/PropertyListText.h"
 
 #include "platform/Failure.h"
 
 #include <array>
+#include <utility>
 #include <vector>
 
 using namespace Qt::Literals::StringLiterals;
@@ -39,10 +41,13 @@ bool isContainer(Element element) {
   return element == Element::Plist || element == Element::Dict || element == Element::Array;
 }
 
-// One pass over the bytes with a stack of open containers; never recursive, allocates only that stack.
+constexpr qsizetype kNoCut = -1;
+
+// One pass over the bytes with a stack of open containers; never recursive, allocates only that stack and the places
+// of what is not wanted.
 class XmlScan {
 public:
-  explicit XmlScan(QByteArrayView bytes) : m_bytes(bytes) {}
+  explicit XmlScan(QByteArrayView bytes, std::span<const QByteArrayList> keys = {}) : m_bytes(bytes), m_cuts(keys) {}
 
   void run() {
     prologue();
@@ -55,12 +60,16 @@ public:
     }
   }
 
+  [[nodiscard]] QByteArray wanted() const { return m_cuts.rest(m_bytes); }
+
 private:
   struct Open {
     Element element;
     qsizetype values = 0; // children, keys not counted
     qsizetype keys = 0;
     bool keyGiven = false; // in a dictionary: a key waits for its value
+    int level = PropertyListCuts::kNoLevel;
+    qsizetype cut = kNoCut; // where the key began whose value is not wanted
   };
   struct Tag {
     Element element;
@@ -69,6 +78,7 @@ private:
   };
 
   QByteArrayView m_bytes;
+  PropertyListCuts m_cuts;
   qsizetype m_at = 0;
   qsizetype m_objects = 0;
   quint64 m_movedBytes = 0;
@@ -128,23 +138,50 @@ private:
   }
 
   void next() {
+    const qsizetype begin = m_at;
     skipBetween();
     const Tag tag = readTag();
     if (tag.end) {
       closeContainer(tag.element);
+      endOfValue();
       return;
     }
     enterChild(tag.element);
-    if (tag.empty) {
-      checkText(tag.element, {});
-    } else if (isContainer(tag.element)) {
-      if (m_open.size() > static_cast<std::size_t>(PropertyLists::kDepthLimit)) {
-        refuse(u"the list is nested more than %1 levels deep"_s.arg(PropertyLists::kDepthLimit));
-      }
-      m_open.push_back({tag.element});
-    } else {
-      leaf(tag.element);
+    if (!tag.empty && isContainer(tag.element)) {
+      openContainer(tag.element);
+      return;
     }
+    QByteArrayView text;
+    if (tag.empty) {
+      checkText(tag.element, text);
+    } else {
+      text = leaf(tag.element);
+    }
+    if (tag.element != Element::Key) {
+      endOfValue();
+    } else if (!m_cuts.isWanted(m_open.back().level, text)) {
+      m_open.back().cut = begin;
+    }
+  }
+
+  void openContainer(Element element) {
+    if (m_open.size() > static_cast<std::size_t>(PropertyLists::kDepthLimit)) {
+      refuse(u"the list is nested more than %1 levels deep"_s.arg(PropertyLists::kDepthLimit));
+    }
+    const Open &parent = m_open.back();
+    Open child{element};
+    if (element == Element::Dict && parent.cut == kNoCut) {
+      child.level = parent.element == Element::Plist ? m_cuts.outermostLevel() : m_cuts.levelBelow(parent.level);
+    }
+    m_open.push_back(child);
+  }
+
+  // What stands in front of a key goes with it.
+  void endOfValue() {
+    if (m_open.empty() || m_open.back().cut == kNoCut) {
+      return;
+    }
+    m_cuts.cut(std::exchange(m_open.back().cut, kNoCut), m_at);
   }
 
   void enterChild(Element element) {
@@ -187,7 +224,7 @@ private:
     m_ended = m_open.empty();
   }
 
-  void leaf(Element element) {
+  QByteArrayView leaf(Element element) {
     const qsizetype start = m_at;
     const qsizetype end = m_bytes.indexOf('<', m_at);
     if (end < 0) {
@@ -208,6 +245,7 @@ private:
       refuse(u"an end tag does not fit its start tag"_s);
     }
     checkText(element, text);
+    return text;
   }
 
   void checkText(Element element, QByteArrayView text) {
@@ -293,6 +331,12 @@ private:
   }
 };
 
+void checkSize(QByteArrayView bytes) {
+  if (bytes.size() > PropertyLists::kSizeLimit) {
+    refusePropertyList(u"the list is larger than %1 bytes"_s.arg(PropertyLists::kSizeLimit));
+  }
+}
+
 // Other encodings would have to be declared; what is not declared is UTF-8.
 void checkEncoding(QByteArrayView bytes) {
   if (!bytes.isValidUtf8()) {
@@ -306,11 +350,17 @@ void checkEncoding(QByteArrayView bytes) {
 } // namespace
 
 void checkXmlPropertyList(QByteArrayView bytes) {
-  if (bytes.size() > PropertyLists::kSizeLimit) {
-    refusePropertyList(u"the list is larger than %1 bytes"_s.arg(PropertyLists::kSizeLimit));
-  }
+  checkSize(bytes);
   checkEncoding(bytes);
   XmlScan(bytes).run();
+}
+
+QByteArray wantedOfXmlPropertyList(QByteArrayView bytes, std::span<const QByteArrayList> keys) {
+  checkSize(bytes);
+  checkEncoding(bytes);
+  XmlScan scan(bytes, keys);
+  scan.run();
+  return scan.wanted();
 }
 
 } // namespace sonorel
