@@ -4,6 +4,8 @@
 #include "transfer/PathNames.h"
 #include "transfer/TrackNames.h"
 
+#include <QScopeGuard>
+
 #include <algorithm>
 #include <atomic>
 #include <memory>
@@ -111,9 +113,11 @@ bool TrackArtwork::mayOpenPlayer(const std::stop_token &stop) {
 int TrackArtwork::answerOfUser(const std::stop_token &stop) {
   m_strings.reload();
   const auto answer = std::make_shared<std::atomic<int>>(kStillOpen);
-  m_view.ask(u"Sonorel"_s, m_strings.text(u"iTunesQuitMessageText"_s),
-             {m_strings.text(u"iTunesQuitOpenText"_s), m_strings.text(u"iTunesQuitCloseText"_s)},
-             [answer](int button) { *answer = button; });
+  const quint32 question =
+      m_view.ask(u"Sonorel"_s, m_strings.text(u"iTunesQuitMessageText"_s),
+                 {m_strings.text(u"iTunesQuitOpenText"_s), m_strings.text(u"iTunesQuitCloseText"_s)},
+                 [answer](int button) { *answer = button; });
+  const auto nobodyWaits = qScopeGuard([this, question] { m_view.withdraw(question); });
   const TransferBoard &board = m_tools.board;
   while (*answer == kStillOpen) {
     if (board.isCancel || board.manualSleepWasConnected || !m_tools.clock.sleep(kLookForAnswer, stop)) {

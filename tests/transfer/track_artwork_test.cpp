@@ -181,6 +181,7 @@ TEST_F(TrackArtworkTest, ACancelASleepOrAnEndCloseTheWait) {
     place();
     EXPECT_EQ(bench.clock.sleeps.size(), 3);
     EXPECT_TRUE(bench.processes.requests.isEmpty());
+    EXPECT_TRUE(bench.view.asked.empty()) << "nobody waits for an answer any more";
   }
 }
 
