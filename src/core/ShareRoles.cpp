@@ -23,7 +23,7 @@ ShareRoles::ShareRoles(Roles &owner)
       discovery(owner.platform.serviceBrowser, products),
       messages(owner.platform.files, owner.platform.desktop, owner.strings, owner.interface, owner.session, folders),
       deviceName(owner.platform.files, owner.platform.propertyLists, owner.platform.desktop, owner.settings,
-                 owner.session, folders, owner.paths.machinePreferences),
+                 owner.session, folders, owner.paths),
       rewrite({owner.platform.files, owner.platform.clock, owner.platform.identifiers, owner.platform.desktop,
                owner.session},
               folders, owner.paths.tempFileLocation, owner.values.backupFolder),
