@@ -83,7 +83,7 @@ ConnectionTools ShareRoles::makeConnectionTools() {
 ProductSelection::Hooks ShareRoles::selectionHooks() {
   ProductSelection::Hooks hooks;
   hooks.isConnected = [this] { return connectFlow.isConnected(); };
-  hooks.onConnect = [this] { connectFlow.onConnect(); };
+  hooks.onConnect = [this] { connect(); };
   hooks.onDisconnect = [this] { connectFlow.onDisconnect(); };
   hooks.showPasswordPanel = [this](bool shown) { roles.interface.showPasswordPanel(shown); };
   hooks.isPasswordPanelOpen = [this] { return roles.interface.state().passwordWanted; };
@@ -199,14 +199,25 @@ void ShareRoles::awaitTransfer() {
   }
 }
 
+void ShareRoles::connect() {
+  connectFlow.onConnect();
+  ++roles.connectsDone;
+}
+
 void ShareRoles::observeNotifications() {
-  Notifications &notifications = roles.platform.notifications;
-  notifications.observe(u"TrackChute_DragRecieved"_s,
-                        [this](const Notification &drag) { intake.handleiTunesDragAndDrop(drag); });
-  notifications.observe(u"iPhoto_DragRecieved"_s,
-                        [this](const Notification &drag) { intake.handleiPhotoDragAndDrop(drag); });
-  notifications.observe(u"safari_drag_Notification"_s,
-                        [this](const Notification &drag) { intake.handleSafariDragAndDrop(drag); });
+  observe(u"TrackChute_DragRecieved"_s, &DropIntake::handleiTunesDragAndDrop);
+  observe(u"iPhoto_DragRecieved"_s, &DropIntake::handleiPhotoDragAndDrop);
+  observe(u"safari_drag_Notification"_s, &DropIntake::handleSafariDragAndDrop);
+}
+
+void ShareRoles::observe(const QString &name, void (DropIntake::*handler)(const Notification &)) {
+  roles.platform.notifications.observe(name, [this, handler](const Notification &drag) {
+    if (roles.quitRequests.isTerminated()) {
+      dropsFinished(1);
+    } else {
+      (intake.*handler)(drag);
+    }
+  });
 }
 
 void ShareRoles::prepareProducts() {
