@@ -295,6 +295,23 @@ TEST_F(VideoItemsTest, AShareThatIsGoneEndsTheTransfer) {
       << bench.view.lastLog.toStdString();
 }
 
+TEST_F(VideoItemsTest, AFilmThatASleepBreaksOffIsTheFirstOfTheListAfterTheWake) {
+  bench.processes.onRun = [this](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (!request.arguments.value(2).startsWith(video)) {
+      return std::nullopt;
+    }
+    bench.board.manualSleepWasConnected = true;
+    return ToolResult{ToolEnding::Stopped, -1, {}};
+  };
+  film(picture(u"/m/A/B/x.avi"_s));
+  EXPECT_EQ(bench.board.state(), TransferState::Aborted);
+  EXPECT_EQ(bench.board.entriesFrom(bench.board.fileIndex),
+            (QList<QueueEntry>{{QueueEntry::Kind::Path, u"/m/A/B/x.avi"_s, {}}}));
+  EXPECT_EQ(bench.view.lastLog, QString());
+  EXPECT_EQ(bench.view.transfersCompleted, 0);
+  EXPECT_EQ(files(video), QStringList());
+}
+
 class MetaDataFileTest : public PictureItemsTest {};
 
 TEST_F(MetaDataFileTest, ReplacesTheOneInTheSystemFolder) {
