@@ -73,6 +73,7 @@ ControllerValues Composition::values(const CompositionOptions &options) {
 ClientActions Composition::actions() {
   ClientActions actions;
   ApplicationController &controller = m_controller;
+  actions.isQuitting = [&controller] { return controller.isQuitting(); };
   actions.reopen = [&controller] { controller.reopen(false); };
   actions.openFiles = [&controller](const QStringList &paths) { controller.openFiles(paths); };
   actions.connect = [&controller] { controller.connect(); };
