@@ -66,7 +66,9 @@ void ClientAdaptor::EnterPassword(const QString &password, const QDBusMessage &m
 }
 
 void ClientAdaptor::CancelPassword() {
-  m_door.actions().cancelPassword();
+  if (m_door.state().passwordWanted) { // it must not close a panel that nobody has seen yet
+    m_door.actions().cancelPassword();
+  }
 }
 
 void ClientAdaptor::AddManualProduct(const QString &address, const QString &hostName, const QDBusMessage &message) {

@@ -171,6 +171,15 @@ TEST_F(DoorTest, TheOldestAlertIsShownAndAnswered) {
   EXPECT_EQ(done, (QStringList{u"answer 3 0"_s, u"answer 4 1"_s}));
 }
 
+// It would wait for the end of a connect, and close the panel that this has opened.
+TEST_F(DoorTest, CancelOfAPasswordThatIsNotWantedIsTakenAndDoesNothing) {
+  UserInterfaceState state;
+  state.busy = true;
+  door.publish(state);
+  EXPECT_EQ(caller.client(u"CancelPassword"_s).type(), QDBusMessage::ReplyMessage);
+  EXPECT_EQ(done, QStringList());
+}
+
 TEST_F(DoorTest, RowsAreRefusedWhenTheyAreNotWhatWasSeen) {
   UserInterfaceState state;
   state.addedProducts = QStringList{u"a"_s, u"b"_s};
