@@ -191,21 +191,29 @@ void InterfaceController::alert(const QString &message, const QString &informati
   ask(message, informativeText, {m_strings.text(u"BtnOk"_s)}, [](int) {});
 }
 
-void InterfaceController::ask(const QString &message, const QString &informativeText, const QStringList &buttons,
-                              std::function<void(int)> answered) {
-  enqueue([=, this, answered = std::move(answered)] { openQuestion(message, informativeText, buttons, answered); });
+quint32 InterfaceController::ask(const QString &message, const QString &informativeText, const QStringList &buttons,
+                                 std::function<void(int)> answered) {
+  const Question question{m_nextSerial++, message, informativeText, buttons};
+  enqueue([this, question, answered = std::move(answered)] { openQuestion(question, answered); });
+  return question.serial;
 }
 
-void InterfaceController::openQuestion(const QString &message, const QString &informativeText,
-                                       const QStringList &buttons, const std::function<void(int)> &answered) {
+void InterfaceController::withdraw(quint32 question) {
+  enqueue([this, question] {
+    if (m_open.erase(question) > 0) {
+      m_userInterface.close(question);
+    }
+  });
+}
+
+void InterfaceController::openQuestion(const Question &question, const std::function<void(int)> &answered) {
   if (m_ended) {
     answered(kNoAnswer);
     return;
   }
   publish();
-  const quint32 serial = m_nextSerial++;
-  m_open[serial] = {static_cast<int>(buttons.size()), answered};
-  m_userInterface.open({serial, message, informativeText, buttons});
+  m_open[question.serial] = {static_cast<int>(question.buttons.size()), answered};
+  m_userInterface.open(question);
 }
 
 void InterfaceController::answerAlert(quint32 serial, int button) {

@@ -102,20 +102,28 @@ void FakeView::alert(const QString &message, const QString &informativeText) {
   calls.append(u"alert "_s + message + u'|' + informativeText);
 }
 
-void FakeView::ask(const QString &message, const QString &informativeText, const QStringList &buttons,
-                   std::function<void(int)> answered) {
+quint32 FakeView::ask(const QString &message, const QString &informativeText, const QStringList &buttons,
+                      std::function<void(int)> answered) {
   std::optional<int> answer;
+  quint32 number = 0;
   {
     const std::lock_guard guard(m_mutex);
     calls.append(u"ask "_s + message + u'|' + informativeText);
     answer = autoAnswer;
+    number = ++m_questions;
     if (!answer) {
-      asked.push_back({message, informativeText, buttons, answered});
+      asked.push_back({message, informativeText, buttons, answered, number});
     }
   }
   if (answer) {
     answered(*answer);
   }
+  return number;
+}
+
+void FakeView::withdraw(quint32 question) {
+  const std::lock_guard guard(m_mutex);
+  std::erase_if(asked, [question](const Asked &open) { return open.number == question; });
 }
 
 void FakeView::transferStateChanged() {

@@ -18,6 +18,7 @@ public:
     QString informativeText;
     QStringList buttons;
     std::function<void(int)> answered;
+    quint32 number = 0;
   };
 
   QStringList calls; // "setProgressBar 50", "setDockIcon Connect", "fillMessageLog text", "alert message|text"
@@ -49,13 +50,15 @@ public:
   void setLanguageEnabled(bool enabled) override;
   void attention() override;
   void alert(const QString &message, const QString &informativeText) override;
-  void ask(const QString &message, const QString &informativeText, const QStringList &buttons,
-           std::function<void(int)> answered) override;
+  quint32 ask(const QString &message, const QString &informativeText, const QStringList &buttons,
+              std::function<void(int)> answered) override;
+  void withdraw(quint32 question) override;
   void transferStateChanged() override;
   void transferComplete() override;
 
 private:
-  mutable std::mutex m_mutex; // guards everything above
+  mutable std::mutex m_mutex; // guards everything
+  quint32 m_questions = 0;
 };
 
 } // namespace sonorel::test
