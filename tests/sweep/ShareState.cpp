@@ -33,14 +33,13 @@ QByteArray textOf(const FavouriteLists &lists) {
 }
 
 // A photo file keeps every album that was ever written: one dropped twice stands there twice, and one whose transfer
-// was broken off has fewer pictures the first time. All albums of a name are taken together. Reading frames a name by
-// its number, and numbers start anew after a connection that was broken off: the frames go.
+// was broken off has fewer pictures the first time. All albums of a name are taken together.
 QByteArray photoText(const QByteArray &bytes, const QString &product) {
   const DecodedFavourites decoded = decodeFavourites(bytes, FavouritesKind::Photos, {product, false});
   QMap<QString, QStringList> albums;
   for (const FavouriteList &list : decoded.lists) {
     for (const FavouriteTitle &title : list.songs) {
-      albums[QString(list.playlistName).remove(kFrame.toString())].append(title.songPath);
+      albums[list.nameAsRead.value_or(QString())].append(title.songPath);
     }
   }
   QStringList lines = decoded.oddities;
