@@ -42,8 +42,7 @@ public:
   void setLanguageEnabled(bool enabled) override;
   void attention() override;
   void alert(const QString &message, const QString &informativeText) override;
-  void ask(const QString &message, const QString &informativeText, const QStringList &buttons,
-           std::function<void(int)> answered) override;
+  void ask(const Question &question, std::function<void(int)> answered) override;
   void transferStateChanged() override;
   void transferComplete() override;
 
@@ -52,6 +51,7 @@ public:
   void setDeviceName(const QString &name);
   void setLabels(const QMap<QString, QString> &labels, const QString &languageFile);
   void setProducts(const ProductTables &tables);
+  void setCheckMark(const QString &glyph);
   void showPasswordPanel(bool shown); // always with an empty field
   void windowWillClose();             // the window is hidden
   void quit(int status);              // the first status counts
@@ -85,8 +85,7 @@ private:
   void publish();
   void showImage(const QString &image);
   void pulsateImage();
-  void openQuestion(const QString &message, const QString &informativeText, const QStringList &buttons,
-                    const std::function<void(int)> &answered);
+  void openQuestion(Question question, const std::function<void(int)> &answered);
 
   Loop &m_loop;
   UserInterface &m_userInterface;

@@ -152,8 +152,10 @@ void StartUp::reportInitFailure(const std::exception &exception) {
     m_state.strings.setLanguageFile(kDefaultLanguageFile.toString());
     m_state.strings.reload();
   }
-  m_view.ask(m_state.strings.text(u"ExceptionText"_s), m_state.strings.text(u"ErrorInitializing"_s),
-             {m_state.strings.text(u"BtnOk"_s)}, [terminate = m_steps.terminate](int) { terminate(); });
+  m_view.ask({.message = m_state.strings.text(u"ExceptionText"_s),
+              .informativeText = m_state.strings.text(u"ErrorInitializing"_s),
+              .buttons = {m_state.strings.text(u"BtnOk"_s)}},
+             [terminate = m_steps.terminate](int) { terminate(); });
 }
 
 void StartUp::awakeFromNib() {

@@ -102,15 +102,14 @@ void FakeView::alert(const QString &message, const QString &informativeText) {
   calls.append(u"alert "_s + message + u'|' + informativeText);
 }
 
-void FakeView::ask(const QString &message, const QString &informativeText, const QStringList &buttons,
-                   std::function<void(int)> answered) {
+void FakeView::ask(const Question &question, std::function<void(int)> answered) {
   std::optional<int> answer;
   {
     const std::lock_guard guard(m_mutex);
-    calls.append(u"ask "_s + message + u'|' + informativeText);
+    calls.append(u"ask "_s + question.message + u'|' + question.informativeText);
     answer = autoAnswer;
     if (!answer) {
-      asked.push_back({message, informativeText, buttons, answered});
+      asked.push_back({question, answered});
     }
   }
   if (answer) {

@@ -13,10 +13,7 @@ namespace sonorel::test {
 
 class FakeView : public View {
 public:
-  struct Asked {
-    QString message;
-    QString informativeText;
-    QStringList buttons;
+  struct Asked : Question {
     std::function<void(int)> answered;
   };
 
@@ -49,8 +46,7 @@ public:
   void setLanguageEnabled(bool enabled) override;
   void attention() override;
   void alert(const QString &message, const QString &informativeText) override;
-  void ask(const QString &message, const QString &informativeText, const QStringList &buttons,
-           std::function<void(int)> answered) override;
+  void ask(const Question &question, std::function<void(int)> answered) override;
   void transferStateChanged() override;
   void transferComplete() override;
 

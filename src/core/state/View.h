@@ -2,8 +2,9 @@
 // and alerts that are opened and answered later. Any thread may call them; each call carries its value.
 #pragma once
 
+#include "platform/UserInterface.h"
+
 #include <QString>
-#include <QStringList>
 
 #include <functional>
 
@@ -28,8 +29,7 @@ public:
   // The standard alert: one "BtnOk" button.
   virtual void alert(const QString &message, const QString &informativeText) = 0;
   // answered runs on the controller's thread with the button's index, or -1 when the program ends first.
-  virtual void ask(const QString &message, const QString &informativeText, const QStringList &buttons,
-                   std::function<void(int)> answered) = 0;
+  virtual void ask(const Question &question, std::function<void(int)> answered) = 0;
   // The transfer's state for everybody who watches, after all values of that transfer.
   virtual void transferStateChanged() = 0;
   virtual void transferComplete() = 0;
