@@ -210,8 +210,9 @@ void ShareRoles::observeNotifications() {
 }
 
 void ShareRoles::prepareProducts() {
-  products.removeDetectedDevices();
+  products.clearDetectedDevices();
   products.load();
+  roles.interface.setCheckMark(roles.startUp.checkMarkString());
 }
 
 bool ShareRoles::registerForPower() {
