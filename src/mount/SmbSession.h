@@ -56,7 +56,7 @@ public:
   void close();
 
 private:
-  enum class LoginTrace { None, Taken, Refused };
+  enum class LoginTrace { None, Taken, Refused, NeverTried };
 
   struct ContextCloser {
     void operator()(SMBCCTX *context) const { ::smbc_free_context(context, 1); }

@@ -258,4 +258,15 @@ TEST_F(Faults, KilledProgramIsClearedAwayByTheNext) {
   }
 }
 
+TEST_F(Faults, KilledProgramIsUnmountedWhateverIsOpen) {
+  put(music("a"), "x");
+  const FileDescriptor file(::open(music("a").c_str(), O_RDONLY));
+  ::kill(programs().front(), SIGKILL);
+  EXPECT_TRUE(allEndWithin(2s));
+  const Ended result = unmount();
+  EXPECT_EQ(result.status, 0) << result.output;
+  EXPECT_EQ(mountType(), "");
+  mounted();
+}
+
 } // namespace sonorel::test
