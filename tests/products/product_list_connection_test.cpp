@@ -79,7 +79,7 @@ TEST_F(ProductListConnectionTest, MissingFileStaysMissing) {
 }
 
 TEST_F(ProductListConnectionTest, AddressFileWithoutAWholeAddressCountsAsNone) {
-  for (const QByteArray &bytes : {QByteArray("00-1A-2B-3C-4D-5E"), QByteArray("a\n00-1A-2B-3C-4D-5"), QByteArray()}) {
+  for (const QByteArray &bytes : {QByteArray("00-1A-2B-3C-4D-5E"), QByteArray("a\n00-1A-2B-3C-4D-E"), QByteArray()}) {
     settings.set(u"MACAdress"_s, bytes);
     put(u"Selected Devices"_s, {active(byHand(u"10.0.0.2"_s))});
     products.updateProductInfoInProductsLists(u"10.0.0.2"_s);

@@ -93,7 +93,7 @@ TEST_F(WakeOnLanTest, OtherSeparatorsAreReadAsDigitsThatCountZero) {
 }
 
 TEST_F(WakeOnLanTest, ShortAddressSendsNothingAndIsToldInTheLog) {
-  put(u"Selected Devices"_s, {active(addressed(byHand(u"10.0.0.2"_s), u"00-1A-2B-3C-4D-5"_s))});
+  put(u"Selected Devices"_s, {active(addressed(byHand(u"10.0.0.2"_s), u"00-1A-2B-3C-4D-E"_s))});
   wake();
   EXPECT_TRUE(datagrams.sent.isEmpty());
   EXPECT_TRUE(clock.sleeps.isEmpty());
