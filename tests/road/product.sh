@@ -1,0 +1,112 @@
+# Sourced by the roads that meet a real product: Samba on this machine, a client that is connected to it through the
+# mount program, and what both hold. As root each road has processes and mounts of its own, which end with it.
+if [ -z "${SONOREL_ROAD_BUS:-}" ] && [ -z "${SONOREL_ROAD_SPACES:-}" ] && [ "$(id -u)" -eq 0 ]; then
+  spaces=(unshare --mount --pid --fork --kill-child --mount-proc)
+  if "${spaces[@]}" true 2>/dev/null; then SONOREL_ROAD_SPACES=1 exec "${spaces[@]}" "$0" "$@"; fi
+fi
+. "$(dirname "${BASH_SOURCE[0]}")/road.sh"
+
+export LC_ALL=C.UTF-8 LANGUAGE=
+standin=$(cd "$(dirname "${BASH_SOURCE[0]}")/../product" && pwd)/standin
+missing=
+command -v smbd >/dev/null || [ -x /usr/sbin/smbd ] || missing="smbd is not installed"
+[ -r /dev/fuse ] && [ -w /dev/fuse ] || missing="/dev/fuse cannot be used"
+skip_road() {
+  [ "$(id -u)" -ne 0 ] || [ ! -e /dev/fuse ] || fail "$1"
+  printf '%s: Skipped\n%s\n' "$0" "$1"
+  exit 77
+}
+[ -z "$missing" ] || skip_road "$missing"
+
+point=$XDG_RUNTIME_DIR/sonorel/Volumes/VB-SHARE\$
+share=$root/product/share
+password='p@ss;100%:x'
+stop_all() {
+  cleanup
+  if grep -qF "$point " /proc/self/mounts; then "$bin/sonorel-umount" -f "$point" || true; fi
+  "$standin" stop "$root/product"
+}
+trap stop_all EXIT
+
+# --- the client ---
+
+is_mounted() { grep -qF " $point fuse.sonorel " /proc/self/mounts; }
+mount_programs() { pgrep -f "sonorel-mount $XDG_RUNTIME_DIR" || true; }
+action() { gdbus call "${door[@]}" --method org.freedesktop.Application.ActivateAction "$1" '[]' '{}' >/dev/null; }
+add_product() { # HOST:PORT
+  call AddManualProduct "" "$1" >/dev/null
+  waits 10 AddedProducts "*$1*"
+  call AddAddedProduct 0 "$1" >/dev/null
+  waits 10 SelectedProducts "*$1*"
+}
+select_product() {
+  local text
+  text=$(property SelectedProducts | grep -o "'[^']*'" | head -n1 | tr -d "'")
+  call SelectProduct 0 "$text" >/dev/null
+}
+is_connected_within() { # SECONDS
+  waits "$1" Connected '(<true>,)'
+  waits "$1" Busy '(<false>,)'
+  is_mounted || fail "connected, but the share is not mounted"
+}
+connect_product() {
+  add_product "localhost:$("$standin" port "$root/product")"
+  select_product
+  waits 20 PasswordWanted '(<true>,)'
+  call EnterPassword "$password" >/dev/null
+  is_connected_within 40
+}
+reconnect() {
+  action connect
+  waits 5 Busy '(<true>,)'
+  is_connected_within 40
+}
+
+# --- time ---
+
+now() { REPLY=$((${EPOCHREALTIME/[^0-9]/} / 1000)); } # milliseconds
+stopwatch=0
+start_stopwatch() { now && stopwatch=$REPLY; }
+within() { # MILLISECONDS WHAT
+  now
+  [ $((REPLY - stopwatch)) -le "$1" ] || fail "$2 took $((REPLY - stopwatch)) ms"
+}
+# Waits for the end of all that was dropped. The door has to answer all the while.
+idle_within() { # SECONDS
+  local end=$((SECONDS + $1)) pending=
+  until [ "$pending" = '(<uint32 0>,)' ] && [ "$(property Transferring)" = '(<false>,)' ]; do
+    [ $SECONDS -lt $end ] || fail "still at work after $1 seconds: $(property MessageLog)"
+    start_stopwatch
+    pending=$(property Pending)
+    [ -n "$pending" ] || fail "the door does not answer"
+    within 1000 "an answer of the door"
+    sleep 0.1
+  done
+}
+
+# --- the product ---
+
+signal_server() { kill "-$1" -- "-$(<"$root/product/pid")"; } # at once, and to all of its processes
+# The mount goes on by itself when the server is back.
+share_answers_within() { # SECONDS
+  local end=$((SECONDS + $1))
+  until stat "$point/System" >/dev/null 2>&1; do
+    [ $SECONDS -lt $end ] || fail "the share does not answer $1 seconds after the server has come back"
+    sleep 0.1
+  done
+}
+# What a list holds without what is different each time: a line for each list, "name (content)|title|title".
+lists() { # FAVOURITES-FILE
+  [ ! -e "$1" ] || "$bin/sonorel-favourites" "$1" |
+    awk 'BEGIN { RS = ""; FS = "\n" } NR > 1 { sub(/^[0-9]+ */, ""); gsub(/\n */, "|"); print }' | sort
+}
+# Name, size, time in seconds and content of all that is kept there but for messages, and what the lists hold.
+product_state() {
+  (
+    cd "$share"
+    find . -type f ! -name '.sonorel-*' ! -name 'Client*.orv' ! -name '*FileCollection.orv' ! -name '*Favorites.orv' \
+      ! -name '*.xml' -printf '%P %s %Ts ' -exec sh -c 'sha256sum <"$1"' sh {} \; | sort
+    [ ! -e System/SonorelCFLContents.xml ] || sed 's/^/colour keys: /' System/SonorelCFLContents.xml
+  )
+  lists "$share/System/NetMusicFavorites.orv"
+}
