@@ -191,17 +191,26 @@ void InterfaceController::alert(const QString &message, const QString &informati
   ask({.message = message, .informativeText = informativeText, .buttons = {m_strings.text(u"BtnOk"_s)}}, [](int) {});
 }
 
-void InterfaceController::ask(const Question &question, std::function<void(int)> answered) {
+quint32 InterfaceController::ask(Question question, std::function<void(int)> answered) {
+  question.serial = m_nextSerial++;
   enqueue([this, question, answered = std::move(answered)] { openQuestion(question, answered); });
+  return question.serial;
 }
 
-void InterfaceController::openQuestion(Question question, const std::function<void(int)> &answered) {
+void InterfaceController::withdraw(quint32 question) {
+  enqueue([this, question] {
+    if (m_open.erase(question) > 0) {
+      m_userInterface.close(question);
+    }
+  });
+}
+
+void InterfaceController::openQuestion(const Question &question, const std::function<void(int)> &answered) {
   if (m_ended) {
     answered(kNoAnswer);
     return;
   }
   publish();
-  question.serial = m_nextSerial++;
   m_open[question.serial] = {static_cast<int>(question.buttons.size()), answered};
   m_userInterface.open(question);
 }

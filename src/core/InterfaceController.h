@@ -12,6 +12,7 @@
 
 #include <QMap>
 
+#include <atomic>
 #include <chrono>
 #include <map>
 #include <memory>
@@ -42,7 +43,8 @@ public:
   void setLanguageEnabled(bool enabled) override;
   void attention() override;
   void alert(const QString &message, const QString &informativeText) override;
-  void ask(const Question &question, std::function<void(int)> answered) override;
+  quint32 ask(Question question, std::function<void(int)> answered) override;
+  void withdraw(quint32 question) override;
   void transferStateChanged() override;
   void transferComplete() override;
 
@@ -85,12 +87,13 @@ private:
   void publish();
   void showImage(const QString &image);
   void pulsateImage();
-  void openQuestion(Question question, const std::function<void(int)> &answered);
+  void openQuestion(const Question &question, const std::function<void(int)> &answered);
 
   Loop &m_loop;
   UserInterface &m_userInterface;
   const TransferBoard &m_board;
   const Strings &m_strings;
+  std::atomic<quint32> m_nextSerial{1};
 
   std::mutex m_mutex; // guards everything down to the empty line
   std::vector<std::function<void()>> m_wanted;
@@ -103,7 +106,6 @@ private:
   Loop::TimerId m_pulsatingTimer = 0;
   bool m_pulsateImageToggler = false;
   std::map<quint32, Open> m_open;
-  quint32 m_nextSerial = 1;
   bool m_ended = false;
   bool m_quitAsked = false;
 };

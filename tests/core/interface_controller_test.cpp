@@ -164,6 +164,23 @@ TEST_F(InterfaceControllerTest, AnswersReachTheirQuestionOnce) {
   EXPECT_EQ(fakes.userInterface.closed, QList<quint32>({2, 1}));
 }
 
+TEST_F(InterfaceControllerTest, WithdrawnQuestionIsClosedUnanswered) {
+  QList<int> answers;
+  const auto note = [&](int button) { answers.append(button); };
+  const quint32 first = interface.ask({.message = u"first"_s, .informativeText = {}, .buttons = {u"OK"_s}}, note);
+  fakes.loop.runPosted();
+  const quint32 second = interface.ask({.message = u"second"_s, .informativeText = {}, .buttons = {u"OK"_s}}, note);
+  interface.withdraw(first);
+  interface.withdraw(second); // not yet open
+  fakes.loop.runPosted();
+  interface.answerAlert(first, 0);
+  interface.withdraw(first);
+  fakes.loop.runPosted();
+  EXPECT_TRUE(fakes.userInterface.questions.isEmpty());
+  EXPECT_EQ(fakes.userInterface.closed, QList<quint32>({1, 2}));
+  EXPECT_EQ(answers, QList<int>());
+}
+
 TEST_F(InterfaceControllerTest, QuestionIsOpenedWithAllThatWasAsked) {
   interface.ask(
       {.message = u"message"_s, .informativeText = {}, .buttons = {u"No"_s, u"Yes"_s}, .helpAnchor = u"Removing"_s},

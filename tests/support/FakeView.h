@@ -46,12 +46,14 @@ public:
   void setLanguageEnabled(bool enabled) override;
   void attention() override;
   void alert(const QString &message, const QString &informativeText) override;
-  void ask(const Question &question, std::function<void(int)> answered) override;
+  quint32 ask(Question question, std::function<void(int)> answered) override;
+  void withdraw(quint32 question) override;
   void transferStateChanged() override;
   void transferComplete() override;
 
 private:
-  mutable std::mutex m_mutex; // guards everything above
+  mutable std::mutex m_mutex; // guards everything
+  quint32 m_questions = 0;
 };
 
 } // namespace sonorel::test
