@@ -225,8 +225,9 @@ void ShareRoles::observe(const QString &name, void (DropIntake::*handler)(const 
 }
 
 void ShareRoles::prepareProducts() {
-  products.removeDetectedDevices();
+  products.clearDetectedDevices();
   products.load();
+  roles.interface.setCheckMark(roles.startUp.checkMarkString());
 }
 
 bool ShareRoles::registerForPower() {

@@ -132,8 +132,9 @@ int TrackArtwork::answerOfUser(const std::stop_token &stop) {
   m_strings.reload();
   const auto answer = std::make_shared<std::atomic<int>>(kStillOpen);
   const quint32 question =
-      m_view.ask(u"Sonorel"_s, m_strings.text(u"iTunesQuitMessageText"_s),
-                 {m_strings.text(u"iTunesQuitOpenText"_s), m_strings.text(u"iTunesQuitCloseText"_s)},
+      m_view.ask({.message = u"Sonorel"_s,
+                  .informativeText = m_strings.text(u"iTunesQuitMessageText"_s),
+                  .buttons = {m_strings.text(u"iTunesQuitOpenText"_s), m_strings.text(u"iTunesQuitCloseText"_s)}},
                  [answer](int button) { *answer = button; });
   const auto nobodyWaits = qScopeGuard([this, question] { m_view.withdraw(question); });
   const TransferBoard &board = m_tools.board;
