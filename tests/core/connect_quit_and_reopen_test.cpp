@@ -92,6 +92,14 @@ TEST_F(QuitAndReopenTest, QuitWithoutAShareIsGrantedDuringATransfer) {
   EXPECT_EQ(pauses(), QList<std::chrono::milliseconds>({1s}));
 }
 
+TEST_F(QuitAndReopenTest, TransferThatASleepHasBrokenOffKeepsNobodyFromQuitting) {
+  connectForTest();
+  beginTransfer();
+  static_cast<void>(board.abort());
+  EXPECT_EQ(quit(), TerminateReply::Now);
+  EXPECT_FALSE(fakes.files.isMounted(point));
+}
+
 TEST_F(QuitAndReopenTest, QuitSavesTheLanguageAndKeepsTheOtherPreferences) {
   EXPECT_EQ(quit(), TerminateReply::Now);
   EXPECT_EQ(fakes.dictionary(fakes.paths.preferences),
