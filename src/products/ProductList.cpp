@@ -223,11 +223,17 @@ std::optional<ProductRecord> ProductList::removeSelectedProduct(const ProductRow
 void ProductList::removeSelectedProduct(const ProductRecord &record) {
   changeForUser(u"RemoveAProductProductsList"_s, [&](QVariantMap &lists) {
     ProductRecords selected = productRecords(lists, kSelectedDevices);
+    const auto sameMarked = [&](bool mark) {
+      return std::find_if(selected.begin(), selected.end(), [&](const ProductRecord &one) {
+        return isActive(one) == mark && sameSelectedProduct(one, record);
+      });
+    };
     auto found = std::find(selected.begin(), selected.end(), record);
+    if (found == selected.end()) {          // written anew since it was chosen: by discovery or by a connection
+      found = sameMarked(isActive(record)); // others may lack a serial number as well
+    }
     if (found == selected.end()) {
-      // Written anew since it was chosen: by discovery or by a connection.
-      found = std::find_if(selected.begin(), selected.end(),
-                           [&](const ProductRecord &one) { return sameSelectedProduct(one, record); });
+      found = sameMarked(!isActive(record)); // another one was chosen
     }
     if (found != selected.end()) {
       selected.erase(found);

@@ -164,6 +164,26 @@ TEST_F(ProductSelectionTest, AnswerMeansTheProductEvenWhenTheRowsHaveMoved) {
   EXPECT_EQ(selected(), QVariantList({passive(second)}));
 }
 
+TEST_F(ProductSelectionTest, AnswerMeansTheActiveProductAlsoWhenOthersLackASerialNumberToo) {
+  const auto other = passive(detected(u"A"_s, u"00-11"_s, u"NOSERIALNUMBERSET"_s));
+  const auto asked = active(detected(u"B"_s, u"00-22"_s, u"NOSERIALNUMBERSET"_s));
+  put(u"Selected Devices"_s, {other, asked});
+  connected = true;
+  selection.RemoveAProductProductsList({1, {}});
+  put(u"Selected Devices"_s, {other, with(asked, u"Mac Address"_s, u"NOMACADDRESS"_s)}); // a connection did it
+  view.answer(1);
+  EXPECT_EQ(selected(), QVariantList({other}));
+}
+
+TEST_F(ProductSelectionTest, AnswerMeansTheProductAlsoWhenAnotherWasChosenMeanwhile) {
+  putActiveAndOther();
+  connected = true;
+  selection.RemoveAProductProductsList({0, {}});
+  put(u"Selected Devices"_s, {passive(first), active(second)});
+  view.answer(1);
+  EXPECT_EQ(selected(), QVariantList({active(second)}));
+}
+
 TEST_F(ProductSelectionTest, ActiveProductGoesAtOnceWhileNothingIsConnected) {
   putActiveAndOther();
   selection.RemoveAProductProductsList({0, {}});
