@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <ctime>
 #include <vector>
 
@@ -12,6 +13,9 @@ namespace sonorel {
 namespace {
 
 constexpr mode_t kIgnored = 0666; // a share keeps no modes
+// How long a part of a block may take on its way before the next is a smaller one, or a larger one.
+constexpr std::chrono::milliseconds kSlow{1500};
+constexpr std::chrono::milliseconds kFast{500};
 
 struct stat factsOfNewFile(const std::string &path) {
   struct stat facts = {};
@@ -129,31 +133,26 @@ int OpenFiles::noteWrite(OpenFile &file, int result) {
 }
 
 int OpenFiles::read(OpenFile &file, char *block, size_t size, off_t offset) {
-  // A connection that went away unnoticed is found out by the first read; nothing is lost, so it is tried again.
-  for (int attempt = 0;; ++attempt) {
-    int result = ensureHandle(file);
-    if (result < 0) {
+  size_t done = 0;
+  for (int attempt = 0; done < size;) {
+    if (const int result = ensureHandle(file); result < 0) {
       return result;
     }
     const std::uint64_t generation = m_session.generation();
-    result = m_session.runOn(file.generation, [&](SMBCCTX *context) -> ssize_t {
-      if (::smbc_getFunctionLseek(context)(context, file.handle, offset, SEEK_SET) < 0) {
-        return -1;
-      }
-      size_t done = 0;
-      while (done < size) {
-        const ssize_t got = ::smbc_getFunctionRead(context)(context, file.handle, block + done, size - done);
-        if (got <= 0) {
-          return got < 0 ? got : static_cast<ssize_t>(done);
-        }
-        done += static_cast<size_t>(got);
-      }
-      return static_cast<ssize_t>(done);
-    });
-    if (result >= 0 || attempt > 0 || file.isDirty || generation == m_session.generation()) {
+    const int result = movePart(file, std::min(m_part, size - done), offset + static_cast<off_t>(done),
+                                [&](SMBCCTX *context, size_t part) {
+                                  return ::smbc_getFunctionRead(context)(context, file.handle, block + done, part);
+                                });
+    if (result == 0) {
+      break; // the end of the file
+    }
+    done += static_cast<size_t>(std::max(result, 0));
+    // A connection that went away unnoticed is found out by the first read; nothing is lost, so it is tried again.
+    if (result < 0 && (attempt++ > 0 || file.isDirty || generation == m_session.generation())) {
       return result;
     }
   }
+  return static_cast<int>(done);
 }
 
 int OpenFiles::write(OpenFile &file, const char *block, size_t size, off_t offset) {
@@ -161,28 +160,36 @@ int OpenFiles::write(OpenFile &file, const char *block, size_t size, off_t offse
     return result;
   }
   file.isDirty = true;
-  const int result = m_session.runOn(file.generation, [&](SMBCCTX *context) -> ssize_t {
-    if (::smbc_getFunctionLseek(context)(context, file.handle, offset, SEEK_SET) < 0) {
-      return -1;
+  for (size_t done = 0; done < size;) {
+    const int result = movePart(file, std::min(m_part, size - done), offset + static_cast<off_t>(done),
+                                [&](SMBCCTX *context, size_t part) {
+                                  return ::smbc_getFunctionWrite(context)(context, file.handle, block + done, part);
+                                });
+    if (result <= 0) {
+      return noteWrite(file, result < 0 ? result : -EIO);
     }
-    size_t done = 0;
-    while (done < size) {
-      const ssize_t sent = ::smbc_getFunctionWrite(context)(context, file.handle, block + done, size - done);
-      if (sent <= 0) {
-        return -1;
-      }
-      done += static_cast<size_t>(sent);
-    }
-    return static_cast<ssize_t>(done);
-  });
-  if (result >= 0 && file.ownFacts) {
+    done += static_cast<size_t>(result);
+  }
+  if (file.ownFacts) {
     file.ownFacts->st_size = std::max<off_t>(file.ownFacts->st_size, offset + static_cast<off_t>(size));
     ::clock_gettime(CLOCK_REALTIME, &file.ownFacts->st_mtim);
   }
-  if (result >= 0) {
-    file.laterTimes.reset(); // a write makes times of its own
+  file.laterTimes.reset(); // a write makes times of its own
+  return static_cast<int>(size);
+}
+
+template <typename Move> int OpenFiles::movePart(OpenFile &file, size_t size, off_t offset, Move move) {
+  const auto start = std::chrono::steady_clock::now();
+  const int result = m_session.runOn(file.generation, [&](SMBCCTX *context) -> ssize_t {
+    return ::smbc_getFunctionLseek(context)(context, file.handle, offset, SEEK_SET) < 0 ? -1 : move(context, size);
+  });
+  const auto time = std::chrono::steady_clock::now() - start;
+  if (time > kSlow) {
+    m_part = std::max(m_part / 2, kSmallestPart);
+  } else if (size == m_part && time < kFast) {
+    m_part = std::min(m_part * 2, kLargestPart);
   }
-  return noteWrite(file, result);
+  return result;
 }
 
 int OpenFiles::truncate(OpenFile &file, off_t size) {

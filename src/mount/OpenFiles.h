@@ -59,10 +59,16 @@ private:
   [[nodiscard]] int openHandle(OpenFile &file, int flags);
   [[nodiscard]] int ensureHandle(OpenFile &file);
   [[nodiscard]] int closeHandle(OpenFile &file);
+  // One operation on that place of the file; how long it took decides about the size of the next.
+  template <typename Move> [[nodiscard]] int movePart(OpenFile &file, size_t size, off_t offset, Move move);
   // Remembers an error of a write, which the program may not look at before its close().
   int noteWrite(OpenFile &file, int result);
 
+  static constexpr size_t kSmallestPart = 64 * 1024;
+  static constexpr size_t kLargestPart = 1024 * 1024;
+
   SmbSession &m_session;
+  size_t m_part = 2 * kSmallestPart; // so little that a slow road does not make an operation meet its limit
   std::unordered_multimap<std::string, std::unique_ptr<OpenFile>> m_files;
 };
 
