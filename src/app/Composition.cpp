@@ -1,6 +1,7 @@
 #include "app/Composition.h"
 
 #include "platform/Failure.h"
+#include "transfer/TrackArtwork.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -21,7 +22,9 @@ Composition::Composition(const CompositionOptions &options, const QDBusConnectio
       m_files(options.roots, options.temporaryMark, [this](const QString &line) { m_desktop.log(line); }),
       m_filesInFront(options.filesInFront ? options.filesInFront(m_files) : nullptr),
       m_usedFiles(m_filesInFront ? *m_filesInFront : m_files),
-      m_processes(options.roots, {.embeddedProduct = options.embeddedProduct},
+      m_processes(options.roots,
+                  {.embeddedProduct = options.embeddedProduct,
+                   .artworkTemporaryName = artworkTemporaryName(options.temporaryMark)},
                   [this](const QString &line) { m_desktop.log(line); }),
       m_clock(options.pauseScale), m_loop(failureLog(u"an operation"_s)), m_worker(failureLog(u"a transfer"_s)),
       m_applications(bus, options.roots.scripts + u"/SaveToFolder_jpegonly.scpt"_s),

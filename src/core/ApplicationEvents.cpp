@@ -29,7 +29,7 @@ TerminateReply ApplicationEvents::applicationShouldTerminate() {
   } else {
     m_parts.interface.setDockIcon(kQuittingImage);
   }
-  m_parts.products.removeDetectedDevices();
+  m_parts.products.clearDetectedDevices();
   return TerminateReply::Now;
 }
 

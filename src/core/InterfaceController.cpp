@@ -188,12 +188,11 @@ void InterfaceController::whenShown(std::function<void()> told) {
 // --- questions ---
 
 void InterfaceController::alert(const QString &message, const QString &informativeText) {
-  ask(message, informativeText, {m_strings.text(u"BtnOk"_s)}, [](int) {});
+  ask({.message = message, .informativeText = informativeText, .buttons = {m_strings.text(u"BtnOk"_s)}}, [](int) {});
 }
 
-quint32 InterfaceController::ask(const QString &message, const QString &informativeText, const QStringList &buttons,
-                                 std::function<void(int)> answered) {
-  const Question question{m_nextSerial++, message, informativeText, buttons};
+quint32 InterfaceController::ask(Question question, std::function<void(int)> answered) {
+  question.serial = m_nextSerial++;
   enqueue([this, question, answered = std::move(answered)] { openQuestion(question, answered); });
   return question.serial;
 }
@@ -262,6 +261,10 @@ void InterfaceController::setProducts(const ProductTables &tables) {
     put(&UserInterfaceState::dockMenuProducts, tables.dockMenu);
     put(&UserInterfaceState::activeProduct, static_cast<int>(tables.active));
   });
+}
+
+void InterfaceController::setCheckMark(const QString &glyph) {
+  enqueue([this, glyph] { put(&UserInterfaceState::checkMark, glyph); });
 }
 
 void InterfaceController::showPasswordPanel(bool shown) {

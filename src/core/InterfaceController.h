@@ -43,8 +43,7 @@ public:
   void setLanguageEnabled(bool enabled) override;
   void attention() override;
   void alert(const QString &message, const QString &informativeText) override;
-  quint32 ask(const QString &message, const QString &informativeText, const QStringList &buttons,
-              std::function<void(int)> answered) override;
+  quint32 ask(Question question, std::function<void(int)> answered) override;
   void withdraw(quint32 question) override;
   void transferStateChanged() override;
   void transferComplete() override;
@@ -54,6 +53,7 @@ public:
   void setDeviceName(const QString &name);
   void setLabels(const QMap<QString, QString> &labels, const QString &languageFile);
   void setProducts(const ProductTables &tables);
+  void setCheckMark(const QString &glyph);
   void showPasswordPanel(bool shown); // always with an empty field
   void windowWillClose();             // the window is hidden
   void quit(int status);              // the first status counts

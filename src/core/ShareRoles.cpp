@@ -44,7 +44,8 @@ ShareRoles::ShareRoles(Roles &owner)
                     owner.platform.clock, owner.platform.desktop,   metadataCache,
                     owner.board,          owner.values.homePath},
       artwork(transferTools, owner.platform.runningApplications, owner.strings, owner.interface, folders,
-              {owner.paths.bundle, owner.paths.appDataFolder, owner.paths.artworkHandOver}),
+              {owner.paths.bundle, owner.paths.appDataFolder, owner.paths.artworkHandOver,
+               artworkTemporaryName(owner.values.temporaryMark)}),
       transfer(transferTools, folders, transferArtwork()),
       driver(transferTools, transfer, owner.log, owner.strings, owner.session, owner.interface, owner.platform.worker,
              folders, owner.paths.mainDictPath, driverHooks()),
@@ -221,8 +222,9 @@ void ShareRoles::observe(const QString &name, void (DropIntake::*handler)(const 
 }
 
 void ShareRoles::prepareProducts() {
-  products.removeDetectedDevices();
+  products.clearDetectedDevices();
   products.load();
+  roles.interface.setCheckMark(roles.startUp.checkMarkString());
 }
 
 bool ShareRoles::registerForPower() {

@@ -13,12 +13,8 @@ namespace sonorel::test {
 
 class FakeView : public View {
 public:
-  struct Asked {
-    QString message;
-    QString informativeText;
-    QStringList buttons;
+  struct Asked : Question {
     std::function<void(int)> answered;
-    quint32 number = 0;
   };
 
   QStringList calls; // "setProgressBar 50", "setDockIcon Connect", "fillMessageLog text", "alert message|text"
@@ -50,8 +46,7 @@ public:
   void setLanguageEnabled(bool enabled) override;
   void attention() override;
   void alert(const QString &message, const QString &informativeText) override;
-  quint32 ask(const QString &message, const QString &informativeText, const QStringList &buttons,
-              std::function<void(int)> answered) override;
+  quint32 ask(Question question, std::function<void(int)> answered) override;
   void withdraw(quint32 question) override;
   void transferStateChanged() override;
   void transferComplete() override;
