@@ -5,14 +5,19 @@
 
 #include <QUrl>
 
+#include <algorithm>
+#include <iterator>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
 
 ApplicationAdaptor::ApplicationAdaptor(Door &door) : QDBusAbstractAdaptor(&door), m_door(door) {}
 
-void ApplicationAdaptor::Activate(const QVariantMap & /*platformData*/) {
-  m_door.actions().reopen();
+void ApplicationAdaptor::Activate(const QVariantMap & /*platformData*/, const QDBusMessage &message) {
+  if (!m_door.refuses(message, Needs::NotQuitting)) {
+    m_door.actions().reopen();
+  }
 }
 
 void ApplicationAdaptor::Open(const QStringList &uris, const QVariantMap & /*platformData*/,
@@ -26,35 +31,34 @@ void ApplicationAdaptor::Open(const QStringList &uris, const QVariantMap & /*pla
   }
   if (paths.isEmpty()) {
     refuse(m_door.bus(), message, DoorError::Invalid, u"there is no \"file:\" URI among them"_s);
-    return;
+  } else if (!m_door.refuses(message, Needs::NotQuitting)) {
+    m_door.actions().openFiles(paths);
   }
-  m_door.actions().openFiles(paths);
 }
 
 void ApplicationAdaptor::ActivateAction(const QString &name, const QVariantList & /*parameter*/,
                                         const QVariantMap & /*platformData*/, const QDBusMessage &message) {
+  struct Action {
+    QStringView name;
+    Needs needs;
+    const std::function<void()> &operation;
+  };
   const ClientActions &actions = m_door.actions();
-  const UserInterfaceState &state = m_door.state();
-  if (name == u"cancel") {
-    actions.cancel();
-  } else if (name == u"quit") {
-    actions.quit();
-  } else if (name == u"help") {
-    actions.help();
-  } else if (name == u"products") {
-    actions.products();
-  } else if (name == u"preferences") {
-    actions.preferences();
-  } else if (name != u"connect" && name != u"disconnect") {
+  const Action all[] = {
+      {u"cancel", Needs::Nothing, actions.cancel},
+      {u"quit", Needs::Nothing, actions.quit},
+      {u"help", Needs::NotQuitting, actions.help},
+      {u"products", Needs::NotQuitting, actions.products},
+      {u"preferences", Needs::NotQuitting, actions.preferences},
+      {u"disconnect", Needs::NotConnecting, actions.disconnect},
+      {u"connect", Needs::NotTransferring, actions.connect},
+  };
+  const auto *const found =
+      std::find_if(std::begin(all), std::end(all), [&name](const Action &action) { return action.name == name; });
+  if (found == std::end(all)) {
     refuse(m_door.bus(), message, DoorError::Invalid, u"there is no action \"%1\""_s.replace(u"%1"_s, name));
-  } else if (state.busy) {
-    refuse(m_door.bus(), message, DoorError::Busy, u"the client is connecting"_s);
-  } else if (name == u"disconnect") {
-    actions.disconnect();
-  } else if (state.transferring) {
-    refuse(m_door.bus(), message, DoorError::Busy, u"a transfer is running"_s);
-  } else {
-    actions.connect();
+  } else if (!m_door.refuses(message, found->needs)) {
+    found->operation();
   }
 }
 

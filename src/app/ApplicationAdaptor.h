@@ -19,7 +19,7 @@ public:
   explicit ApplicationAdaptor(Door &door);
 
 public Q_SLOTS:
-  void Activate(const QVariantMap &platformData);
+  void Activate(const QVariantMap &platformData, const QDBusMessage &message);
   void Open(const QStringList &uris, const QVariantMap &platformData, const QDBusMessage &message);
   void ActivateAction(const QString &name, const QVariantList &parameter, const QVariantMap &platformData,
                       const QDBusMessage &message);

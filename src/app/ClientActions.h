@@ -10,7 +10,8 @@
 namespace sonorel {
 
 struct ClientActions {
-  std::function<void()> reopen; // a click on the dock icon
+  std::function<bool()> isQuitting = [] { return false; }; // asked to quit, and not refused
+  std::function<void()> reopen;                            // a click on the dock icon
   std::function<void(QStringList)> openFiles;
   std::function<void()> connect;
   std::function<void()> disconnect;

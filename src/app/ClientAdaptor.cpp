@@ -28,16 +28,9 @@ QString ClientAdaptor::version() const {
   return u"1.24.04.0000"_s;
 }
 
-bool ClientAdaptor::refusedWhileBusy(const QDBusMessage &message) const {
-  if (m_door.state().busy) {
-    refuse(m_door.bus(), message, DoorError::Busy, u"the client is connecting"_s);
-  }
-  return m_door.state().busy;
-}
-
 void ClientAdaptor::onRow(const QStringList &rows, int row, const QString &text, const QDBusMessage &message,
                           const std::function<void(int, QString)> &action) const {
-  if (refusedWhileBusy(message)) {
+  if (m_door.refuses(message, Needs::NotConnecting)) {
     return;
   }
   if (row < 0) {
@@ -58,12 +51,10 @@ void ClientAdaptor::AnswerAlert(uint serial, int button, const QDBusMessage &mes
 }
 
 void ClientAdaptor::EnterPassword(const QString &password, const QDBusMessage &message) {
-  if (refusedWhileBusy(message)) {
+  if (m_door.refuses(message, Needs::NotTransferring)) {
     return;
   }
-  if (m_door.state().transferring) {
-    refuse(m_door.bus(), message, DoorError::Busy, u"a transfer is running"_s);
-  } else if (!m_door.state().passwordWanted) {
+  if (!m_door.state().passwordWanted) {
     refuse(m_door.bus(), message, DoorError::Invalid, u"no password is wanted"_s);
   } else if (password.isEmpty()) {
     refuse(m_door.bus(), message, DoorError::Invalid, u"the password is empty"_s);
@@ -75,11 +66,13 @@ void ClientAdaptor::EnterPassword(const QString &password, const QDBusMessage &m
 }
 
 void ClientAdaptor::CancelPassword() {
-  m_door.actions().cancelPassword();
+  if (m_door.state().passwordWanted) { // it must not close a panel that nobody has seen yet
+    m_door.actions().cancelPassword();
+  }
 }
 
 void ClientAdaptor::AddManualProduct(const QString &address, const QString &hostName, const QDBusMessage &message) {
-  if (refusedWhileBusy(message)) {
+  if (m_door.refuses(message, Needs::NotConnecting)) {
     return;
   }
   if (address.isEmpty() && hostName.isEmpty()) {
@@ -114,13 +107,13 @@ void ClientAdaptor::RemoveAddedProduct(int row, const QString &text, const QDBus
 }
 
 void ClientAdaptor::RemoveAllProducts(const QDBusMessage &message) {
-  if (!refusedWhileBusy(message)) {
+  if (!m_door.refuses(message, Needs::NotConnecting)) {
     m_door.actions().removeAllProducts();
   }
 }
 
 void ClientAdaptor::SelectLanguage(int index, const QDBusMessage &message) {
-  if (refusedWhileBusy(message)) {
+  if (m_door.refuses(message, Needs::NotConnecting)) {
     return;
   }
   const qsizetype languages = languageFiles().size();

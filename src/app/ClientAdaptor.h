@@ -66,8 +66,6 @@ Q_SIGNALS:
   void TransferComplete();
 
 private:
-  // True when the request was refused.
-  [[nodiscard]] bool refusedWhileBusy(const QDBusMessage &message) const;
   void onRow(const QStringList &rows, int row, const QString &text, const QDBusMessage &message,
              const std::function<void(int, QString)> &action) const;
 

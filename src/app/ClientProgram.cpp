@@ -21,6 +21,16 @@ void say(const QString &text) {
   std::fputs((u"sonoreld: "_s + text + u'\n').toUtf8().constData(), stderr);
 }
 
+// Of a start that does not become the client.
+int endedBy(Turn turn, const QString &data) {
+  if (turn == Turn::StillQuitting) {
+    say(u"the client that runs was asked to quit and has not ended; start again later"_s);
+  } else if (turn == Turn::NoAnswer) {
+    say(u"another client uses %1 and does not answer on this session bus"_s.arg(data));
+  }
+  return turn == Turn::Theirs || turn == Turn::GivenUp ? kEnded : kFailed;
+}
+
 int runAlone(const CompositionOptions &options, const QDBusConnection &bus, EndRequests &endRequests) {
   Composition composition(options, bus, [](int status) { QCoreApplication::exit(status); });
   endRequests.observe(bus, [&composition] { composition.requestQuit(); });
@@ -50,13 +60,17 @@ int runClient(CompositionOptions options) {
   try {
     prepareDataFolders(options.roots);
     LinuxFileSystem files(options.roots);
-    const auto lock = files.lock(options.roots.data + u"/client.lock"_s);
-    if (!lock || isClientOn(bus)) {
-      if (activateFirstClient(bus)) {
-        return kEnded;
-      }
-      say(u"another client uses %1 and does not answer on this session bus"_s.arg(options.roots.data));
-      return kFailed;
+    std::unique_ptr<FileLock> lock;
+    const Turn turn =
+        awaitTurn(bus, {[&] {
+                          if (!lock) {
+                            lock = files.lock(options.roots.data + u"/client.lock"_s);
+                          }
+                          return lock != nullptr;
+                        },
+                        [&](std::chrono::milliseconds time) { return !endRequests.arrivesWithin(time); }});
+    if (turn != Turn::Ours) {
+      return endedBy(turn, options.roots.data);
     }
     options.temporaryMark = temporaryMark(options.roots.data);
     return runAlone(options, bus, endRequests);

@@ -1,6 +1,7 @@
 #include "app/Composition.h"
 
 #include "platform/Failure.h"
+#include "transfer/TrackArtwork.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -19,13 +20,17 @@ HostPath hostPathOf(const Roots &roots) {
 Composition::Composition(const CompositionOptions &options, const QDBusConnection &bus, std::function<void(int)> quit)
     : m_quit(std::move(quit)), m_desktop({options.configHome, options.client, hostPathOf(options.roots)}),
       m_files(options.roots, options.temporaryMark, [this](const QString &line) { m_desktop.log(line); }),
-      m_processes(options.roots, {.embeddedProduct = options.embeddedProduct},
+      m_filesInFront(options.filesInFront ? options.filesInFront(m_files) : nullptr),
+      m_usedFiles(m_filesInFront ? *m_filesInFront : m_files),
+      m_processes(options.roots,
+                  {.embeddedProduct = options.embeddedProduct,
+                   .artworkTemporaryName = artworkTemporaryName(options.temporaryMark)},
                   [this](const QString &line) { m_desktop.log(line); }),
       m_clock(options.pauseScale), m_loop(failureLog(u"an operation"_s)), m_worker(failureLog(u"a transfer"_s)),
       m_applications(bus, options.roots.scripts + u"/SaveToFolder_jpegonly.scpt"_s),
       m_metadata(hostPathOf(options.roots)),
       m_scripts(
-          m_files, m_processes, m_clock, [this] { return m_controller.interruption(); },
+          m_usedFiles, m_processes, m_clock, [this] { return m_controller.interruption(); },
           u"/Applications/Sonorel/Sonorel.app/Contents/Resources/ConvertWeblocToURL.sh"_s),
       m_serviceBrowser(m_loop, m_desktop, {}), m_power(QDBusConnection::systemBus(), m_loop, m_desktop),
       m_door(bus, actions(), m_dropCounter), m_userInterface(m_door, m_quit),
@@ -52,7 +57,7 @@ void Composition::requestQuit() {
 }
 
 Platform Composition::platform() {
-  return {m_files,         m_processes,     m_loop,         m_clock,        m_worker,  m_identifiers,
+  return {m_usedFiles,     m_processes,     m_loop,         m_clock,        m_worker,  m_identifiers,
           m_propertyLists, m_notifications, m_applications, m_metadata,     m_scripts, m_serviceBrowser,
           m_datagrams,     m_power,         m_desktop,      m_userInterface};
 }
@@ -73,6 +78,7 @@ ControllerValues Composition::values(const CompositionOptions &options) {
 ClientActions Composition::actions() {
   ClientActions actions;
   ApplicationController &controller = m_controller;
+  actions.isQuitting = [&controller] { return controller.isQuitting(); };
   actions.reopen = [&controller] { controller.reopen(false); };
   actions.openFiles = [&controller](const QStringList &paths) { controller.openFiles(paths); };
   actions.connect = [&controller] { controller.connect(); };

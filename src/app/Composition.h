@@ -23,6 +23,8 @@
 #include "platform/linux/TagLibMetadata.h"
 #include "platform/linux/UdpDatagrams.h"
 
+#include <functional>
+#include <memory>
 #include <thread>
 
 namespace sonorel {
@@ -34,6 +36,8 @@ struct CompositionOptions {
   QString temporaryMark;   // stands in the names of this client's temporary files
   QString embeddedProduct; // what a new embedded product calls itself
   double pauseScale = 1.0; // multiplies the fixed pauses
+  // What stands in front of the real file system, for tests; none: nothing does.
+  std::function<std::unique_ptr<FileSystem>(FileSystem &)> filesInFront;
 };
 
 class Composition {
@@ -62,6 +66,8 @@ private:
   std::function<void(int)> m_quit;
   LinuxDesktop m_desktop;
   LinuxFileSystem m_files;
+  std::unique_ptr<FileSystem> m_filesInFront;
+  FileSystem &m_usedFiles;
   LinuxProcesses m_processes;
   LinuxClock m_clock;
   LinuxLoop m_loop;

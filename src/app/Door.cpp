@@ -2,6 +2,7 @@
 
 #include "app/ApplicationAdaptor.h"
 #include "app/ClientAdaptor.h"
+#include "app/DoorErrors.h"
 #include "platform/linux/BusNames.h"
 
 #include <QDBusMessage>
@@ -52,6 +53,21 @@ DoorAlert Door::alert() const {
   }
   const Question &oldest = m_questions.constFirst();
   return {oldest.serial, oldest.message, oldest.informativeText, oldest.buttons};
+}
+
+bool Door::refuses(const QDBusMessage &call, Needs needs) const {
+  QString reason;
+  if (needs >= Needs::NotQuitting && m_actions.isQuitting()) {
+    reason = u"the client is quitting"_s;
+  } else if (needs >= Needs::NotConnecting && m_state.busy) {
+    reason = u"the client is connecting"_s;
+  } else if (needs >= Needs::NotTransferring && m_state.transferring) {
+    reason = u"a transfer is running"_s;
+  }
+  if (!reason.isEmpty()) {
+    refuse(m_bus, call, DoorError::Busy, reason);
+  }
+  return !reason.isEmpty();
 }
 
 bool Door::answer(quint32 serial, int button) {

@@ -25,6 +25,14 @@ struct DoorAlert {
 QDBusArgument &operator<<(QDBusArgument &argument, const DoorAlert &alert);
 const QDBusArgument &operator>>(const QDBusArgument &argument, DoorAlert &alert);
 
+// What an action needs of the client; each further one needs what stands before it, too.
+enum class Needs {
+  Nothing,       // taken always
+  NotQuitting,   // a client that may be about to end would never do it
+  NotConnecting, // what it works on is about to change
+  NotTransferring,
+};
+
 class Door final : public QObject {
   Q_OBJECT
 
@@ -41,6 +49,8 @@ public:
   [[nodiscard]] const ClientActions &actions() const { return m_actions; }
   [[nodiscard]] const QDBusConnection &bus() const { return m_bus; }
 
+  // True when the client is not as the action needs it: the call has been answered with the error.
+  [[nodiscard]] bool refuses(const QDBusMessage &call, Needs needs) const;
   // Takes the question away; false when it is not open or has no such button.
   [[nodiscard]] bool answer(quint32 serial, int button);
 

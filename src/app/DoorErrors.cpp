@@ -4,8 +4,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
 
-namespace {
-
 QString nameOf(DoorError error) {
   switch (error) {
   case DoorError::Busy:
@@ -17,8 +15,6 @@ QString nameOf(DoorError error) {
   }
   return u"com.orv.Sonorel.Error.Invalid"_s;
 }
-
-} // namespace
 
 void refuse(QDBusConnection bus, const QDBusMessage &call, DoorError error, const QString &reason) {
   call.setDelayedReply(true); // this is the only reply

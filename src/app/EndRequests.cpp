@@ -1,6 +1,7 @@
 #include "app/EndRequests.h"
 
 #include <csignal>
+#include <poll.h>
 #include <sys/signalfd.h>
 
 using namespace Qt::Literals::StringLiterals;
@@ -30,6 +31,11 @@ void EndRequests::observe(const QDBusConnection &bus, std::function<void()> requ
   connect(&*m_notifier, &QSocketNotifier::activated, this, &EndRequests::readSignal);
   QDBusConnection(bus).connect(QString(), u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s,
                                u"Disconnected"_s, this, SLOT(busLost()));
+}
+
+bool EndRequests::arrivesWithin(std::chrono::milliseconds time) const {
+  pollfd signals{m_signals.get(), POLLIN, 0};
+  return ::poll(&signals, 1, static_cast<int>(time.count())) == 1;
 }
 
 void EndRequests::readSignal() {

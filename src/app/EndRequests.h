@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QSocketNotifier>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -19,6 +20,8 @@ class EndRequests final : public QObject {
 public:
   EndRequests();
 
+  // For a start that waits for something else and observes nothing yet: true as soon as a signal has come.
+  [[nodiscard]] bool arrivesWithin(std::chrono::milliseconds time) const;
   // requested is called once for each signal, on the main thread. 15 seconds after the second signal the process
   // ends, whatever still waits.
   void observe(const QDBusConnection &bus, std::function<void()> requested);

@@ -1,6 +1,7 @@
-// The client for tests, sweeps and measurements: its folders and a scale for the fixed pauses as arguments. Never
-// installed.
+// The client for tests, sweeps and measurements: its folders, a scale for the fixed pauses and the moment of its
+// death as arguments. Never installed.
 #include "app/ClientProgram.h"
+#include "support/DyingFileSystem.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -36,6 +37,9 @@ int main(int argc, char **argv) {
   }
   parser.addOption({u"embedded-product"_s, u"what a new embedded product calls itself"_s, u"name"_s});
   parser.addOption({u"pause-scale"_s, u"multiplies every fixed pause; 0 takes them out"_s, u"factor"_s, u"1"_s});
+  parser.addOption({u"count-from"_s, u"counts operations on files from the first one below it"_s, u"folder"_s});
+  parser.addOption({u"die-at"_s, u"kills the client at that operation"_s, u"number"_s, u"0"_s});
+  parser.addOption({u"die-after"_s, u"as long after its beginning; 0 kills before it"_s, u"microseconds"_s, u"0"_s});
   parser.process(application);
 
   for (const FolderOption &folder : folders) {
@@ -54,6 +58,13 @@ int main(int argc, char **argv) {
   if (!isNumber || options.pauseScale < 0) {
     qCritical("--pause-scale needs a number from 0");
     return sonorel::kUsage;
+  }
+  if (parser.isSet(u"count-from"_s)) {
+    const sonorel::test::Death death{parser.value(u"count-from"_s), parser.value(u"die-at"_s).toInt(),
+                                     std::chrono::microseconds(parser.value(u"die-after"_s).toInt())};
+    options.filesInFront = [death](sonorel::FileSystem &files) {
+      return std::make_unique<sonorel::test::DyingFileSystem>(files, death);
+    };
   }
   return sonorel::runClient(options);
 }

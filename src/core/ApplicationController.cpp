@@ -4,8 +4,6 @@
 #include "core/ShippedDefaults.h"
 #include "core/state/Report.h"
 
-#include <QScopeGuard>
-
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
@@ -25,6 +23,7 @@ void ApplicationController::start() {
     return;
   }
   roles.startUp.awakeFromNib();
+  ++roles.connectsDone;
   if (roles.interface.state().busy) {
     // It ended early: the indicator stays, but people may act.
     roles.interface.showConnecting(false);
@@ -72,12 +71,10 @@ void ApplicationController::openFiles(const QStringList &paths) {
 }
 
 void ApplicationController::connect() {
-  if (m_connectAsked.exchange(true)) {
-    return; // the second of two presses would only connect anew
-  }
-  post(u"connect"_s, [this](ShareRoles &share) {
-    const auto done = qScopeGuard([this] { m_connectAsked = false; });
-    share.connectFlow.onConnect();
+  post(u"connect"_s, [this, doneBefore = m_roles->connectsDone.load()](ShareRoles &share) {
+    if (m_roles->connectsDone == doneBefore) {
+      share.connect();
+    }
   });
 }
 
@@ -97,6 +94,10 @@ void ApplicationController::endRequested() {
   m_roles->quitRequests.bySystem();
 }
 
+bool ApplicationController::isQuitting() const {
+  return m_roles->quitRequests.isAsked();
+}
+
 void ApplicationController::help() {
   post(u"help"_s, [](ShareRoles &share) { share.texts.onHelp(); });
 }
@@ -111,8 +112,10 @@ void ApplicationController::preferences() {
 
 // The menu that asks for it is there also while the window is hidden.
 void ApplicationController::showTab(Tab tab) {
-  m_roles->interface.selectTab(tab);
-  m_roles->interface.windowFrontCentre();
+  post(u"showTab"_s, [this, tab](ShareRoles &) {
+    m_roles->interface.selectTab(tab);
+    m_roles->interface.windowFrontCentre();
+  });
 }
 
 void ApplicationController::answerAlert(quint32 serial, int button) {

@@ -12,7 +12,6 @@
 #include <QStringList>
 #include <QVariantMap>
 
-#include <atomic>
 #include <functional>
 #include <memory>
 #include <stop_token>
@@ -45,11 +44,13 @@ public:
   void reopen(bool hasVisibleWindows); // a click on the dock icon
   void windowWillClose();              // hides it
   void openFiles(const QStringList &paths);
-  void connect(); // once for all presses until it is done
+  void connect(); // what is pressed before another connect is done is the same one
   void disconnect();
   void cancel();
   // The user's wish: `applicationShouldTerminate:`, which may refuse.
   void quit();
+  // Any thread: it was asked to quit and has not refused; what is asked for now may never be done.
+  [[nodiscard]] bool isQuitting() const;
   // The system's (a signal, the end of the session): the first is treated as the user's, a further one cancels the
   // transfer, ends the running copy, lets a favourites rewrite finish, disconnects and quits.
   void endRequested();
@@ -88,7 +89,6 @@ private:
   void post(const QString &name, std::function<void(ShareRoles &)> operation);
 
   std::unique_ptr<Roles> m_roles;
-  std::atomic<bool> m_connectAsked{false}; // from the press until it has been done
 };
 
 } // namespace sonorel

@@ -30,7 +30,7 @@ TerminateReply ApplicationEvents::applicationShouldTerminate() {
     m_parts.interface.setDockIcon(kQuittingImage);
     leaveLostShare();
   }
-  m_parts.products.removeDetectedDevices();
+  m_parts.products.clearDetectedDevices();
   return TerminateReply::Now;
 }
 

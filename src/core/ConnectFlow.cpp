@@ -132,7 +132,7 @@ bool ConnectFlow::isConnected() const {
 }
 
 bool ConnectFlow::transferRuns() const {
-  return !m_parts.board.transferComplete() && !m_parts.board.isCancel;
+  return m_parts.board.isCarrying() && !m_parts.board.isCancel;
 }
 
 // --- Disconnect ---
@@ -147,15 +147,14 @@ void ConnectFlow::onDisconnect() {
       }
       m_parts.interface.setProgressBar(0);
       m_parts.interface.setDockIcon(kDisconnectImage);
-    } else if (!transferRuns()) {
-      if (!m_parts.board.manualSleepWasConnected) { // the sleep waits for nothing more
-        m_hooks.awaitTransfer();
-      }
-      disconnectAndShow(true);
     } else if (m_parts.board.manualSleepWasConnected) {
-      disconnectAndShow(false);
-    } else {
+      // It waits for nothing more; the log of a transfer that it breaks off is shown again after the wake.
+      disconnectAndShow(m_parts.board.transferComplete() || m_parts.board.isCancel);
+    } else if (transferRuns()) {
       refuseDisconnect();
+    } else {
+      m_hooks.awaitTransfer();
+      disconnectAndShow(true);
     }
   } catch (const std::exception &e) {
     logException(m_tools.desktop, u"onDisconnect"_s, e);
@@ -196,7 +195,7 @@ void ConnectFlow::disconnect() {
 // --- Cancel ---
 
 void ConnectFlow::onCancel() {
-  if (m_parts.board.transferComplete()) {
+  if (!transferRuns()) {
     return;
   }
   m_parts.strings.reload();

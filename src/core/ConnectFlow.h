@@ -56,13 +56,13 @@ public:
   // --- the buttons ---
   void onConnect();
   void onDisconnect();
-  // Nothing happens when there is no transfer to cancel.
+  // Nothing happens when there is no transfer to cancel, or it has been cancelled already.
   void onCancel();
 
   // --- for others ---
   // A fresh look, which becomes the answer that is shown.
   bool isConnected() const;
-  // `transferComplete` and `isCancel` are false.
+  // `transferComplete` and `isCancel` are false; one that a sleep has broken off does not run any more.
   [[nodiscard]] bool transferRuns() const;
   // `checkConnection`.
   void createConnection();

@@ -27,9 +27,9 @@ QString nameIn(const QString &text) {
 } // namespace
 
 DeviceName::DeviceName(FileSystem &files, PropertyLists &lists, Desktop &desktop, Settings &settings,
-                       Session &session, ShareFolders folders, const QString &machinePreferences)
+                       Session &session, ShareFolders folders, const ClientPaths &paths)
     : m_files(files), m_settings(settings), m_session(session), m_folders(std::move(folders)),
-      m_machinePreferences(files, lists, desktop, machinePreferences) {}
+      m_machinePreferences(files, lists, desktop, paths.machinePreferences, paths.machinePreferencesAside) {}
 
 QString DeviceName::getDeviceName() {
   std::optional<QString> name;

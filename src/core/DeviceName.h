@@ -2,6 +2,7 @@
 // system folder right after a connection. Controller's thread; blocks on the share.
 #pragma once
 
+#include "core/ClientPaths.h"
 #include "core/PropertyFile.h"
 #include "core/state/Session.h"
 #include "core/state/Settings.h"
@@ -13,9 +14,9 @@ namespace sonorel {
 
 class DeviceName {
 public:
-  // machinePreferences: the machine-wide "LastPreferences.plist". All references must outlive the object.
+  // All references but the paths must outlive the object.
   DeviceName(FileSystem &files, PropertyLists &lists, Desktop &desktop, Settings &settings, Session &session,
-             ShareFolders folders, const QString &machinePreferences);
+             ShareFolders folders, const ClientPaths &paths);
 
   // "Auralis 5", "Vaultbox 1", "Auracore 5", or "0" when unknown; a share without the name file is "Vaultbox 1".
   // Stores the address file's bytes as "MACAdress" in both property files, and the hardware address in the session.

@@ -188,24 +188,31 @@ void InterfaceController::whenShown(std::function<void()> told) {
 // --- questions ---
 
 void InterfaceController::alert(const QString &message, const QString &informativeText) {
-  ask(message, informativeText, {m_strings.text(u"BtnOk"_s)}, [](int) {});
+  ask({.message = message, .informativeText = informativeText, .buttons = {m_strings.text(u"BtnOk"_s)}}, [](int) {});
 }
 
-void InterfaceController::ask(const QString &message, const QString &informativeText, const QStringList &buttons,
-                              std::function<void(int)> answered) {
-  enqueue([=, this, answered = std::move(answered)] { openQuestion(message, informativeText, buttons, answered); });
+quint32 InterfaceController::ask(Question question, std::function<void(int)> answered) {
+  question.serial = m_nextSerial++;
+  enqueue([this, question, answered = std::move(answered)] { openQuestion(question, answered); });
+  return question.serial;
 }
 
-void InterfaceController::openQuestion(const QString &message, const QString &informativeText,
-                                       const QStringList &buttons, const std::function<void(int)> &answered) {
+void InterfaceController::withdraw(quint32 question) {
+  enqueue([this, question] {
+    if (m_open.erase(question) > 0) {
+      m_userInterface.close(question);
+    }
+  });
+}
+
+void InterfaceController::openQuestion(const Question &question, const std::function<void(int)> &answered) {
   if (m_ended) {
     answered(kNoAnswer);
     return;
   }
   publish();
-  const quint32 serial = m_nextSerial++;
-  m_open[serial] = {static_cast<int>(buttons.size()), answered};
-  m_userInterface.open({serial, message, informativeText, buttons});
+  m_open[question.serial] = {static_cast<int>(question.buttons.size()), answered};
+  m_userInterface.open(question);
 }
 
 void InterfaceController::answerAlert(quint32 serial, int button) {
@@ -254,6 +261,10 @@ void InterfaceController::setProducts(const ProductTables &tables) {
     put(&UserInterfaceState::dockMenuProducts, tables.dockMenu);
     put(&UserInterfaceState::activeProduct, static_cast<int>(tables.active));
   });
+}
+
+void InterfaceController::setCheckMark(const QString &glyph) {
+  enqueue([this, glyph] { put(&UserInterfaceState::checkMark, glyph); });
 }
 
 void InterfaceController::showPasswordPanel(bool shown) {

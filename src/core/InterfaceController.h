@@ -12,6 +12,7 @@
 
 #include <QMap>
 
+#include <atomic>
 #include <chrono>
 #include <map>
 #include <memory>
@@ -42,8 +43,8 @@ public:
   void setLanguageEnabled(bool enabled) override;
   void attention() override;
   void alert(const QString &message, const QString &informativeText) override;
-  void ask(const QString &message, const QString &informativeText, const QStringList &buttons,
-           std::function<void(int)> answered) override;
+  quint32 ask(Question question, std::function<void(int)> answered) override;
+  void withdraw(quint32 question) override;
   void transferStateChanged() override;
   void transferComplete() override;
 
@@ -52,6 +53,7 @@ public:
   void setDeviceName(const QString &name);
   void setLabels(const QMap<QString, QString> &labels, const QString &languageFile);
   void setProducts(const ProductTables &tables);
+  void setCheckMark(const QString &glyph);
   void showPasswordPanel(bool shown); // always with an empty field
   void windowWillClose();             // the window is hidden
   void quit(int status);              // the first status counts
@@ -85,13 +87,13 @@ private:
   void publish();
   void showImage(const QString &image);
   void pulsateImage();
-  void openQuestion(const QString &message, const QString &informativeText, const QStringList &buttons,
-                    const std::function<void(int)> &answered);
+  void openQuestion(const Question &question, const std::function<void(int)> &answered);
 
   Loop &m_loop;
   UserInterface &m_userInterface;
   const TransferBoard &m_board;
   const Strings &m_strings;
+  std::atomic<quint32> m_nextSerial{1};
 
   std::mutex m_mutex; // guards everything down to the empty line
   std::vector<std::function<void()>> m_wanted;
@@ -104,7 +106,6 @@ private:
   Loop::TimerId m_pulsatingTimer = 0;
   bool m_pulsateImageToggler = false;
   std::map<quint32, Open> m_open;
-  quint32 m_nextSerial = 1;
   bool m_ended = false;
   bool m_quitAsked = false;
 };

@@ -8,11 +8,13 @@ QuitRequests::QuitRequests(Loop &loop, Interruption &interruption, Hooks hooks)
     : m_loop(loop), m_interruption(interruption), m_hooks(std::move(hooks)) {}
 
 void QuitRequests::byUser() {
+  ++m_asked;
   m_interruption.interrupt();
   m_loop.post([this] { quit(); });
 }
 
 void QuitRequests::bySystem() {
+  ++m_asked;
   const bool force = m_systemRequests.fetch_add(1) > 0;
   m_interruption.interrupt();
   m_loop.post([this, force] {
@@ -31,10 +33,13 @@ void QuitRequests::quit() {
   m_interruption.renew();
   if (agrees()) {
     end();
+  } else {
+    --m_asked;
   }
 }
 
 void QuitRequests::unconditionally() {
+  ++m_asked;
   m_loop.post([this] { quitByForce(false); });
 }
 

@@ -32,6 +32,8 @@ public:
   // From the program itself: an end that nobody refuses. The running transfer hands in what it has placed.
   void unconditionally();
 
+  // Any thread: from a request until it is refused; once one is granted, for good.
+  [[nodiscard]] bool isAsked() const { return m_asked > 0; }
   // Controller's thread: the program is ending, nothing new may begin.
   [[nodiscard]] bool isTerminated() const { return m_terminated; }
 
@@ -46,7 +48,8 @@ private:
   Interruption &m_interruption;
   Hooks m_hooks;
   std::atomic<int> m_systemRequests{0};
-  bool m_terminated = false; // controller's thread
+  std::atomic<int> m_asked{0}; // requests that were not refused
+  bool m_terminated = false;   // controller's thread
 };
 
 } // namespace sonorel

@@ -16,6 +16,7 @@
 #include "core/state/Strings.h"
 #include "core/state/TransferBoard.h"
 
+#include <atomic>
 #include <memory>
 
 namespace sonorel {
@@ -37,6 +38,7 @@ struct Roles {
   SystemIntegration system;
   StartUp startUp;
   QuitRequests quitRequests;
+  std::atomic<int> connectsDone{0};  // well or not, the automatic one among them
   std::unique_ptr<ShareRoles> share; // null until the folder values are final
 
 private:

@@ -23,7 +23,7 @@ ShareRoles::ShareRoles(Roles &owner)
       discovery(owner.platform.serviceBrowser, products),
       messages(owner.platform.files, owner.platform.desktop, owner.strings, owner.interface, owner.session, folders),
       deviceName(owner.platform.files, owner.platform.propertyLists, owner.platform.desktop, owner.settings,
-                 owner.session, folders, owner.paths.machinePreferences),
+                 owner.session, folders, owner.paths),
       rewrite({owner.platform.files, owner.platform.clock, owner.platform.identifiers, owner.platform.desktop,
                owner.session},
               folders, owner.paths.tempFileLocation, owner.values.backupFolder),
@@ -44,7 +44,8 @@ ShareRoles::ShareRoles(Roles &owner)
                     owner.platform.clock, owner.platform.desktop,   metadataCache,
                     owner.board,          owner.values.homePath},
       artwork(transferTools, owner.platform.runningApplications, owner.strings, owner.interface, folders,
-              {owner.paths.bundle, owner.paths.appDataFolder, owner.paths.artworkHandOver}),
+              {owner.paths.bundle, owner.paths.appDataFolder, owner.paths.artworkHandOver,
+               artworkTemporaryName(owner.values.temporaryMark)}),
       transfer(transferTools, folders, transferArtwork()),
       driver(transferTools, transfer, owner.log, owner.strings, owner.session, owner.interface, owner.platform.worker,
              folders, owner.paths.mainDictPath, driverHooks()),
@@ -83,7 +84,7 @@ ConnectionTools ShareRoles::makeConnectionTools() {
 ProductSelection::Hooks ShareRoles::selectionHooks() {
   ProductSelection::Hooks hooks;
   hooks.isConnected = [this] { return connectFlow.isConnected(); };
-  hooks.onConnect = [this] { connectFlow.onConnect(); };
+  hooks.onConnect = [this] { connect(); };
   hooks.onDisconnect = [this] { connectFlow.onDisconnect(); };
   hooks.showPasswordPanel = [this](bool shown) { roles.interface.showPasswordPanel(shown); };
   hooks.isPasswordPanelOpen = [this] { return roles.interface.state().passwordWanted; };
@@ -199,19 +200,31 @@ void ShareRoles::awaitTransfer() {
   }
 }
 
+void ShareRoles::connect() {
+  connectFlow.onConnect();
+  ++roles.connectsDone;
+}
+
 void ShareRoles::observeNotifications() {
-  Notifications &notifications = roles.platform.notifications;
-  notifications.observe(u"TrackChute_DragRecieved"_s,
-                        [this](const Notification &drag) { intake.handleiTunesDragAndDrop(drag); });
-  notifications.observe(u"iPhoto_DragRecieved"_s,
-                        [this](const Notification &drag) { intake.handleiPhotoDragAndDrop(drag); });
-  notifications.observe(u"safari_drag_Notification"_s,
-                        [this](const Notification &drag) { intake.handleSafariDragAndDrop(drag); });
+  observe(u"TrackChute_DragRecieved"_s, &DropIntake::handleiTunesDragAndDrop);
+  observe(u"iPhoto_DragRecieved"_s, &DropIntake::handleiPhotoDragAndDrop);
+  observe(u"safari_drag_Notification"_s, &DropIntake::handleSafariDragAndDrop);
+}
+
+void ShareRoles::observe(const QString &name, void (DropIntake::*handler)(const Notification &)) {
+  roles.platform.notifications.observe(name, [this, handler](const Notification &drag) {
+    if (roles.quitRequests.isTerminated()) {
+      dropsFinished(1);
+    } else {
+      (intake.*handler)(drag);
+    }
+  });
 }
 
 void ShareRoles::prepareProducts() {
-  products.removeDetectedDevices();
+  products.clearDetectedDevices();
   products.load();
+  roles.interface.setCheckMark(roles.startUp.checkMarkString());
 }
 
 bool ShareRoles::registerForPower() {

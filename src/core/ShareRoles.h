@@ -77,6 +77,7 @@ struct ShareRoles {
 
   // A fresh look at the share, which becomes the answer that is shown; any thread.
   [[nodiscard]] bool isConnected() const { return connectFlow.isConnected(); }
+  void connect();
   void observeNotifications();
   void prepareProducts();
   [[nodiscard]] bool registerForPower();
@@ -90,6 +91,8 @@ private:
   [[nodiscard]] TransferArtwork transferArtwork();
   [[nodiscard]] TransferDriver::Hooks driverHooks();
   [[nodiscard]] DropIntake::Hooks intakeHooks();
+  // A drop that comes when the program is about to end is over at once.
+  void observe(const QString &name, void (DropIntake::*handler)(const Notification &));
   void dropsFinished(quint32 drops);
   [[nodiscard]] AfterConnection::Hooks afterConnectionHooks();
   [[nodiscard]] AutomaticConnection::Hooks automaticHooks();

@@ -152,31 +152,47 @@ void StartUp::reportInitFailure(const std::exception &exception) {
     m_state.strings.setLanguageFile(kDefaultLanguageFile.toString());
     m_state.strings.reload();
   }
-  m_view.ask(m_state.strings.text(u"ExceptionText"_s), m_state.strings.text(u"ErrorInitializing"_s),
-             {m_state.strings.text(u"BtnOk"_s)}, [terminate = m_steps.terminate](int) { terminate(); });
+  m_view.ask({.message = m_state.strings.text(u"ExceptionText"_s),
+              .informativeText = m_state.strings.text(u"ErrorInitializing"_s),
+              .buttons = {m_state.strings.text(u"BtnOk"_s)}},
+             [terminate = m_steps.terminate](int) { terminate(); });
 }
 
 void StartUp::awakeFromNib() {
+  m_steps.showConnectionIndicator(true);
+  bool goesOn = true;
+  whileAwaking([&] { goesOn = prepareAndConnect(); });
+  if (!goesOn) {
+    return;
+  }
+  // After a failure as well: who cannot reach one product wants to see the others.
+  whileAwaking(m_steps.createDiscovery);
+  m_steps.showConnectionIndicator(false);
+}
+
+bool StartUp::prepareAndConnect() {
+  m_steps.prepareProducts();
+  m_state.session.setIPAddressString({});
+  m_state.session.setPasswordString({});
+  m_steps.updateDeviceName();
+  if (!m_steps.registerForPower()) {
+    m_platform.desktop.printError(u"IORegisterForSystemPower failed\n"_s);
+    return false;
+  }
+  m_state.strings.reload();
+  m_steps.connectAutomatically();
+  return true;
+}
+
+void StartUp::whileAwaking(const std::function<void()> &step) {
   try {
-    m_steps.showConnectionIndicator(true);
-    m_steps.prepareProducts();
-    m_state.session.setIPAddressString({});
-    m_state.session.setPasswordString({});
-    m_steps.updateDeviceName();
-    if (!m_steps.registerForPower()) {
-      m_platform.desktop.printError(u"IORegisterForSystemPower failed\n"_s);
-      return;
-    }
-    m_state.strings.reload();
-    m_steps.connectAutomatically();
-    m_steps.createDiscovery();
+    step();
   } catch (const std::exception &e) {
     logException(m_platform.desktop, u"awakeFromNib"_s, e);
     m_steps.showTrueState();
     m_view.alert(m_state.strings.text(u"ExceptionText"_s),
                  withProductName(m_state.strings.text(u"ErrorConnecting"_s), m_state.session.deviceName()));
   }
-  m_steps.showConnectionIndicator(false);
 }
 
 void StartUp::performFirstLaunchCheck() {

@@ -69,6 +69,10 @@ private:
   void makeGuid();
   void loadStrings();
   void reportInitFailure(const std::exception &exception);
+  // False when power notifications are refused: nothing more is begun.
+  [[nodiscard]] bool prepareAndConnect();
+  // A failure of this step is logged and told.
+  void whileAwaking(const std::function<void()> &step);
 
   const Platform &m_platform;
   const ClientPaths &m_paths;

@@ -18,7 +18,9 @@ constexpr double kSecondsRemembered = 1.0;
 FuseLoop &loop() {
   return *static_cast<FuseLoop *>(::fuse_get_context()->private_data);
 }
+// Nothing that was written is on its way any more.
 ShareFiles &files() {
+  loop().writes.settle();
   return loop().files;
 }
 
@@ -26,6 +28,8 @@ void *init(fuse_conn_info *connection, fuse_config *config) {
   connection->max_write = kLargestRequest;
   connection->max_read = kLargestRequest; // as in the mount's options
   connection->max_readahead = kLargestRequest;
+  // Through a pipe every request would take two calls, and every block another copy.
+  connection->want &= ~static_cast<unsigned>(FUSE_CAP_SPLICE_READ | FUSE_CAP_SPLICE_WRITE | FUSE_CAP_SPLICE_MOVE);
   config->attr_timeout = kSecondsRemembered;
   config->entry_timeout = kSecondsRemembered;
   config->negative_timeout = 0; // "not there" is decided upon: it is asked each time
@@ -52,7 +56,7 @@ fuse_operations operations() {
     return files().read(block, size, offset, info);
   };
   table.write = [](const char * /*path*/, const char *block, size_t size, off_t offset, fuse_file_info *info) {
-    return files().write(block, size, offset, info);
+    return loop().writes.write(block, size, offset, ShareFiles::fileOf(info));
   };
   table.flush = [](const char * /*path*/, fuse_file_info *info) { return files().flush(info); };
   table.fsync = [](const char * /*path*/, int /*dataOnly*/, fuse_file_info *info) { return files().flush(info); };
@@ -97,7 +101,7 @@ bool hasFuse() {
 } // namespace
 
 FuseLoop::FuseLoop(ShareFiles &shareFiles, const std::string &source, std::function<bool()> served)
-    : files(shareFiles), m_thread(::pthread_self()), m_served(std::move(served)) {
+    : files(shareFiles), writes(shareFiles), m_thread(::pthread_self()), m_served(std::move(served)) {
   struct sigaction action = {};
   action.sa_handler = wake; // no restart: the loop's read is to end
   ::sigaction(SIGUSR1, &action, nullptr);
@@ -134,6 +138,7 @@ Outcome FuseLoop::mount(const std::string &point) {
 
 void FuseLoop::run() {
   ::fuse_loop(m_fuse);
+  writes.settle();
 }
 
 void FuseLoop::exit() {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "mount/Outcome.h"
-#include "mount/ShareFiles.h"
+#include "mount/WriteBehind.h"
 
 #include <functional>
 #include <string>
@@ -25,6 +25,7 @@ public:
   void exit();
 
   ShareFiles &files;
+  WriteBehind writes;
 
   void noteServed();
 

@@ -138,17 +138,22 @@ Outcome unmountPoint(const std::string &realPoint, Unmount how) {
   if (::umount2(realPoint.c_str(), flags) == 0) {
     return {};
   }
-  if (errno == EBUSY) {
-    return {ExitStatus::Busy, "it is in use"};
-  }
-  const int status = unmountAsOther(realPoint, *type, how);
+  const bool isBusy = errno == EBUSY;
+  const int status = isBusy ? 1 : unmountAsOther(realPoint, *type, how);
   if (status == 0 || !isMountPoint(realPoint)) {
     return {};
   }
   if (status == kCannotRun) {
     return {ExitStatus::NoFuse, "fusermount3 cannot be run"};
   }
-  return {how == Unmount::IfIdle ? ExitStatus::Busy : ExitStatus::Failed, "it cannot be unmounted"};
+  if (how == Unmount::ByForce) {
+    return {ExitStatus::Failed, "it cannot be unmounted"};
+  }
+  // Whoever has a file open where no program serves it any more has nothing of it.
+  if (*type == kFileSystemType && isDead(realPoint)) {
+    return unmountPoint(realPoint, Unmount::ByForce);
+  }
+  return {ExitStatus::Busy, isBusy ? "it is in use" : "it cannot be unmounted"};
 }
 
 } // namespace sonorel

@@ -27,6 +27,12 @@ void closeToOthers() {
   ::prctl(PR_SET_DUMPABLE, 0);
 }
 
+// A connection that somebody left open would be taken for the one to the product, and no file is to be held open for
+// as long as the mount lives.
+void closeInherited() {
+  ::close_range(STDERR_FILENO + 1, ~0U, 0);
+}
+
 // One line, or all there is.
 std::string readUrl() {
   std::string text;
@@ -112,6 +118,7 @@ int runMount(const std::vector<std::string> &arguments) {
     return refused(kMountUsage);
   }
   closeToOthers();
+  closeInherited();
   const auto point = realPoint(arguments.front());
   if (!point) {
     return ended({ExitStatus::BadMountPoint, "the mount point is no folder"}, kMountName);

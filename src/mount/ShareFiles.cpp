@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 
 namespace sonorel {
@@ -13,6 +14,8 @@ namespace sonorel {
 namespace {
 
 constexpr blksize_t kBlock = 1 << 20; // programs that copy take it for the size of their blocks
+// Whoever creates a file asks twice whether it is there, within an instant; the server decides in the end.
+constexpr std::chrono::milliseconds kAbsence{50};
 constexpr mode_t kFolderMode = S_IFDIR | 0777;
 constexpr mode_t kFileMode = S_IFREG | 0666;
 constexpr mode_t kReadOnlyMode = S_IFREG | 0444;
@@ -64,11 +67,21 @@ int ShareFiles::getattr(const char *path, struct stat *facts, fuse_file_info *in
   if (file == nullptr || file->handle == nullptr) {
     file = m_files.writable(path); // its size at the server may not be told to others yet
   }
+  if (file == nullptr && isKnownAbsent(path)) {
+    return -ENOENT;
+  }
   const int result = file != nullptr ? m_files.facts(*file, facts) : statPath(path, facts);
   if (result == 0) {
     makeOurs(facts);
+  } else if (result == -ENOENT) {
+    m_absent = path;
+    m_absentUntil = std::chrono::steady_clock::now() + kAbsence;
   }
   return result;
+}
+
+bool ShareFiles::isKnownAbsent(const char *path) const {
+  return m_absent == path && std::chrono::steady_clock::now() < m_absentUntil;
 }
 
 int ShareFiles::readdir(const char *path, void *buffer, fuse_fill_dir_t fill) {
@@ -98,6 +111,7 @@ int ShareFiles::open(const char *path, int flags, fuse_file_info *info) {
   if (const int error = nameError(path)) {
     return -error;
   }
+  m_absent.clear();
   OpenFile *file = nullptr;
   const int result = m_files.open(path, flags, &file);
   info->fh = reinterpret_cast<std::uint64_t>(file);
@@ -108,8 +122,12 @@ int ShareFiles::read(char *block, size_t size, off_t offset, fuse_file_info *inf
   return m_files.read(*fileOf(info), block, size, offset);
 }
 
-int ShareFiles::write(const char *block, size_t size, off_t offset, fuse_file_info *info) {
-  return m_files.write(*fileOf(info), block, size, offset);
+int ShareFiles::writeBehind(OpenFile &file, const char *block, size_t size, off_t offset) {
+  const int result = m_files.write(file, block, size, offset);
+  if (result < 0 && file.brokenBy == 0) {
+    file.brokenBy = -result;
+  }
+  return result;
 }
 
 int ShareFiles::flush(fuse_file_info *info) {
@@ -183,6 +201,7 @@ int ShareFiles::mkdir(const char *path) {
   if (const int error = nameError(path)) {
     return -error;
   }
+  m_absent.clear();
   const std::string address = m_session.address(path);
   return m_session.run(Repeat::No, [&](SMBCCTX *context) {
     return ::smbc_getFunctionMkdir(context)(context, address.c_str(), kFolderMode);
@@ -220,6 +239,7 @@ int ShareFiles::rename(const char *from, const char *to, unsigned flags) {
       return result == 0 ? -EEXIST : result;
     }
   }
+  m_absent.clear();
   m_files.letGo(from);
   m_files.letGo(to);
   const std::string address = m_session.address(from);

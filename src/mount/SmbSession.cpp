@@ -26,6 +26,7 @@ constexpr auto kSilenceAfterRefusal = 30s; // an account is not to be locked by 
 constexpr int kLogWithLogins = 5;
 constexpr const char *kLoginRefused = "login failed";
 constexpr const char *kLoginTaken = "session setup ok";
+constexpr const char *kWantedInClear = "requested PLAINTEXT password";
 
 bool isRefusal(int error) {
   return error == EACCES || error == EPERM;
@@ -136,7 +137,11 @@ Outcome SmbSession::connect() {
 
 void SmbSession::hearLog(void *data, int /*level*/, const char *text) {
   auto *self = static_cast<SmbSession *>(data);
-  if (std::strstr(text, kLoginRefused) != nullptr) {
+  if (std::strstr(text, kWantedInClear) != nullptr) {
+    self->m_loginTrace = LoginTrace::NeverTried;
+  } else if (self->m_loginTrace == LoginTrace::NeverTried) {
+    return; // it calls that a failed login, too
+  } else if (std::strstr(text, kLoginRefused) != nullptr) {
     self->m_loginTrace = LoginTrace::Refused;
   } else if (std::strstr(text, kLoginTaken) != nullptr) {
     self->m_loginTrace = LoginTrace::Taken;
@@ -157,6 +162,9 @@ bool SmbSession::isLoginRefused() {
 Outcome SmbSession::failedConnect(int error, bool wasCut) {
   if (wasCut || error == ETIMEDOUT) {
     return {ExitStatus::Unreachable, "the product does not answer"};
+  }
+  if (m_loginTrace == LoginTrace::NeverTried) {
+    return {ExitStatus::NoCommonProtocol, "the product wants the password in clear, which is not done"};
   }
   if (isRefusal(error)) {
     return isLoginRefused()

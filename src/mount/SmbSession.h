@@ -1,6 +1,6 @@
 // The connection to the product's share. It is made anew by itself when it was lost, no operation lasts longer than
 // its limit, and after a failure that took long every operation fails at once for a while, so that a caller with many
-// questions does not wait for each of them. One thread; results are 0 or more, or a negative error number.
+// questions does not wait for each of them. One thread at a time; results are 0 or more, or a negative error number.
 #pragma once
 
 #include "mount/MountUrl.h"
@@ -56,7 +56,7 @@ public:
   void close();
 
 private:
-  enum class LoginTrace { None, Taken, Refused };
+  enum class LoginTrace { None, Taken, Refused, NeverTried };
 
   struct ContextCloser {
     void operator()(SMBCCTX *context) const { ::smbc_free_context(context, 1); }

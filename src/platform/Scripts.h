@@ -4,6 +4,7 @@
 #include <QString>
 
 #include <optional>
+#include <stop_token>
 
 namespace sonorel {
 
@@ -12,8 +13,8 @@ public:
   virtual ~Scripts() = default;
   // Ejects the mounted disk of that name, with the pause that follows a success. Errors are ignored.
   virtual void ejectDisk(const QString &name) = 0;
-  // Converts a ".webloc" file into a ".url" file beside it; the error text when that failed.
-  [[nodiscard]] virtual std::optional<QString> convertBookmark(const QString &path) = 0;
+  // Converts a ".webloc" file into a ".url" file beside it; the error text when that failed, or was stopped.
+  [[nodiscard]] virtual std::optional<QString> convertBookmark(const QString &path, std::stop_token stop) = 0;
 };
 
 } // namespace sonorel

@@ -33,9 +33,13 @@ public:
   };
 
   virtual ~ServiceBrowser() = default;
-  // Returns at once; a browser that is not available now starts by itself when it is.
+  // --- controller's thread; all return at once ---
+  // Instead of the browse that runs. A browser that is not available now starts by itself when it is.
   virtual void browse(const QString &type, const QString &domain, Handlers handlers) = 0;
+  // A service that was added: it is told as resolved, anew with each change, or once as notResolved. One that has
+  // gone is told as neither.
   virtual void resolve(const Service &service) = 0;
+  // No handler is called any more.
   virtual void stop() = 0;
 };
 

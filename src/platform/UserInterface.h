@@ -30,13 +30,15 @@ struct UserInterfaceState {
   QStringList selectedProducts;
   QStringList dockMenuProducts; // the products submenu: an entry for each selected row
   int activeProduct = -1;       // the selected row that gets the check mark while connected; -1: none
+  QString checkMark;            // `checkMarkString`, that glyph
 };
 
 struct Question {
-  quint32 serial = 0; // 1 and up
+  quint32 serial = 0; // 1 and up; 0 before it is open
   QString message;
   QString informativeText;
-  QStringList buttons; // the first is the default
+  QStringList buttons;     // the first is the default
+  QString helpAnchor = {}; // the place in the help that explains it; empty: none
 };
 
 class UserInterface {

@@ -93,8 +93,7 @@ void BonjourDiscovery::didRemoveService(const Service &service) {
   if (index < 0) {
     return;
   }
-  const ResolvedService last = m_bonjourProductsArray.takeAt(index);
-  m_products.removeDetectedDevice(getMACAddressForProduct(last), getSerialNumberForProduct(last));
+  m_products.removeDetectedDevice(recordOfService(m_bonjourProductsArray.takeAt(index)));
 }
 
 qsizetype BonjourDiscovery::indexOf(const Service &service) const {

@@ -20,6 +20,7 @@ public:
   BonjourDiscovery(const BonjourDiscovery &) = delete;
   BonjourDiscovery &operator=(const BonjourDiscovery &) = delete;
 
+  // Looks for products from now on.
   void init();
   // The client ends: no event changes the file any more.
   void stop();
@@ -36,6 +37,7 @@ private:
   QList<ResolvedService> m_bonjourProductsArray;
 };
 
+// What a product publishes; the default text of its kind, or the whole service name, for what is missing.
 [[nodiscard]] QString getHostNameForProduct(const ResolvedService &service);
 [[nodiscard]] QString getMACAddressForProduct(const ResolvedService &service);
 [[nodiscard]] QString getLocationForProduct(const ResolvedService &service);

@@ -51,6 +51,14 @@ bool ProductList::change(const QString &operation, const Change &body) {
   }
 }
 
+bool ProductList::changeForUser(const QString &operation, const Change &body) {
+  const bool changed = change(operation, body);
+  if (!changed) {
+    alert(u"ExceptionText"_s, u"ErrorProductList"_s);
+  }
+  return changed;
+}
+
 QVariantMap ProductList::content(const QString &operation) {
   try {
     return m_file.read().value_or(QVariantMap());
@@ -76,8 +84,8 @@ void ProductList::load() {
   refresh(lists);
 }
 
-void ProductList::removeDetectedDevices() {
-  change(u"removeDetectedDevices"_s, [](QVariantMap &lists) { lists.remove(kDetectedDevices.toString()); });
+void ProductList::clearDetectedDevices() {
+  change(u"clearDetectedDevices"_s, [](QVariantMap &lists) { lists.remove(kDetectedDevices.toString()); });
 }
 
 void ProductList::reloadSelectedProducts() {
@@ -97,7 +105,7 @@ void ProductList::AddManualProduct(const QString &address, const QString &hostNa
   }
   setProductText(record, kDetectionTypeKey, kAddedByHand);
   bool alreadyAdded = false;
-  change(u"AddManualProduct"_s, [&](QVariantMap &lists) {
+  changeForUser(u"AddManualProduct"_s, [&](QVariantMap &lists) {
     ProductRecords added = productRecords(lists, kManuallyAddedDevices);
     alreadyAdded = std::any_of(added.begin(), added.end(),
                                [&](const ProductRecord &one) { return sameManualEntry(one, record); });
@@ -121,7 +129,7 @@ void ProductList::AddManuallyAddedProductToProductsList(const ProductRow &row) {
 
 void ProductList::addToSelected(const QString &operation, ProductTable table, const ProductRow &row) {
   bool alreadyAdded = false;
-  change(operation, [&](QVariantMap &lists) {
+  changeForUser(operation, [&](QVariantMap &lists) {
     const ProductRecords source = productRecords(lists, arrayOf(table));
     if (!stands(table, source, row)) {
       return;
@@ -146,12 +154,16 @@ void ProductList::addToSelected(const QString &operation, ProductTable table, co
 }
 
 void ProductList::alertAlreadyAdded() {
+  alert(u"AlertText"_s, u"productAlreadyAddedMessageText"_s);
+}
+
+void ProductList::alert(const QString &messageKey, const QString &informativeTextKey) {
   m_tools.strings.reload();
-  m_tools.view.alert(m_tools.strings.text(u"AlertText"_s), m_tools.strings.text(u"productAlreadyAddedMessageText"_s));
+  m_tools.view.alert(m_tools.strings.text(messageKey), m_tools.strings.text(informativeTextKey));
 }
 
 void ProductList::RemoveAManualProductFromList(const ProductRow &row) {
-  change(u"RemoveAManualProductFromList"_s, [&](QVariantMap &lists) {
+  changeForUser(u"RemoveAManualProductFromList"_s, [&](QVariantMap &lists) {
     ProductRecords added = productRecords(lists, kManuallyAddedDevices);
     if (stands(ProductTable::Added, added, row)) {
       added.removeAt(row.index);
@@ -162,7 +174,7 @@ void ProductList::RemoveAManualProductFromList(const ProductRow &row) {
 
 std::optional<ProductList::Marked> ProductList::markActive(const ProductRow &row) {
   std::optional<Marked> marked;
-  const bool written = change(u"onProductSelection"_s, [&](QVariantMap &lists) {
+  const bool written = changeForUser(u"onProductSelection"_s, [&](QVariantMap &lists) {
     ProductRecords selected = productRecords(lists, kSelectedDevices);
     if (!stands(ProductTable::Selected, selected, row)) {
       return;
@@ -193,7 +205,7 @@ QString ProductList::passwordFor(const QVariantMap &lists, const ProductRecord &
 
 std::optional<ProductRecord> ProductList::removeSelectedProduct(const ProductRow &row, Active active) {
   std::optional<ProductRecord> kept;
-  change(u"RemoveAProductProductsList"_s, [&](QVariantMap &lists) {
+  changeForUser(u"RemoveAProductProductsList"_s, [&](QVariantMap &lists) {
     ProductRecords selected = productRecords(lists, kSelectedDevices);
     if (!stands(ProductTable::Selected, selected, row)) {
       return;
@@ -209,7 +221,7 @@ std::optional<ProductRecord> ProductList::removeSelectedProduct(const ProductRow
 }
 
 void ProductList::removeSelectedProduct(const ProductRecord &record) {
-  change(u"RemoveAProductProductsList"_s, [&](QVariantMap &lists) {
+  changeForUser(u"RemoveAProductProductsList"_s, [&](QVariantMap &lists) {
     ProductRecords selected = productRecords(lists, kSelectedDevices);
     auto found = std::find(selected.begin(), selected.end(), record);
     if (found == selected.end()) {
@@ -226,7 +238,7 @@ void ProductList::removeSelectedProduct(const ProductRecord &record) {
 
 bool ProductList::removeAllSelectedProducts(Active active) {
   bool removed = true;
-  change(u"RemoveWholeProductsFromProductList"_s, [&](QVariantMap &lists) {
+  changeForUser(u"RemoveWholeProductsFromProductList"_s, [&](QVariantMap &lists) {
     removed = active == Active::Remove || activeIndex(productRecords(lists, kSelectedDevices)) < 0;
     if (removed) {
       lists.remove(kSelectedDevices.toString());

@@ -1,6 +1,7 @@
 // The user's products: the four lists of the product list file, their tables, and what a connection writes into them.
 // Every operation reads the file, changes it, writes it and refreshes the tables; a failure is logged and leaves file
-// and tables as they were. Controller's thread. Read next: ProductSelection.h.
+// and tables as they were, and the user is told when it was his action. Controller's thread. Read next:
+// ProductSelection.h.
 #pragma once
 
 #include "core/state/Session.h"
@@ -47,7 +48,7 @@ public:
   // Start: the lists of selected and hand-added products into their tables. "Detected Devices" is left out.
   void load();
   // Start and quit.
-  void removeDetectedDevices();
+  void clearDetectedDevices();
   // The marks of the selected table are drawn anew.
   void reloadSelectedProducts();
 
@@ -61,8 +62,8 @@ public:
   // --- for discovery ---
   // Replaces every equal detected record, or is appended; renews the same product among the selected ones.
   void addDetectedDevice(const ProductRecord &record);
-  // The first detected record with this hardware address, else the first with this serial number.
-  void removeDetectedDevice(const QString &macAddress, const QString &serialNumber);
+  // Of the detected records the first with this one's hardware address, else the first with its serial number.
+  void removeDetectedDevice(const ProductRecord &record);
 
   // --- for the selection ---
   // Makes that row the active one; nothing when there is no such row or the file could not be written.
@@ -84,10 +85,13 @@ private:
   using Change = std::function<void(QVariantMap &)>;
   // False when something failed.
   bool change(const QString &operation, const Change &body);
+  // An action of the user's, who is told when it failed.
+  bool changeForUser(const QString &operation, const Change &body);
   [[nodiscard]] QVariantMap content(const QString &operation);
   [[nodiscard]] QString passwordFor(const QVariantMap &lists, const ProductRecord &record) const;
   void addToSelected(const QString &operation, ProductTable table, const ProductRow &row);
   void refresh(const QVariantMap &content);
+  void alert(const QString &messageKey, const QString &informativeTextKey);
   void alertAlreadyAdded();
 
   ProductTools m_tools;

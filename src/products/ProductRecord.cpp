@@ -6,12 +6,6 @@ namespace sonorel {
 
 namespace {
 
-// A key that is missing on either side makes no match.
-bool sameText(const ProductRecord &a, const ProductRecord &b, QStringView key) {
-  const QString text = productText(a, key);
-  return !text.isEmpty() && text == productText(b, key);
-}
-
 bool sameWhenGiven(const ProductRecord &record, const ProductRecord &added, QStringView key) {
   const QString wanted = productText(added, key);
   return wanted.isEmpty() || wanted == productText(record, key);
@@ -51,12 +45,17 @@ QString connectionAddress(const ProductRecord &record) {
   return host == kNoHostName ? QString() : host;
 }
 
+bool sameProductText(const ProductRecord &a, const ProductRecord &b, QStringView key) {
+  const QString text = productText(a, key);
+  return !text.isEmpty() && text == productText(b, key);
+}
+
 bool sameDetectedProduct(const ProductRecord &a, const ProductRecord &b) {
-  return sameText(a, b, kMacAddressKey) || sameText(a, b, kSerialNumberKey);
+  return sameProductText(a, b, kMacAddressKey) || sameProductText(a, b, kSerialNumberKey);
 }
 
 bool sameManualEntry(const ProductRecord &a, const ProductRecord &b) {
-  return sameText(a, b, kHostNameKey) || sameText(a, b, kIpAddressKey);
+  return sameProductText(a, b, kHostNameKey) || sameProductText(a, b, kIpAddressKey);
 }
 
 bool sameSelectedProduct(const ProductRecord &selected, const ProductRecord &added) {

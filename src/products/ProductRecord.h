@@ -58,7 +58,9 @@ void setProductText(ProductRecord &record, QStringView key, QStringView text);
 // The address to connect to: the IP address, else the host name; default texts are none. May be empty.
 [[nodiscard]] QString connectionAddress(const ProductRecord &record);
 
-// Detected products: the same hardware address or the same serial number. A default text counts as any other text.
+// Both have the same text under the key. A key that is missing makes no match; a default text counts as any other.
+[[nodiscard]] bool sameProductText(const ProductRecord &a, const ProductRecord &b, QStringView key);
+// Detected products: the same hardware address or the same serial number.
 [[nodiscard]] bool sameDetectedProduct(const ProductRecord &a, const ProductRecord &b);
 // What the add panel makes twice: the same host name or the same IP address.
 [[nodiscard]] bool sameManualEntry(const ProductRecord &a, const ProductRecord &b);

@@ -54,13 +54,15 @@ void ProductSelection::CancelEnterPasswordPanel() {
 
 void ProductSelection::RemoveAProductProductsList(const ProductRow &row) {
   if (const auto active = m_products.removeSelectedProduct(row, mayGo())) {
-    askToDisconnect([this, record = *active] { m_products.removeSelectedProduct(record); });
+    askToDisconnect(u"RemoveAProductFromProductList"_s,
+                    [this, record = *active] { m_products.removeSelectedProduct(record); });
   }
 }
 
 void ProductSelection::RemoveWholeProductsFromProductList() {
   if (!m_products.removeAllSelectedProducts(mayGo())) {
-    askToDisconnect([this] { m_products.removeAllSelectedProducts(ProductList::Active::Remove); });
+    askToDisconnect(u"RemoveWholeProductsFromProductList"_s,
+                    [this] { m_products.removeAllSelectedProducts(ProductList::Active::Remove); });
   }
 }
 
@@ -68,10 +70,12 @@ ProductList::Active ProductSelection::mayGo() const {
   return m_hooks.isConnected() ? ProductList::Active::Keep : ProductList::Active::Remove;
 }
 
-void ProductSelection::askToDisconnect(std::function<void()> afterwards) {
+void ProductSelection::askToDisconnect(const QString &helpAnchor, std::function<void()> afterwards) {
   m_strings.reload();
-  m_view.ask(m_strings.text(u"AlertText"_s), m_strings.text(u"disconnectProductMessageText"_s),
-             {m_strings.text(u"NoText"_s), m_strings.text(u"YesText"_s)},
+  m_view.ask({.message = m_strings.text(u"AlertText"_s),
+              .informativeText = m_strings.text(u"disconnectProductMessageText"_s),
+              .buttons = {m_strings.text(u"NoText"_s), m_strings.text(u"YesText"_s)},
+              .helpAnchor = helpAnchor},
              [this, afterwards = std::move(afterwards)](int button) {
                if (button != kYesButton) {
                  return;

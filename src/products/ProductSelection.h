@@ -36,7 +36,7 @@ public:
 private:
   // The active product only while nothing is connected.
   [[nodiscard]] ProductList::Active mayGo() const;
-  void askToDisconnect(std::function<void()> afterwards);
+  void askToDisconnect(const QString &helpAnchor, std::function<void()> afterwards);
 
   ProductList &m_products;
   Session &m_session;

@@ -1,6 +1,7 @@
 #include "scripts/EmbeddedPicture.h"
 
 #include "platform/linux/FileDescriptor.h"
+#include "platform/linux/SearchLimit.h"
 #include "scripts/RegularFile.h"
 
 #include <taglib/asffile.h>
@@ -9,7 +10,6 @@
 #include <taglib/id3v2tag.h>
 #include <taglib/mp4file.h>
 #include <taglib/mpegfile.h>
-#include <taglib/tfilestream.h>
 
 #include <algorithm>
 #include <cctype>
@@ -118,7 +118,7 @@ std::string embeddedPicture(const std::string &track) {
     return {};
   }
   try {
-    TagLib::FileStream stream(file.release(), true); // closes the descriptor
+    SearchLimit stream(std::move(file));
     return pictureIn(lowerExtension(track), stream);
   } catch (const std::exception &) {
     return {}; // a picture that is larger than the memory is none

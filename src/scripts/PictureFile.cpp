@@ -4,6 +4,7 @@
 #include "scripts/RegularFile.h"
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/random.h>
 #include <sys/stat.h>
 
@@ -17,6 +18,8 @@ namespace sonorel {
 
 namespace {
 
+constexpr const char *kTemporaryPrefix = ".sonorel-";
+
 volatile std::sig_atomic_t endRequested = 0;
 
 [[noreturn]] void fail(const std::string &what) {
@@ -29,13 +32,13 @@ void requireNameOfOwn(const std::string &name) {
   }
 }
 
-std::string temporaryName() {
+std::string randomName() {
   std::array<unsigned char, 4> random = {};
   if (::getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size())) {
     fail("getrandom");
   }
   constexpr const char *kDigits = "0123456789abcdef";
-  std::string name = ".sonorel-";
+  std::string name = kTemporaryPrefix;
   for (const unsigned char byte : random) {
     name += kDigits[byte >> 4U];
     name += kDigits[byte & 15U];
@@ -95,7 +98,19 @@ std::string pictureFolder(const std::string &musicFolder, const std::string &fol
   return path;
 }
 
-void placePicture(const std::string &folder, const std::string &name, std::string_view bytes) {
+void removeLeftOver(const std::string &folder, const std::string &temporaryName) {
+  if (temporaryName.empty()) {
+    return;
+  }
+  requireNameOfOwn(temporaryName);
+  if (!temporaryName.starts_with(kTemporaryPrefix)) {
+    throw std::invalid_argument("not a temporary name: \"" + temporaryName + '"');
+  }
+  ::unlink((folder + temporaryName).c_str()); // as a rule there is none
+}
+
+void placePicture(const std::string &folder, const std::string &name, std::string_view bytes,
+                  const std::string &temporaryName) {
   requireNameOfOwn(name);
   const FileDescriptor place(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!place.isOpen()) {
@@ -104,7 +119,7 @@ void placePicture(const std::string &folder, const std::string &name, std::strin
   if (standsThere(place, name, bytes)) {
     return;
   }
-  const std::string temporary = temporaryName();
+  const std::string temporary = temporaryName.empty() ? randomName() : temporaryName;
   FileDescriptor file(::openat(place.get(), temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
   if (!file.isOpen()) {
     fail(folder);
@@ -128,6 +143,7 @@ void obeyRequestsToEnd() {
   struct sigaction action = {};
   action.sa_handler = [](int) { endRequested = 1; };
   ::sigaction(SIGTERM, &action, nullptr); // without SA_RESTART: a write that waits is interrupted
+  ::prctl(PR_SET_PDEATHSIG, SIGTERM);
 }
 
 } // namespace sonorel

@@ -39,6 +39,35 @@ Place hostPlace(const QString &path) {
   return {{}, path.toUtf8(), false, false};
 }
 
+// Without a name until it is whole, so that nothing is left of a run that is killed. False where that cannot be done.
+bool linkedWhole(const QByteArray &folder, const QByteArray &text, const QString &made) {
+  const FileDescriptor file(::open(folder.constData(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666));
+  if (!file.isOpen()) {
+    return false;
+  }
+  writeAll(file, text, made);
+  const QByteArray nameless = "/proc/self/fd/" + QByteArray::number(file.get());
+  if (::linkat(AT_FDCWD, nameless.constData(), AT_FDCWD, made.toUtf8().constData(), AT_SYMLINK_FOLLOW) != 0) {
+    const int error = errno;
+    if (error == EEXIST) {
+      throw systemFailure(error, made);
+    }
+    return false;
+  }
+  return true;
+}
+
+void writeBeside(const QByteArray &text, const QString &folder, const QString &made) {
+  const QString beside = folder + u".sonorel-"_s + QString::number(::getpid());
+  writeNew(hostPlace(beside), text, beside);
+  if (::renameat2(AT_FDCWD, beside.toUtf8().constData(), AT_FDCWD, made.toUtf8().constData(), RENAME_NOREPLACE) !=
+      0) {
+    const int error = errno;
+    ::unlink(beside.toUtf8().constData());
+    throw systemFailure(error, made);
+  }
+}
+
 } // namespace
 
 QString addressInBookmark(const QByteArray &bytes) {
@@ -54,16 +83,11 @@ QString addressInBookmark(const QByteArray &bytes) {
 }
 
 void convertBookmarkFile(const QString &path) {
-  const QString text = shortcutText(addressInBookmark(bytesOf(path)));
+  const QByteArray text = shortcutText(addressInBookmark(bytesOf(path))).toUtf8();
   const QString folder = path.left(path.lastIndexOf(u'/') + 1);
   const QString made = folder + withExtension(nameWithoutExtension(path), u"url"_s);
-  const QString beside = folder + u".sonorel-"_s + QString::number(::getpid());
-  writeNew(hostPlace(beside), text.toUtf8(), beside);
-  if (::renameat2(AT_FDCWD, beside.toUtf8().constData(), AT_FDCWD, made.toUtf8().constData(), RENAME_NOREPLACE) !=
-      0) {
-    const int error = errno;
-    ::unlink(beside.toUtf8().constData());
-    throw systemFailure(error, made);
+  if (!linkedWhole(folder.toUtf8(), text, made)) {
+    writeBeside(text, folder, made);
   }
 }
 

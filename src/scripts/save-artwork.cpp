@@ -1,6 +1,7 @@
 // SaveToFolder_jpegonly.scpt TRACK TITLE NAME FOLDERS: saves the picture of a track as NAME.jpg in a folder of the
 // music folder on the share, which SONOREL_MUSIC_FOLDER names. FOLDERS is empty or like "Artist:Album:"; TITLE is for
-// systems that find the picture by it. Started once for each track, so that it uses the standard library and TagLib
+// systems that find the picture by it. SONOREL_TEMPORARY_NAME is the client's own name for a file that is not whole
+// yet: one that was left under it goes. Started once for each track, so that it uses the standard library and TagLib
 // only. Status 0 when the picture stands there; 1 when the track has none; 2 for wrong arguments; 3 when it cannot be
 // written.
 #include "scripts/PictureFile.h"
@@ -46,14 +47,21 @@ int main(int argc, char **argv) {
   }
   limitMemory();
   sonorel::obeyRequestsToEnd();
+  const char *given = std::getenv("SONOREL_TEMPORARY_NAME");
+  const std::string temporaryName = given != nullptr ? given : "";
+  std::string folder;
   std::string picture;
   try {
+    folder = sonorel::pictureFolder(musicFolder, argv[4]);
+    sonorel::removeLeftOver(folder, temporaryName);
     picture = sonorel::pictureOfTrack(argv[1], converterBeside());
+  } catch (const std::invalid_argument &failure) {
+    return complain(failure, kWrongUse);
   } catch (const std::exception &failure) {
     return complain(failure, kNoPicture);
   }
   try {
-    sonorel::placePicture(sonorel::pictureFolder(musicFolder, argv[4]), std::string(argv[3]) + ".jpg", picture);
+    sonorel::placePicture(folder, std::string(argv[3]) + ".jpg", picture, temporaryName);
     return 0;
   } catch (const std::invalid_argument &failure) {
     return complain(failure, kWrongUse);

@@ -52,6 +52,8 @@ TransferDriver::After TransferDriver::writeBookmark(const QueueEntry &entry) {
   if (scheme == kFeedScheme || scheme == kFileScheme) {
     const QString name = scheme == kFileScheme ? entry.item.chopped(kExtensionLength) : entry.item;
     showMessage(withFileName(message(u"Message5"_s), name));
+    m_view.selectTab(Tab::Transfer);
+    m_view.windowFrontCentre();
     return After::NextItem;
   }
   if (m_transfer.writeBookmark(entry.item, entry.companion)) {

@@ -45,7 +45,7 @@ bool BookmarkTransfer::convertAndPlace(const QString &path) {
   if (m_server.exists(file)) {
     return false;
   }
-  const auto local = isUrlFile ? std::optional(path) : m_processBookmark.processBookmark(path);
+  const auto local = isUrlFile ? std::optional(path) : m_processBookmark.processBookmark(path, m_server.stop());
   const bool placed = local && place(*local, file);
   if (local && (placed || !isUrlFile)) {
     removeLocal(*local);

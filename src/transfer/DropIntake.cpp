@@ -50,6 +50,11 @@ Drop dropOfBookmarks(const QStringList &titles, const QStringList &urls) {
   return drop;
 }
 
+// The library's own list is no more to be trusted than a drag: its paths have not been cleaned.
+const QString &imageFor(const QString &dropped, const QString &image) {
+  return isPlainPath(image) ? image : dropped;
+}
+
 bool isNotTransferable(const QString &name, const QStringList &paths) {
   return name == u"TV Shows" || name == u"iPod Games" || (paths.isEmpty() && name == kNoPlaylist);
 }
@@ -217,10 +222,11 @@ Drop DropIntake::dropOfAlbums(const QVariantList &photoData) {
   qsizetype next = 0;
   for (const Album &album : albums) {
     const bool isRecorded = album.name != kFinder && album.name != kNoPlaylist;
-    for (qsizetype end = next + album.paths.size(); next < end; ++next) {
-      drop.items.append(entryOf(images[next]));
+    for (const QString &dropped : album.paths) {
+      const QString image = imageFor(dropped, images.at(next++));
+      drop.items.append(entryOf(image));
       if (isRecorded) {
-        drop.pictureRecords.append({album.name, images[next], {}, images[next], u"N"_s});
+        drop.pictureRecords.append({album.name, image, {}, image, u"N"_s});
       }
     }
     drop.pictureRecords.append(PlaylistInfo());

@@ -1,5 +1,7 @@
 #include "transfer/PathNames.h"
 
+#include <algorithm>
+
 namespace sonorel {
 
 namespace {
@@ -30,6 +32,16 @@ QString nameWithoutExtension(const QString &path) {
   const QString name = lastPathComponent(path);
   const qsizetype dot = dotBeforeExtension(name);
   return dot < 0 ? name : name.left(dot);
+}
+
+bool isPlainPath(const QString &path) {
+  if (!path.startsWith(u'/')) {
+    return false;
+  }
+  const auto components = QStringView(path).sliced(1).split(u'/');
+  return std::none_of(components.begin(), components.end(), [](QStringView component) {
+    return component.isEmpty() || component == u"." || component == u"..";
+  });
 }
 
 QString withExtension(const QString &name, const QString &extension) {

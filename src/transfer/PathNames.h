@@ -1,4 +1,4 @@
-// The three questions about a path's last component that naming depends on. Pure text; names on the server may hold
+// The questions about a path and its last component that naming depends on. Pure text; names on the server may hold
 // backslashes and line feeds, so no path class of the platform is used. Any thread.
 #pragma once
 
@@ -13,6 +13,8 @@ namespace sonorel {
 [[nodiscard]] QString pathExtension(const QString &path);
 // The last component without its extension and the "." before it.
 [[nodiscard]] QString nameWithoutExtension(const QString &path);
+// Absolute, and every component names something below the one before.
+[[nodiscard]] bool isPlainPath(const QString &path);
 [[nodiscard]] QString withExtension(const QString &name, const QString &extension);
 
 } // namespace sonorel

@@ -19,6 +19,10 @@ TransferDriver::After TransferDriver::carryVideo(const Item &item) {
 
 // A film alone does not earn the closing line, and one that could not be copied is not told.
 TransferDriver::After TransferDriver::copyVideo(const Item &item) {
+  if (!sourceFacts(item.path, Links::Follow)) {
+    reportMissing(item.path);
+    return After::NextItem;
+  }
   if (m_transfer.transferVideoFile(item.path)) {
     m_transferred.videoFileTransferred = true;
     return After::NextItem;
@@ -39,6 +43,10 @@ TransferDriver::After TransferDriver::carryPicture(const Item &item) {
 }
 
 TransferDriver::After TransferDriver::copyPicture(const Item &item) {
+  if (!sourceFacts(item.path, Links::Follow)) {
+    reportMissing(item.path);
+    return After::NextItem;
+  }
   if (m_transfer.transferPhotoOrVideoFile(item.path)) {
     m_transferred.photoFileTransferred = true;
     m_showTransferCompleteMessage = true;

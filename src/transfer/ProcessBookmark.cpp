@@ -32,7 +32,8 @@ QString bookmarkScript(const QString &converter, const QString &path) {
   return u"set x to do shell script \""_s + escaped(u"sh \""_s + converter + u"\" \""_s + path + u'"') + u'"';
 }
 
-std::optional<QString> ProcessBookmark::processBookmark(const QString &path) {
+std::optional<QString> ProcessBookmark::processBookmark(const QString &path, const std::stop_token &stop) {
+  m_stop = stop;
   std::optional<QString> made;
   try {
     const auto facts = m_files.attributes(path, Links::Follow);
@@ -78,7 +79,7 @@ std::optional<QString> ProcessBookmark::convertInTemporaryFolder(const QString &
 }
 
 bool ProcessBookmark::convert(const QString &path, const QString &made) {
-  m_reason = m_scripts.convertBookmark(path);
+  m_reason = m_scripts.convertBookmark(path, m_stop);
   const bool isThere = m_files.presence(made) == Presence::Present;
   if (m_reason && isThere) {
     m_files.removeFile(made); // what a failed converter left

@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <optional>
+#include <stop_token>
 
 namespace sonorel {
 
@@ -24,8 +25,8 @@ public:
 
   // The ".url" file of a ".webloc": beside it, or in a temporary folder when it cannot be made there or when the name
   // is taken by a file of the user's. The caller removes it, and then calls clear. nullopt, and a log line, when
-  // there is no address in the file.
-  [[nodiscard]] std::optional<QString> processBookmark(const QString &path);
+  // there is no address in the file. stop ends the converter.
+  [[nodiscard]] std::optional<QString> processBookmark(const QString &path, const std::stop_token &stop = {});
   // Nothing temporary stays.
   void clear();
 
@@ -40,6 +41,7 @@ private:
   Scripts &m_scripts;
   Desktop &m_desktop;
   bool m_temporaryFolderUsed = false;
+  std::stop_token m_stop;          // of the running conversion
   std::optional<QString> m_reason; // of the last conversion that failed; nullopt: it had no result
 };
 

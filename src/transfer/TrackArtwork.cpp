@@ -4,6 +4,8 @@
 #include "transfer/PathNames.h"
 #include "transfer/TrackNames.h"
 
+#include <QScopeGuard>
+
 #include <algorithm>
 #include <atomic>
 #include <memory>
@@ -21,8 +23,19 @@ constexpr int kOpenPlayer = 0;
 constexpr int kWithoutArtwork = 1;
 constexpr int kNoAnswer = -1;
 constexpr int kStillOpen = -2;
+constexpr int kSignalled = 128; // and the number of the signal
+
+// Not by the stop: then there is no time for more than the script does itself.
+bool wasKilled(const ToolResult &result) {
+  return result.ending == ToolEnding::DeadlinePassed ||
+         (result.ending == ToolEnding::Exited && result.status > kSignalled);
+}
 
 } // namespace
+
+QString artworkTemporaryName(const QString &mark) {
+  return mark.isEmpty() ? QString() : u".sonorel-"_s + mark + u"-artwork"_s;
+}
 
 struct TrackArtwork::Picture {
   QString name;           // without ".jpg"
@@ -78,24 +91,31 @@ TrackArtwork::Picture TrackArtwork::pictureOf(const QString &track, const QStrin
 void TrackArtwork::exportPicture(const QString &track, const Picture &picture, const std::stop_token &stop) {
   const QString title = getTitleOfTrack(track, m_tools.metadata.tags(track));
   m_tools.files.write(m_paths.handOverFile, QStringList{title, picture.name, track}.join(u'\n').toUtf8());
-  if (!runScript(u"SaveToFolder_jpegonly.scpt"_s, {track, title, picture.name, picture.folderArgument}, stop)) {
-    return;
-  }
-  try {
-    m_tools.files.removeFile(picture.serverFolder + u"._"_s + picture.name + u".jpg"_s);
-  } catch (const Failure &) { // there is none on most platforms
-    (void)picture;
+  const ToolResult result =
+      runScript(u"SaveToFolder_jpegonly.scpt"_s, {track, title, picture.name, picture.folderArgument}, stop);
+  if (succeeded(result)) {
+    removeBeside(picture, u"._"_s + picture.name + u".jpg"_s);
+  } else if (wasKilled(result) && !m_paths.temporaryName.isEmpty()) {
+    removeBeside(picture, m_paths.temporaryName);
   }
 }
 
-bool TrackArtwork::runScript(const QString &name, const QStringList &arguments, const std::stop_token &stop) {
+void TrackArtwork::removeBeside(const Picture &picture, const QString &name) {
+  try {
+    m_tools.files.removeFile(picture.serverFolder + name);
+  } catch (const Failure &) {
+    (void)name;
+  }
+}
+
+ToolResult TrackArtwork::runScript(const QString &name, const QStringList &arguments, const std::stop_token &stop) {
   const QStringList all = QStringList{m_paths.appDataFolder + name} + arguments;
   const ToolResult result =
       m_tools.processes.run({u"/usr/bin/osascript"_s, all, std::nullopt, kScriptDeadline}, stop);
   if (!succeeded(result)) {
     m_tools.desktop.log(u"script unsuccessful.."_s);
   }
-  return succeeded(result);
+  return result;
 }
 
 bool TrackArtwork::mayOpenPlayer(const std::stop_token &stop) {
@@ -111,9 +131,12 @@ bool TrackArtwork::mayOpenPlayer(const std::stop_token &stop) {
 int TrackArtwork::answerOfUser(const std::stop_token &stop) {
   m_strings.reload();
   const auto answer = std::make_shared<std::atomic<int>>(kStillOpen);
-  m_view.ask(u"Sonorel"_s, m_strings.text(u"iTunesQuitMessageText"_s),
-             {m_strings.text(u"iTunesQuitOpenText"_s), m_strings.text(u"iTunesQuitCloseText"_s)},
-             [answer](int button) { *answer = button; });
+  const quint32 question =
+      m_view.ask({.message = u"Sonorel"_s,
+                  .informativeText = m_strings.text(u"iTunesQuitMessageText"_s),
+                  .buttons = {m_strings.text(u"iTunesQuitOpenText"_s), m_strings.text(u"iTunesQuitCloseText"_s)}},
+                 [answer](int button) { *answer = button; });
+  const auto nobodyWaits = qScopeGuard([this, question] { m_view.withdraw(question); });
   const TransferBoard &board = m_tools.board;
   while (*answer == kStillOpen) {
     if (board.isCancel || board.manualSleepWasConnected || !m_tools.clock.sleep(kLookForAnswer, stop)) {

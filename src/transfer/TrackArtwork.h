@@ -20,7 +20,12 @@ struct ArtworkPaths {
   QString bundle;        // of this application
   QString appDataFolder; // holds the scripts, ends in "/"
   QString handOverFile;  // "ArtworkData.txt"
+  QString temporaryName; // of a picture that is not whole yet; empty: not known
 };
+
+// The name under which the exporter writes for the client of that mark, and nobody else: whoever finds it there later
+// knows that it was left. Empty for an empty mark.
+[[nodiscard]] QString artworkTemporaryName(const QString &mark);
 
 class TrackArtwork {
 public:
@@ -41,7 +46,9 @@ private:
   [[nodiscard]] Picture pictureOf(const QString &track, const QString &changedFileName,
                                   bool useFolderHierarchy) const;
   void exportPicture(const QString &track, const Picture &picture, const std::stop_token &stop);
-  [[nodiscard]] bool runScript(const QString &name, const QStringList &arguments, const std::stop_token &stop);
+  [[nodiscard]] ToolResult runScript(const QString &name, const QStringList &arguments, const std::stop_token &stop);
+  // Of the file beside the picture; there is none as a rule.
+  void removeBeside(const Picture &picture, const QString &name);
   [[nodiscard]] bool mayOpenPlayer(const std::stop_token &stop);
   [[nodiscard]] int answerOfUser(const std::stop_token &stop);
 

@@ -49,4 +49,14 @@ TEST(EndRequests, FurtherSignalsDoNotProlongTheTimeToTheEnd) {
   EXPECT_GT(::alarm(0), 15U);
 }
 
+TEST(EndRequests, AreSeenByAStartThatWaitsAndAreNotLost) {
+  EndRequests requests;
+  EXPECT_FALSE(requests.arrivesWithin(std::chrono::milliseconds(0)));
+  ::raise(SIGTERM);
+  EXPECT_TRUE(requests.arrivesWithin(std::chrono::milliseconds(5000)));
+  int asked = 0;
+  requests.observe(QDBusConnection::sessionBus(), [&asked] { ++asked; });
+  EXPECT_TRUE(waitUntil([&asked] { return asked == 1; }));
+}
+
 } // namespace sonorel

@@ -99,8 +99,8 @@ protected:
   InterfaceController interface { fakes.loop, fakes.userInterface, board, strings };
   MessageLog log{[this] { interface.fillMessageLog([this] { return log.viewText(); }); }};
   ClientMessages messages{fakes.files, fakes.desktop, strings, interface, session, standardFolders()};
-  DeviceName deviceName{fakes.files,       fakes.propertyLists,           fakes.desktop, settings, session,
-                        standardFolders(), fakes.paths.machinePreferences};
+  DeviceName deviceName{fakes.files, fakes.propertyLists, fakes.desktop, settings,
+                        session,     standardFolders(),   fakes.paths};
   ProductList products{{fakes.files, fakes.propertyLists, fakes.desktop, strings, interface, settings, session},
                        fakes.paths.productsDetailsDictFilePath,
                        [this](const ProductTables &tables) { interface.setProducts(tables); }};

@@ -24,7 +24,12 @@ protected:
         },
         [this] { ran.append(QStringLiteral("updateDeviceName")); },
         [this] { return powerRegisters; },
-        [this] { ran.append(QStringLiteral("connectAutomatically")); },
+        [this] {
+          ran.append(QStringLiteral("connectAutomatically"));
+          if (onConnectAutomatically) {
+            onConnectAutomatically();
+          }
+        },
         [this] { ran.append(QStringLiteral("showTrueState")); },
         [this] { ran.append(QStringLiteral("createDiscovery")); },
         [this](bool shown) { ran.append(shown ? QStringLiteral("indicator on") : QStringLiteral("indicator off")); }};
@@ -35,6 +40,7 @@ protected:
   QStringList ran;
   bool powerRegisters = true;
   std::function<void()> onPrepareProducts;
+  std::function<void()> onConnectAutomatically;
   Settings settings{fakes.files, fakes.propertyLists, fakes.paths.PFPath};
   Settings preferences{fakes.files, fakes.propertyLists, fakes.paths.preferences};
   Strings strings{fakes.files, fakes.propertyLists, fakes.paths.resourceFilePath};

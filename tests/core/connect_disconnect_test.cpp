@@ -166,6 +166,45 @@ TEST_F(DisconnectTest, CancelStopsTheTransferAtItsNextLook) {
   EXPECT_EQ(fakes.loop.timerCount(), 1) << "the pulse has stopped, the alive timer has not";
 }
 
+TEST_F(DisconnectTest, CancelledTransferIsCancelledOnce) {
+  beginTransfer();
+  flow.onCancel();
+  flow.onCancel();
+  fakes.loop.runPosted();
+  EXPECT_EQ(shown().messageLog, u"messagesCancelling the transfer. Please wait...\n"_s);
+}
+
+TEST_F(DisconnectTest, TransferThatASleepHasBrokenOffCannotBeCancelled) {
+  beginTransfer();
+  static_cast<void>(board.abort());
+  interface.setDockIcon(u"Disconnect"_s);
+  flow.onCancel();
+  fakes.loop.runPosted();
+  EXPECT_FALSE(board.isCancel);
+  EXPECT_EQ(shown().dockImage, u"Disconnect"_s);
+  EXPECT_EQ(shown().messageLog, u"messages"_s);
+}
+
+// The share that could not be left before the sleep is still there, and nothing is carried any more.
+TEST_F(DisconnectTest, TransferThatASleepHasBrokenOffKeepsNobodyConnected) {
+  beginTransfer();
+  static_cast<void>(board.abort());
+  EXPECT_FALSE(flow.transferRuns());
+  disconnect();
+  EXPECT_EQ(questions(), QStringList());
+  EXPECT_FALSE(fakes.files.isMounted(point));
+}
+
+TEST_F(DisconnectTest, SleepKeepsTheLogOfTheTransferThatItHasBrokenOff) {
+  beginTransfer();
+  board.manualSleepWasConnected = true;
+  static_cast<void>(board.abort());
+  disconnect();
+  EXPECT_FALSE(fakes.files.isMounted(point));
+  EXPECT_EQ(shown().messageLog, u"messages"_s);
+  EXPECT_EQ(shown().progress, 40);
+}
+
 TEST_F(DisconnectTest, CancelWithoutATransferDoesNothing) {
   flow.onCancel();
   fakes.loop.runPosted();

@@ -109,6 +109,14 @@ TEST_F(QuitAndReopenTest, UnmountThatThrowsKeepsNobodyFromQuitting) {
   EXPECT_TRUE(fakes.desktop.logged(u"no pipe"_s));
 }
 
+TEST_F(QuitAndReopenTest, TransferThatASleepHasBrokenOffKeepsNobodyFromQuitting) {
+  connectForTest();
+  beginTransfer();
+  static_cast<void>(board.abort());
+  EXPECT_EQ(quit(), TerminateReply::Now);
+  EXPECT_FALSE(fakes.files.isMounted(point));
+}
+
 TEST_F(QuitAndReopenTest, QuitSavesTheLanguageAndKeepsTheOtherPreferences) {
   EXPECT_EQ(quit(), TerminateReply::Now);
   EXPECT_EQ(fakes.dictionary(fakes.paths.preferences),

@@ -68,4 +68,22 @@ TEST_F(ControllerArtworkTest, ACancelDoesNotWaitForTheAnswer) {
   EXPECT_TRUE(scripts().isEmpty());
   EXPECT_TRUE(fakes.userInterface.last().messageLog.endsWith(u"The transfer was cancelled."_s));
   EXPECT_EQ(finished, 1U);
+  EXPECT_TRUE(fakes.userInterface.questions.isEmpty()) << "of a transfer that is over";
+  EXPECT_EQ(fakes.userInterface.closed, QList<quint32>{1});
+}
+
+TEST_F(ControllerArtworkTest, ASleepTakesTheQuestionAway) {
+  fakes.runningApplications.applications.clear();
+  startConnected();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  whileWaiting([&] {
+    if (!fakes.userInterface.questions.isEmpty()) {
+      fakes.power.send(PowerMessage::SystemWillSleep);
+    }
+  });
+  carry();
+  fakes.power.wake();
+  fakes.loop.runPosted();
+  EXPECT_TRUE(fakes.userInterface.questions.isEmpty());
+  EXPECT_FALSE(fakes.userInterface.last().transferring);
 }

@@ -1,5 +1,6 @@
 // Products found on the network, through the whole controller: shown, taken over, chosen, woken, connected.
 #include "ControllerFixture.h"
+#include "platform/Failure.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace sonorel;
@@ -46,6 +47,27 @@ TEST_F(ControllerProductsTest, BrowsesAfterTheAutomaticConnectionHasBeenTried) {
   EXPECT_EQ(browsedWhileMounting, QString());
   EXPECT_EQ(fakes.serviceBrowser.type, u"_qxproduct_-1._tcp."_s);
   EXPECT_EQ(fakes.serviceBrowser.domain, QString());
+}
+
+TEST_F(ControllerProductsTest, FindsProductsAlsoWhenTheAutomaticConnectionBroke) {
+  selectProduct(u"p@ss"_s);
+  fakes.processes.onRun = [this](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (request.program == u"/sbin/mount"_s) { // what is found out of the product cannot be stored
+      fakes.files.failPath(fakes.paths.PFPath, FailureKind::Other);
+    }
+    return std::nullopt;
+  };
+  start();
+  EXPECT_TRUE(fakes.desktop.logged(u"Exception in ---> <AppController><awakeFromNib> "_s));
+  announce(den());
+  EXPECT_EQ(state().detectedProducts, QStringList({kRow}));
+  EXPECT_FALSE(state().busy);
+  EXPECT_FALSE(state().connectionIndicator);
+}
+
+TEST_F(ControllerProductsTest, ShowsTheGlyphOfTheLanguageThatItStartedWith) {
+  start();
+  EXPECT_EQ(state().checkMark, u"\u2713"_s);
 }
 
 TEST_F(ControllerProductsTest, ProductThatIsFoundIsShownTakenOverWokenAndConnected) {

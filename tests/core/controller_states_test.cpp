@@ -43,6 +43,20 @@ TEST_F(ControllerStatesTest, TwoConnectsAtOnceAreOne) {
   EXPECT_EQ(mounts(), 2) << "a later one connects anew";
 }
 
+TEST_F(ControllerStatesTest, ConnectPressedBesideAPasswordIsTheSameConnect) {
+  selectProduct({});
+  start();
+  ASSERT_TRUE(shown().passwordWanted);
+  controller->enterPassword(u"secret"_s);
+  controller->connect();
+  fakes.loop.runPosted();
+  EXPECT_EQ(mounts(), 1);
+  EXPECT_TRUE(shown().connected);
+  controller->connect();
+  fakes.loop.runPosted();
+  EXPECT_EQ(mounts(), 2) << "a later one connects anew";
+}
+
 TEST_F(ControllerStatesTest, ConnectThatFailsDoesNotBlockTheNext) {
   startConnected();
   controller->disconnect();
@@ -137,6 +151,40 @@ TEST_F(ControllerStatesTest, NothingIsDoneAfterTheEnd) {
   fakes.loop.runPosted();
   EXPECT_EQ(fakes.processes.requests.size(), 0);
   EXPECT_EQ(fakes.processes.detached.size(), 1) << "the agent of the start";
+}
+
+// The share could not be left: nothing is put onto it all the same.
+TEST_F(ControllerStatesTest, DropAfterTheEndIsNotCarried) {
+  startConnected();
+  fakes.processes.onRun = [](const ToolRequest &request) -> std::optional<ToolResult> {
+    return request.program == u"/sbin/umount"_s ? std::optional(exited(1, "busy\n")) : std::nullopt;
+  };
+  controller->quit();
+  fakes.loop.runPosted();
+  ASSERT_EQ(fakes.userInterface.quitStatus, 0);
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  EXPECT_FALSE(fakes.worker.hasBody());
+  EXPECT_EQ(finished, 1U);
+}
+
+TEST_F(ControllerStatesTest, TellsThatItIsAskedToQuitUntilItRefuses) {
+  startConnected();
+  EXPECT_FALSE(controller->isQuitting());
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  controller->quit();
+  EXPECT_TRUE(controller->isQuitting()) << "from the request on, whatever the controller's thread does";
+  fakes.loop.runPosted();
+  EXPECT_FALSE(controller->isQuitting()) << "refused: a transfer runs";
+  controller->endRequested();
+  EXPECT_TRUE(controller->isQuitting());
+  fakes.loop.runPosted();
+  EXPECT_FALSE(controller->isQuitting());
+  carry();
+  controller->quit();
+  controller->quit();
+  fakes.loop.runPosted();
+  EXPECT_EQ(fakes.userInterface.quitStatus, 0);
+  EXPECT_TRUE(controller->isQuitting()) << "for good";
 }
 
 TEST_F(ControllerStatesTest, ReopenIsTrueToTheStateItFinds) {

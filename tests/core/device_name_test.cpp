@@ -31,8 +31,8 @@ protected:
   FakePlatform fakes;
   Settings settings{fakes.files, fakes.propertyLists, fakes.paths.PFPath};
   Session session;
-  DeviceName device{fakes.files,       fakes.propertyLists,           fakes.desktop, settings, session,
-                    standardFolders(), fakes.paths.machinePreferences};
+  DeviceName device{fakes.files, fakes.propertyLists, fakes.desktop, settings,
+                    session,     standardFolders(),   fakes.paths};
 };
 
 } // namespace
@@ -100,6 +100,17 @@ TEST_F(DeviceNameTest, MakesTheMachineWideFileWhenItIsMissing) {
   EXPECT_EQ(device.getDeviceName(), u"Auracore 5"_s);
   EXPECT_EQ(fakes.dictionary(fakes.paths.machinePreferences), QVariantMap({{u"MACAdress"_s, kAddressBytes}}));
   EXPECT_EQ(fakes.files.mode(fakes.paths.machinePreferences), 0777U) << "as everybody else makes it";
+}
+
+// Its folder is emptied by every start of the first launch.
+TEST_F(DeviceNameTest, DamagedMachineWideFileIsKeptBesideItsFolder) {
+  fakes.files.put(fakes.paths.machinePreferences, "<plist><dict>");
+  fakes.files.put(kAddressFile, kAddressBytes);
+  EXPECT_EQ(device.getDeviceName(), u"Auracore 5"_s);
+  const auto kept = u"/Library/Application Support/Sonorel LastPreferences.plist.damaged"_s;
+  EXPECT_EQ(fakes.files.bytes(kept), QByteArray("<plist><dict>"));
+  EXPECT_TRUE(fakes.desktop.logged(u"kept as "_s + kept));
+  EXPECT_EQ(fakes.dictionary(fakes.paths.machinePreferences), QVariantMap({{u"MACAdress"_s, kAddressBytes}}));
 }
 
 TEST_F(DeviceNameTest, ForgetsTheHardwareAddressOfAnEarlierProduct) {

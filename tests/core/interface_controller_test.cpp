@@ -149,8 +149,10 @@ TEST_F(InterfaceControllerTest, AlertIsAQuestionWithOneButton) {
 
 TEST_F(InterfaceControllerTest, AnswersReachTheirQuestionOnce) {
   QStringList answers;
-  interface.ask(u"first"_s, {}, {u"No"_s, u"Yes"_s}, [&](int button) { answers.append(u"first %1"_s.arg(button)); });
-  interface.ask(u"second"_s, {}, {u"OK"_s}, [&](int button) { answers.append(u"second %1"_s.arg(button)); });
+  interface.ask({.message = u"first"_s, .informativeText = {}, .buttons = {u"No"_s, u"Yes"_s}},
+                [&](int button) { answers.append(u"first %1"_s.arg(button)); });
+  interface.ask({.message = u"second"_s, .informativeText = {}, .buttons = {u"OK"_s}},
+                [&](int button) { answers.append(u"second %1"_s.arg(button)); });
   interface.answerAlert(2, 0); // takes what waits as asked
   interface.answerAlert(1, 2);
   interface.answerAlert(1, -1);
@@ -162,14 +164,41 @@ TEST_F(InterfaceControllerTest, AnswersReachTheirQuestionOnce) {
   EXPECT_EQ(fakes.userInterface.closed, QList<quint32>({2, 1}));
 }
 
+TEST_F(InterfaceControllerTest, WithdrawnQuestionIsClosedUnanswered) {
+  QList<int> answers;
+  const auto note = [&](int button) { answers.append(button); };
+  const quint32 first = interface.ask({.message = u"first"_s, .informativeText = {}, .buttons = {u"OK"_s}}, note);
+  fakes.loop.runPosted();
+  const quint32 second = interface.ask({.message = u"second"_s, .informativeText = {}, .buttons = {u"OK"_s}}, note);
+  interface.withdraw(first);
+  interface.withdraw(second); // not yet open
+  fakes.loop.runPosted();
+  interface.answerAlert(first, 0);
+  interface.withdraw(first);
+  fakes.loop.runPosted();
+  EXPECT_TRUE(fakes.userInterface.questions.isEmpty());
+  EXPECT_EQ(fakes.userInterface.closed, QList<quint32>({1, 2}));
+  EXPECT_EQ(answers, QList<int>());
+}
+
+TEST_F(InterfaceControllerTest, QuestionIsOpenedWithAllThatWasAsked) {
+  interface.ask(
+      {.message = u"message"_s, .informativeText = {}, .buttons = {u"No"_s, u"Yes"_s}, .helpAnchor = u"Removing"_s},
+      [](int) {});
+  fakes.loop.runPosted();
+  ASSERT_EQ(fakes.userInterface.questions.size(), 1);
+  EXPECT_EQ(fakes.userInterface.questions.first().buttons, QStringList({u"No"_s, u"Yes"_s}));
+  EXPECT_EQ(fakes.userInterface.questions.first().helpAnchor, u"Removing"_s);
+}
+
 TEST_F(InterfaceControllerTest, EndOfTheProgramAnswersEveryQuestion) {
   QList<int> answers;
   const auto note = [&](int button) { answers.append(button); };
-  interface.ask(u"open"_s, {}, {u"OK"_s}, note);
+  interface.ask({.message = u"open"_s, .informativeText = {}, .buttons = {u"OK"_s}}, note);
   fakes.loop.runPosted();
-  interface.ask(u"asked and not yet open"_s, {}, {u"OK"_s}, note);
+  interface.ask({.message = u"asked and not yet open"_s, .informativeText = {}, .buttons = {u"OK"_s}}, note);
   interface.closeQuestions();
-  interface.ask(u"too late"_s, {}, {u"OK"_s}, note);
+  interface.ask({.message = u"too late"_s, .informativeText = {}, .buttons = {u"OK"_s}}, note);
   fakes.loop.runPosted();
   EXPECT_EQ(answers, QList<int>({-1, -1, -1}));
   EXPECT_TRUE(fakes.userInterface.questions.isEmpty());

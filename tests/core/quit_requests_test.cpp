@@ -89,6 +89,22 @@ TEST_F(QuitRequestsTest, InterruptsTheFirstRequestByTheSecond) {
   EXPECT_EQ(ran, QStringList({u"ask"_s, u"cancel at once"_s, u"join"_s, u"ask"_s, u"terminate"_s}));
 }
 
+TEST_F(QuitRequestsTest, IsAskedFromTheRequestToItsRefusal) {
+  EXPECT_FALSE(quit.isAsked());
+  agrees = false;
+  quit.byUser();
+  quit.byUser();
+  EXPECT_TRUE(quit.isAsked());
+  loop.runPosted();
+  EXPECT_FALSE(quit.isAsked());
+  quit.unconditionally();
+  EXPECT_TRUE(quit.isAsked());
+  loop.runPosted();
+  quit.byUser();
+  loop.runPosted();
+  EXPECT_TRUE(quit.isAsked());
+}
+
 TEST_F(QuitRequestsTest, EndsUnconditionallyWithoutHurry) {
   agrees = false;
   quit.unconditionally();

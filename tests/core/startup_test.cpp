@@ -222,5 +222,17 @@ TEST_F(StartUpTest, KeepsRunningAfterAFailureWhileAwaking) {
   EXPECT_EQ(fakes.desktop.lines, QStringList({u"Exception in ---> <AppController><awakeFromNib> broken"_s}));
   EXPECT_EQ(view.calls, QStringList({u"alert Something went wrong|An unexpected problem occurred while connecting to "
                                      u"the product (Auralis 5). Please try again."_s}));
-  EXPECT_EQ(ran.mid(ran.size() - 2), QStringList({u"showTrueState"_s, u"indicator off"_s}));
+  EXPECT_EQ(ran.mid(ran.size() - 3), QStringList({u"showTrueState"_s, u"createDiscovery"_s, u"indicator off"_s}));
+}
+
+TEST_F(StartUpTest, LooksForProductsAlsoAfterAConnectionThatFailedByException) {
+  fakes.install();
+  ASSERT_TRUE(startUp.init());
+  ran.clear();
+  onConnectAutomatically = [] { throw std::runtime_error("no pipe"); };
+  startUp.awakeFromNib();
+  EXPECT_EQ(ran,
+            QStringList({u"indicator on"_s, u"prepareProducts"_s, u"updateDeviceName"_s, u"connectAutomatically"_s,
+                         u"showTrueState"_s, u"createDiscovery"_s, u"indicator off"_s}));
+  EXPECT_EQ(fakes.desktop.lines, QStringList({u"Exception in ---> <AppController><awakeFromNib> no pipe"_s}));
 }

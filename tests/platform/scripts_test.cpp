@@ -51,16 +51,26 @@ TEST_F(LinuxScriptsTest, FailedEjectHasNoPause) {
 
 TEST_F(LinuxScriptsTest, ConvertsABookmark) {
   answer({ToolEnding::Exited, 0, {}});
-  EXPECT_EQ(scripts.convertBookmark(u"/b/\"x\".webloc"_s), std::nullopt);
+  EXPECT_EQ(scripts.convertBookmark(u"/b/\"x\".webloc"_s, {}), std::nullopt);
   ASSERT_EQ(processes.requests.size(), 1);
   EXPECT_EQ(processes.requests[0].arguments, (QStringList{u"/Resources/Convert.sh"_s, u"/b/\"x\".webloc"_s}));
 }
 
+TEST_F(LinuxScriptsTest, AConversionEndsWithItsOwnTokenOnly) {
+  std::stop_source others;
+  LinuxScripts interrupted{files, processes, clock, [&] { return others.get_token(); }, u"/Resources/Convert.sh"_s};
+  others.request_stop();
+  std::stop_source own;
+  EXPECT_EQ(interrupted.convertBookmark(u"/b.webloc"_s, own.get_token()), std::nullopt);
+  own.request_stop();
+  EXPECT_EQ(interrupted.convertBookmark(u"/b.webloc"_s, own.get_token()), u"the converter was stopped"_s);
+}
+
 TEST_F(LinuxScriptsTest, TellsWhyABookmarkWasNotConverted) {
   answer({ToolEnding::Exited, 3, "no address inside\n"});
-  EXPECT_EQ(scripts.convertBookmark(u"/b.webloc"_s), u"no address inside"_s);
+  EXPECT_EQ(scripts.convertBookmark(u"/b.webloc"_s, {}), u"no address inside"_s);
   answer({ToolEnding::Exited, 3, {}});
-  EXPECT_EQ(scripts.convertBookmark(u"/b.webloc"_s), u"the converter ended with status 3"_s);
+  EXPECT_EQ(scripts.convertBookmark(u"/b.webloc"_s, {}), u"the converter ended with status 3"_s);
   answer({ToolEnding::NotStarted, -1, {}});
-  EXPECT_EQ(scripts.convertBookmark(u"/b.webloc"_s), u"the converter could not be started"_s);
+  EXPECT_EQ(scripts.convertBookmark(u"/b.webloc"_s, {}), u"the converter could not be started"_s);
 }

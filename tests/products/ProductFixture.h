@@ -61,9 +61,27 @@ protected:
   QVariantList selected() { return records(QStringLiteral("Selected Devices")); }
   QVariantList earlier() { return records(QStringLiteral("Earlier Connected Devices")); }
   QStringList alerts() { return view.callsStartingWith(QStringLiteral("alert")); }
+  // How often an operation has read ("read") and replaced ("write") the whole file, in its order.
+  QStringList costOf(const std::function<void()> &operation) {
+    files.clearLog();
+    operation();
+    QStringList cost;
+    for (const QString &line : files.log()) {
+      if (line == QStringLiteral("read ") + path) {
+        cost.append(QStringLiteral("read"));
+      } else if (line == QStringLiteral("writeAtomically ") + path) {
+        cost.append(QStringLiteral("write"));
+      }
+    }
+    return cost;
+  }
 
   const QString path = QStringLiteral("/Users/anna/Library/Application Support/Sonorel/DevicesDetails.xml");
   const QString kAlreadyAdded = QStringLiteral("alert Please note|This product is already in the list.");
+  const QString kNotChanged =
+      QStringLiteral("alert Something went wrong|The list of products could not be changed. Please check that there "
+                     "is free space on your disk and try again.");
+  const QStringList kReadAndWritten{QStringLiteral("read"), QStringLiteral("write")};
   FakeFileSystem files;
   FakeDesktop desktop;
   FakeView view;

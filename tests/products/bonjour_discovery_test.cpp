@@ -204,21 +204,25 @@ TEST_F(BonjourDiscoveryTest, TwoHundredAtOnceAreAllRecorded) {
   EXPECT_EQ(tables.detected.size(), 200);
 }
 
-TEST_F(BonjourDiscoveryTest, EventAmongManyRecordsReadsAndWritesTheFileOnce) {
-  const auto cost = [this](int count) {
-    QVariantList many;
-    QVariantList past;
-    for (int i = 0; i < count; ++i) {
-      const QString number = QString::number(i);
-      many.append(detected(u"P"_s + number, u"M"_s + number, u"T"_s + number));
-      past.append(with(byHand(u"10.1.0."_s + number), u"Mac Address"_s, number));
-    }
-    put({{u"Detected Devices"_s, many}, {u"Selected Devices"_s, many}, {u"Earlier Connected Devices"_s, past}});
-    const int before = files.operations();
-    announce(published(u"den [%1]"_s.arg(count), u"10.0.0.7"_s, texts("S" + QByteArray::number(count))));
-    EXPECT_EQ(detectedDevices().size(), count + 1);
-    return files.operations() - before;
-  };
-  const int few = cost(1);
-  EXPECT_EQ(cost(500), few);
+TEST_F(BonjourDiscoveryTest, EachEventReadsAndWritesTheFileOnceAmongFiveHundredProducts) {
+  QVariantList many;
+  QVariantList earlierOnes;
+  for (int i = 0; i < 500; ++i) {
+    const QString number = QString::number(i);
+    many.append(detected(u"P"_s + number, u"M"_s + number, u"T"_s + number));
+    earlierOnes.append(with(byHand(u"10.1.0."_s + number), u"Mac Address"_s, number));
+  }
+  put({{u"Detected Devices"_s, many}, {u"Selected Devices"_s, many}, {u"Earlier Connected Devices"_s, earlierOnes}});
+  const auto last = published(u"den [M499]"_s, u"10.0.0.7"_s, texts("T499"));
+  EXPECT_EQ(costOf([&] { browser.appear(last.service); }), QStringList()) << "found, not yet resolved";
+  EXPECT_EQ(costOf([&] { browser.answer(last); }), kReadAndWritten) << "renews two records";
+  EXPECT_EQ(detectedDevices().size(), 500);
+  EXPECT_EQ(selected().at(499).toMap().value(u"IP Address"_s), u"10.0.0.7"_s);
+  EXPECT_EQ(costOf([&] { browser.answer(last); }), QStringList({u"read"_s})) << "nothing new";
+  EXPECT_EQ(costOf([&] { announce(published(kDen, u"10.0.0.8"_s, texts("S1"))); }), kReadAndWritten);
+  EXPECT_EQ(detectedDevices().size(), 501);
+  EXPECT_EQ(costOf([&] { browser.vanish(last.service); }), kReadAndWritten);
+  EXPECT_EQ(detectedDevices().size(), 500);
+  EXPECT_EQ(selected().size(), 500);
+  EXPECT_EQ(earlier(), earlierOnes);
 }

@@ -83,7 +83,7 @@ TEST_F(ProductListFileTest, OddEntriesAreKeptInACopyBeforeTheyAreWrittenOver) {
   const QVariantMap odd{{u"Selected Devices"_s, QVariantList{u"text"_s, byHand(u"10.0.0.1"_s)}},
                         {u"Manually Added Devices"_s, QVariantMap{{u"a"_s, u"b"_s}}}};
   put(odd);
-  products.removeDetectedDevices();
+  products.clearDetectedDevices();
   EXPECT_EQ(content(), odd) << "nothing to write";
   products.AddManualProduct(u"10.0.0.2"_s, {});
   products.AddManualProduct(u"10.0.0.3"_s, {});

@@ -26,12 +26,12 @@ TEST_F(ProductListTest, LoadsSelectedAndAddedProductsButNotTheDetectedOnes) {
 
 TEST_F(ProductListTest, RemovesTheDetectedProductsAndNothingElse) {
   put({{u"Detected Devices"_s, QVariantList{detected(u"Old"_s, u"00"_s)}}, {u"Other"_s, 7}});
-  products.removeDetectedDevices();
+  products.clearDetectedDevices();
   EXPECT_EQ(content(), QVariantMap({{u"Other"_s, 7LL}}));
 }
 
 TEST_F(ProductListTest, MakesNoFileOnlyToRemoveFromIt) {
-  products.removeDetectedDevices();
+  products.clearDetectedDevices();
   EXPECT_FALSE(files.exists(path));
 }
 
@@ -113,13 +113,61 @@ TEST_F(ProductListTest, MarksOneAndUnmarksTheOthers) {
   EXPECT_TRUE(products.markActive({2, {}})->wasActive);
 }
 
-TEST_F(ProductListTest, FileThatCannotBeWrittenChangesNothingAndIsToldInTheLog) {
-  put(u"Manually Added Devices"_s, {byHand(u"10.0.0.2"_s)});
+TEST_F(ProductListTest, ActionThatCannotWriteChangesNothingAndIsToldToTheUser) {
+  put({{u"Detected Devices"_s, QVariantList{detected(u"A"_s, u"00-11"_s)}},
+       {u"Manually Added Devices"_s, QVariantList{byHand(u"10.0.0.2"_s)}},
+       {u"Selected Devices"_s, QVariantList{passive(byHand(u"10.0.0.9"_s))}}});
   products.load();
-  files.failPath(path, FailureKind::Other);
-  products.AddManualProduct(u"10.0.0.3"_s, {});
-  EXPECT_TRUE(desktop.logged(u"Exception in ---> <AppController><AddManualProduct> "_s));
-  EXPECT_EQ(tables.added, QStringList({u"10.0.0.2"_s}));
+  const QByteArray before = files.bytes(path);
+  const ProductTables shownBefore = tables;
+  files.setFreeBytes(u"/"_s, 0);
+  const QList<std::pair<QString, std::function<void()>>> actions{
+      {u"AddManualProduct"_s, [&] { products.AddManualProduct(u"10.0.0.3"_s, {}); }},
+      {u"AddDetectedProductToProductsList"_s,
+       [&] {
+         products.AddDetectedProductToProductsList({0, {}});
+       }},
+      {u"AddManuallyAddedProductToProductsList"_s,
+       [&] {
+         products.AddManuallyAddedProductToProductsList({0, {}});
+       }},
+      {u"RemoveAManualProductFromList"_s,
+       [&] {
+         products.RemoveAManualProductFromList({0, {}});
+       }},
+      {u"onProductSelection"_s,
+       [&] {
+         EXPECT_FALSE(products.markActive({0, {}}));
+       }},
+      {u"RemoveAProductProductsList"_s,
+       [&] {
+         EXPECT_FALSE(products.removeSelectedProduct({0, {}}, ProductList::Active::Remove));
+       }},
+      {u"RemoveWholeProductsFromProductList"_s,
+       [&] { EXPECT_TRUE(products.removeAllSelectedProducts(ProductList::Active::Remove)); }},
+  };
+  for (const auto &[name, action] : actions) {
+    view.calls.clear();
+    desktop.lines.clear();
+    action();
+    EXPECT_EQ(alerts(), QStringList({kNotChanged})) << name.toStdString();
+    EXPECT_TRUE(desktop.logged(u"Exception in ---> <AppController><%1> "_s.arg(name))) << name.toStdString();
+  }
+  EXPECT_EQ(files.bytes(path), before);
+  EXPECT_EQ(tables.added, shownBefore.added);
+  EXPECT_EQ(tables.selected, shownBefore.selected);
+}
+
+TEST_F(ProductListTest, WhatNobodyAskedForFailsWithoutAnAlert) {
+  put({{u"Detected Devices"_s, QVariantList{detected(u"A"_s, u"00-11"_s)}},
+       {u"Selected Devices"_s, QVariantList{active(byHand(u"10.0.0.9"_s))}}});
+  files.setFreeBytes(u"/"_s, 0);
+  products.clearDetectedDevices();
+  products.addDetectedDevice(detected(u"B"_s, u"00-22"_s));
+  products.removeDetectedDevice(detected(u"A"_s, u"00-11"_s));
+  products.updateProductInfoInProductsLists(u"10.0.0.9"_s);
+  EXPECT_EQ(desktop.lines.size(), 4);
+  EXPECT_EQ(alerts(), QStringList());
 }
 
 TEST_F(ProductListTest, DamagedFileIsSetAsideBeforeANewOneIsWritten) {
@@ -136,16 +184,4 @@ TEST_F(ProductListTest, UnknownKeysAreKept) {
   products.AddManuallyAddedProductToProductsList({0, {}});
   EXPECT_EQ(content().value(u"Later version"_s), QVariant(true));
   EXPECT_EQ(selected(), QVariantList({passive(odd)}));
-}
-
-TEST_F(ProductListTest, AnEventReadsAndWritesTheFileOnceHoweverLongTheLists) {
-  QVariantList many;
-  for (int i = 0; i < 500; ++i) {
-    many.append(with(byHand(u"10.0.%1.%2"_s.arg(i / 250).arg(i % 250)), u"Detection Type"_s, u"1"_s));
-  }
-  put({{u"Selected Devices"_s, many}, {u"Earlier Connected Devices"_s, many}});
-  files.clearLog();
-  ASSERT_TRUE(products.markActive({499, {}}));
-  EXPECT_EQ(files.log().filter(u"read "_s).size(), 1);
-  EXPECT_EQ(files.log().filter(u"write"_s).filter(path).size(), 1) << files.log().join(u'\n').toStdString();
 }

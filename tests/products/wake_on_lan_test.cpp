@@ -77,6 +77,14 @@ TEST_F(WakeOnLanTest, NothingIsSentWithoutAnAddress) {
   EXPECT_TRUE(desktop.lines.isEmpty());
 }
 
+TEST_F(WakeOnLanTest, NothingIsSentWithoutASelectedProductAndAnEarlierOneOfThisAddress) {
+  put({{u"Selected Devices"_s, QVariantList{passive(addressed(byHand(u"10.0.0.2"_s), u"11-11-11-11-11-11"_s))}},
+       {u"Earlier Connected Devices"_s, QVariantList{addressed(byHand(u"10.0.0.3"_s), u"00-1A-2B-3C-4D-5E"_s)}}});
+  wake();
+  EXPECT_TRUE(datagrams.sent.isEmpty());
+  EXPECT_TRUE(clock.sleeps.isEmpty());
+}
+
 TEST_F(WakeOnLanTest, OtherSeparatorsAreReadAsDigitsThatCountZero) {
   put(u"Selected Devices"_s, {active(addressed(byHand(u"10.0.0.2"_s), u"00:1A:2B:3C:4D:5E"_s))});
   wake();
@@ -85,7 +93,7 @@ TEST_F(WakeOnLanTest, OtherSeparatorsAreReadAsDigitsThatCountZero) {
 }
 
 TEST_F(WakeOnLanTest, ShortAddressSendsNothingAndIsToldInTheLog) {
-  put(u"Selected Devices"_s, {active(addressed(byHand(u"10.0.0.2"_s), u"00-1A-2B-3C-4D-5"_s))});
+  put(u"Selected Devices"_s, {active(addressed(byHand(u"10.0.0.2"_s), u"00-1A-2B-3C-4D-E"_s))});
   wake();
   EXPECT_TRUE(datagrams.sent.isEmpty());
   EXPECT_TRUE(clock.sleeps.isEmpty());

@@ -6,7 +6,7 @@ if [ -z "${SONOREL_ROAD_BUS:-}" ]; then
   root=$(mktemp -d "${TMPDIR:-/tmp}/sonorel-road-XXXXXX")
   status=0
   SONOREL_ROAD_BUS=1 SONOREL_ROAD_ROOT=$root dbus-run-session -- "$0" "$@" || status=$?
-  rm -rf "$root"
+  rm -rf --one-file-system "$root"
   exit $status
 fi
 

@@ -53,6 +53,13 @@ public:
     return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
             QString::fromUtf8(process.readAll()).trimmed()};
   }
+  // Killed as soon as it writes more than so many bytes into a file.
+  [[nodiscard]] static Ended runAndKill(int bytes, const QString &program, const QStringList &arguments,
+                                        const QStringList &extra = {}) {
+    return run(QStringLiteral("prlimit"),
+               QStringList{QStringLiteral("--fsize=%1").arg(bytes), QStringLiteral("--core=0"), program} + arguments,
+               extra);
+  }
   void ffmpeg(const QStringList &arguments) const {
     const Ended made =
         run(QStringLiteral("ffmpeg"),

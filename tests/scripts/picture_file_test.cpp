@@ -5,6 +5,9 @@
 #include "support/Printers.h"
 
 #include <csignal>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::string_literals;
@@ -63,6 +66,42 @@ TEST(PictureFile, ARequestToEndLeavesNothingBehind) {
       },
       testing::ExitedWithCode(7), "");
   EXPECT_EQ(files.filesIn(u"music"_s), QStringList());
+}
+
+// The process that runs the exporter is killed: the exporter, which it can no longer ask, ends as well.
+TEST(PictureFile, TheEndOfTheClientIsARequestToEnd) {
+  int ends[2] = {-1, -1};
+  ASSERT_EQ(::pipe(ends), 0);
+  const pid_t client = ::fork();
+  if (client == 0) {
+    if (::fork() == 0) {
+      sigset_t none;
+      sigset_t term;
+      ::sigemptyset(&none);
+      ::sigemptyset(&term);
+      ::sigaddset(&term, SIGTERM);
+      ::sigprocmask(SIG_BLOCK, &term, nullptr); // until it is waited for
+      ::alarm(30);                              // in no case for ever
+      obeyRequestsToEnd();
+      (void)!::write(ends[1], "r", 1);
+      ::sigsuspend(&none);
+      (void)!::write(ends[1], "e", 1);
+    } else {
+      ::pause();
+    }
+    ::_exit(0);
+  }
+  const auto said = [&ends] {
+    pollfd one{ends[0], POLLIN, 0};
+    char letter = '-';
+    return ::poll(&one, 1, 10'000) == 1 && ::read(ends[0], &letter, 1) == 1 ? letter : '-';
+  };
+  EXPECT_EQ(said(), 'r');
+  ::kill(client, SIGKILL);
+  ::waitpid(client, nullptr, 0);
+  EXPECT_EQ(said(), 'e');
+  ::close(ends[0]);
+  ::close(ends[1]);
 }
 
 } // namespace sonorel::test

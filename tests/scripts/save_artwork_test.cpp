@@ -1,5 +1,6 @@
 // The artwork exporter as the client runs it: arguments, status, and what then stands on the share.
 #include "ScriptFolder.h"
+#include "scripts/EmbeddedPicture.h"
 
 #include "support/Printers.h"
 
@@ -33,6 +34,14 @@ protected:
                            const QString &name = u"Waterloo"_s) const {
     return ScriptFolder::run(kExporter, {track, u"a title"_s, name, folders},
                              {u"SONOREL_MUSIC_FOLDER="_s + files.path(u"share/Music/Mac/"_s)});
+  }
+  // The same under the client's own temporary name; killed in the middle when kill says so.
+  [[nodiscard]] Ended saveAs(const QString &temporaryName, const QString &track, bool kill = false) const {
+    const QStringList arguments{track, u"a title"_s, u"Waterloo"_s, u"ABBA:Gold:"_s};
+    const QStringList variables{u"SONOREL_MUSIC_FOLDER="_s + files.path(u"share/Music/Mac/"_s),
+                                u"SONOREL_TEMPORARY_NAME="_s + temporaryName};
+    return kill ? ScriptFolder::runAndKill(100, kExporter, arguments, variables)
+                : ScriptFolder::run(kExporter, arguments, variables);
   }
   [[nodiscard]] QByteArray saved() const { return files.bytes(u"share/Music/Mac/ABBA/Gold/Waterloo.jpg"_s); }
   [[nodiscard]] QStringList onShare() const { return files.filesIn(u"share/Music/Mac/ABBA/Gold"_s); }
@@ -68,6 +77,13 @@ protected:
     file.ID3v2Tag(true)->addFrame(frame);
   }
 };
+
+qint64 bytesReadSoFar() {
+  QFile counters(u"/proc/self/io"_s);
+  EXPECT_TRUE(counters.open(QIODevice::ReadOnly));
+  const QByteArray line = counters.readLine(); // "rchar: 12345"
+  return line.mid(line.indexOf(' ') + 1).trimmed().toLongLong();
+}
 
 QColor middleOf(const QByteArray &jpeg) {
   const QImage image = QImage::fromData(jpeg, "jpeg");
@@ -241,6 +257,48 @@ TEST_F(SaveArtwork, AnotherPictureIsReplaced) {
   ASSERT_EQ(save(track(u"a.mp3"_s, u"red.jpg"_s)).status, 0);
   EXPECT_EQ(saved(), jpeg);
   EXPECT_EQ(onShare(), QStringList{u"Waterloo.jpg"_s});
+}
+
+TEST_F(SaveArtwork, WhatAKilledRunLeftGoesWithTheNext) {
+  const QByteArray jpeg = picture(u"red.jpg"_s, u"red"_s);
+  const QString name = track(u"a.mp3"_s, u"red.jpg"_s);
+  const QString own = u".sonorel-0123abcd-artwork"_s;
+  const QString folder = u"share/Music/Mac/ABBA/Gold/"_s;
+  files.put(folder + u".sonorel-ffff0000-artwork"_s, "another client's");
+  EXPECT_EQ(saveAs(own, name, true).status, -1);
+  ASSERT_EQ(onShare(), (QStringList{own, u".sonorel-ffff0000-artwork"_s}));
+  ASSERT_EQ(files.bytes(folder + own).size(), 100);
+  ASSERT_EQ(saveAs(own, name).status, 0);
+  EXPECT_EQ(saved(), jpeg);
+  EXPECT_EQ(onShare(), (QStringList{u".sonorel-ffff0000-artwork"_s, u"Waterloo.jpg"_s}));
+
+  files.put(folder + own, "half");
+  ASSERT_EQ(saveAs(own, name).status, 0) << "the picture stands there already";
+  EXPECT_EQ(onShare(), (QStringList{u".sonorel-ffff0000-artwork"_s, u"Waterloo.jpg"_s}));
+
+  files.put(folder + own, "half");
+  EXPECT_EQ(saveAs(own, track(u"b.mp3"_s)).status, 1) << "a track without a picture";
+  EXPECT_EQ(onShare(), (QStringList{u".sonorel-ffff0000-artwork"_s, u"Waterloo.jpg"_s}));
+}
+
+TEST_F(SaveArtwork, OnlyATemporaryNameIsTakenForOne) {
+  picture(u"red.jpg"_s, u"red"_s);
+  const QString name = track(u"a.mp3"_s, u"red.jpg"_s);
+  files.put(u"share/Music/Mac/ABBA/Gold/Song.mp3"_s, "a song");
+  for (const QString &wrong : {u"Song.mp3"_s, u"../Gold/Song.mp3"_s, u".sonorel-/../Song.mp3"_s}) {
+    EXPECT_EQ(saveAs(wrong, name).status, 2) << wrong.toStdString();
+  }
+  EXPECT_EQ(onShare(), QStringList{u"Song.mp3"_s});
+}
+
+TEST_F(SaveArtwork, ALongFileOfNoiseIsNotSearchedToItsEnd) {
+  for (const QString &name : {u"a.mp3"_s, u"a.aac"_s, u"a.flac"_s}) {
+    files.put(u"album/"_s + name, {});
+    ASSERT_TRUE(QFile::resize(files.path(u"album/"_s + name), 32LL * 1024 * 1024));
+    const qint64 before = bytesReadSoFar();
+    EXPECT_EQ(embeddedPicture(files.path(u"album/"_s + name).toStdString()), std::string());
+    EXPECT_LT(bytesReadSoFar() - before, 6LL * 1024 * 1024) << name.toStdString();
+  }
 }
 
 TEST_F(SaveArtwork, AnEmptyFolderTextIsTheMusicFolderItself) {

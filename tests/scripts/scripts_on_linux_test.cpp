@@ -26,12 +26,14 @@ const std::string kJpeg("\xFF\xD8\xFF\xC0\x00\x0B\x08\x00\x01\x00\x01\x01\x01\x1
                         "\x3F\x00",
                         25);
 
+const QString kOwn = u".sonorel-0123abcd-artwork"_s; // temporary name of this client
+
 class ScriptsOnLinux : public testing::Test {
 protected:
   ScriptsOnLinux() {
     temporary.roots.scripts = QStringLiteral(SONOREL_BUILT_SCRIPTS);
     temporary.roots.resources = QFileInfo(QStringLiteral(SONOREL_BUILT_CONVERTER)).path();
-    processes.emplace(temporary.roots);
+    processes.emplace(temporary.roots, ProcessOptions{.artworkTemporaryName = kOwn});
     files.emplace(temporary.roots);
     files->createFolder(u"/Volumes/VB-SHARE$"_s, 0777);
     EXPECT_TRUE(succeeded(
@@ -62,6 +64,17 @@ TEST_F(ScriptsOnLinux, TheExporterSavesOntoTheShare) {
   EXPECT_EQ(files->list(kMusic + u"Gold"_s), QStringList{u"ABBA-Gold-Waterloo.jpg"_s});
 }
 
+TEST_F(ScriptsOnLinux, TheExporterRemovesWhatThisClientLeft) {
+  temporary.put("outside/a.mp3", "no tags");
+  files->write(kMusic + u"Gold/"_s + kOwn, "half");
+  files->write(kMusic + u"Gold/.sonorel-ffff0000-artwork"_s, "another client's");
+  EXPECT_EQ(run(u"/usr/bin/osascript"_s, {kAppData + u"SaveToFolder_jpegonly.scpt"_s,
+                                          temporary.below("outside/a.mp3"), u"title"_s, u"x"_s, u"Gold:"_s})
+                .status,
+            1);
+  EXPECT_EQ(files->list(kMusic + u"Gold"_s), QStringList{u".sonorel-ffff0000-artwork"_s});
+}
+
 TEST_F(ScriptsOnLinux, TheEmbedderSucceeds) {
   temporary.put("outside/a.mp3", "no tags");
   EXPECT_TRUE(succeeded(run(u"/usr/bin/osascript"_s,
@@ -74,10 +87,10 @@ TEST_F(ScriptsOnLinux, TheConverterWritesBesideTheBookmark) {
       *files, *processes, clock, [] { return std::stop_token(); }, kConverter);
   temporary.put("outside/\"Home\" $(x).webloc",
                 "<plist version=\"1.0\"><dict><key>URL</key><string>http://a/</string></dict></plist>");
-  EXPECT_EQ(scripts.convertBookmark(temporary.below("outside/\"Home\" $(x).webloc")), std::nullopt);
+  EXPECT_EQ(scripts.convertBookmark(temporary.below("outside/\"Home\" $(x).webloc"), {}), std::nullopt);
   EXPECT_EQ(temporary.bytes("outside/\"Home\" $(x).url"), "[InternetShortcut]\nURL=http://a/");
   temporary.put("outside/bad.webloc", "none");
-  EXPECT_TRUE(scripts.convertBookmark(temporary.below("outside/bad.webloc"))
+  EXPECT_TRUE(scripts.convertBookmark(temporary.below("outside/bad.webloc"), {})
                   .value_or(QString())
                   .contains(u"property list"_s));
 }

@@ -96,6 +96,14 @@ TEST_F(ConvertWebloc, FilesOfOtherKindsAndSizesAreRefused) {
   EXPECT_EQ(ScriptFolder::run(QStringLiteral(SONOREL_BUILT_CONVERTER), {}).status, 2);
 }
 
+TEST_F(ConvertWebloc, AKilledRunLeavesNothing) {
+  files.put(u"d/x.webloc"_s, xmlBookmark("http://a/"));
+  EXPECT_EQ(
+      ScriptFolder::runAndKill(10, QStringLiteral(SONOREL_BUILT_CONVERTER), {files.path(u"d/x.webloc"_s)}).status,
+      -1);
+  EXPECT_EQ(files.filesIn(u"d"_s), QStringList{u"x.webloc"_s});
+}
+
 TEST_F(ConvertWebloc, AUrlFileThatIsThereIsLeftAlone) {
   files.put(u"d/x.webloc"_s, xmlBookmark("http://a/"));
   files.put(u"d/x.url"_s, "mine");

@@ -6,6 +6,8 @@ namespace sonorel::test {
 
 namespace {
 
+constexpr QStringView kScripts = u"/usr/bin/osascript";
+
 QString withoutSlash(const QString &path) {
   return path.size() > 1 && path.endsWith(u'/') ? path.chopped(1) : path;
 }
@@ -90,6 +92,9 @@ ToolResult FakeProcesses::model(const ToolRequest &request, const std::stop_toke
   }
   if (request.program == u"/sbin/umount"_s) {
     return unmount(request.arguments);
+  }
+  if (request.program == kScripts && onScript) {
+    return onScript(request, false);
   }
   return exited(0);
 }
@@ -177,6 +182,9 @@ ToolResult FakeProcesses::unmount(const QStringList &arguments) {
 }
 
 void FakeProcesses::leaveHalf(const ToolRequest &request) {
+  if (request.program == kScripts && onScript) {
+    (void)onScript(request, true);
+  }
   if (request.program != u"/bin/cp"_s || request.arguments.size() != 3) {
     return;
   }

@@ -1,5 +1,6 @@
-// Working models of the system's tools on the fake file system: /bin/cp -p, /bin/rm, /bin/rmdir, /sbin/mount and
-// /sbin/umount. Every other program ends with status 0 and no output. Any thread.
+// Working models of the system's tools on the fake file system: /bin/cp -p, /bin/rm, /bin/rmdir, /sbin/mount,
+// /sbin/umount, and scripts as the test defines them. Every other program ends with status 0 and no output. Any
+// thread.
 #pragma once
 
 #include "platform/Processes.h"
@@ -25,6 +26,8 @@ public:
   std::deque<MountAnswer> mountAnswers;
   // Stands in for the models when it answers.
   std::function<std::optional<ToolResult>(const ToolRequest &)> onRun;
+  // What /usr/bin/osascript does; killed: it does not come to its end.
+  std::function<ToolResult(const ToolRequest &, bool killed)> onScript;
   // Called when a tool hangs, with its deadline: a place to turn the clock or to request the stop.
   std::function<void(std::chrono::milliseconds)> onHang;
   bool detachedStarts = true;
@@ -33,7 +36,7 @@ public:
   QStringList detached; // program and arguments, joined by blanks
 
   // The n-th run from now, counted from 1, and as many as wanted after it end like this instead; a copy leaves half
-  // of its bytes behind.
+  // of its bytes behind, a script what it leaves.
   void failAt(int run, const ToolResult &result, int times = 1);
   [[nodiscard]] int runs() const;
   [[nodiscard]] QStringList programs() const; // of the requests

@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include <functional>
+#include <utility>
 
 namespace sonorel::test {
 
@@ -13,11 +14,13 @@ class FakeScripts : public Scripts {
 public:
   QStringList ejected;
   QStringList converted;
+  std::stop_token stop; // of the last conversion
   // The error text of a conversion, and the place where the ".url" file is made.
   std::function<std::optional<QString>(const QString &path)> onConvert;
 
   void ejectDisk(const QString &name) override { ejected.append(name); }
-  std::optional<QString> convertBookmark(const QString &path) override {
+  std::optional<QString> convertBookmark(const QString &path, std::stop_token token) override {
+    stop = std::move(token);
     converted.append(path);
     return onConvert ? onConvert(path) : std::nullopt;
   }

@@ -102,20 +102,26 @@ void FakeView::alert(const QString &message, const QString &informativeText) {
   calls.append(u"alert "_s + message + u'|' + informativeText);
 }
 
-void FakeView::ask(const QString &message, const QString &informativeText, const QStringList &buttons,
-                   std::function<void(int)> answered) {
+quint32 FakeView::ask(Question question, std::function<void(int)> answered) {
   std::optional<int> answer;
   {
     const std::lock_guard guard(m_mutex);
-    calls.append(u"ask "_s + message + u'|' + informativeText);
+    calls.append(u"ask "_s + question.message + u'|' + question.informativeText);
     answer = autoAnswer;
+    question.serial = ++m_questions;
     if (!answer) {
-      asked.push_back({message, informativeText, buttons, answered});
+      asked.push_back({question, answered});
     }
   }
   if (answer) {
     answered(*answer);
   }
+  return question.serial;
+}
+
+void FakeView::withdraw(quint32 question) {
+  const std::lock_guard guard(m_mutex);
+  std::erase_if(asked, [question](const Asked &open) { return open.serial == question; });
 }
 
 void FakeView::transferStateChanged() {

@@ -13,10 +13,7 @@ namespace sonorel::test {
 
 class FakeView : public View {
 public:
-  struct Asked {
-    QString message;
-    QString informativeText;
-    QStringList buttons;
+  struct Asked : Question {
     std::function<void(int)> answered;
   };
 
@@ -49,13 +46,14 @@ public:
   void setLanguageEnabled(bool enabled) override;
   void attention() override;
   void alert(const QString &message, const QString &informativeText) override;
-  void ask(const QString &message, const QString &informativeText, const QStringList &buttons,
-           std::function<void(int)> answered) override;
+  quint32 ask(Question question, std::function<void(int)> answered) override;
+  void withdraw(quint32 question) override;
   void transferStateChanged() override;
   void transferComplete() override;
 
 private:
-  mutable std::mutex m_mutex; // guards everything above
+  mutable std::mutex m_mutex; // guards everything
+  quint32 m_questions = 0;
 };
 
 } // namespace sonorel::test

@@ -58,8 +58,23 @@ Dropped looseSongs(World &world) {
 
 Dropped mixedPlaylist(World &world) {
   return {u"@~Mix@~"_s,
-          {world.track(u"Ben/Second/Ben-Second-Three.m4a"_s, 'c'), world.picture(u"Ben/Second/cover.jpg"_s),
-           world.picture(u"Ben/Second/film.avi"_s, 'f')}};
+          {world.track(u"Ben/Second/Ben-Second-Three.m4a"_s, 'c'), u"@~RadioOne"_s,
+           world.picture(u"Ben/Second/cover.jpg"_s), world.picture(u"Ben/Second/film.avi"_s, 'f')}};
+}
+
+// One track stands there with another picture, one is replaced, one is new.
+Dropped artwork(World &world) {
+  const Dropped dropped{u"@~Mix@~"_s,
+                        {world.track(u"Ann/First/Ann-First-One.mp3"_s),
+                         world.track(u"Ann/First/Ann-First-Two.mp3"_s, 'b'),
+                         world.track(u"Ben/Second/Ben-Second-Three.m4a"_s, 'c')}};
+  world.artwork(dropped.paths.at(0), "an old picture");
+  world.artwork(dropped.paths.at(1), "a picture of the first two");
+  playUndisturbed(world, {dropped.playlist, dropped.paths.mid(0, 2)});
+  world.artwork(dropped.paths.at(0), "a picture of the first two");
+  world.artwork(dropped.paths.at(2), "a picture of the third");
+  world.track(u"Ann/First/Ann-First-Two.mp3"_s, 'x', 900'000);
+  return dropped;
 }
 
 Dropped albums(World &world) {
@@ -96,6 +111,7 @@ const std::vector<Scenario> &scenarios() {
       {"ColourKey", colourKey, false, true, {}},
       {"LooseSongs", looseSongs, false, false, {}},
       {"MixedPlaylist", mixedPlaylist, false, false, {}},
+      {"Artwork", artwork, true, false, {}, u"Music/Mac/Ben/Second/Ben-Second-Three.jpg"_s, 6},
       {"Albums", albums, false, false, {}, u"Photo/Mac/Ski/3.png"_s},
       {"Bookmarks", bookmarks, false, false, {}, u"Favorites/Mac/_.url"_s, 1},
       {"BookmarkFiles", bookmarkFiles, false, false, {}, u"Favorites/Mac/Page.url"_s, 1}};

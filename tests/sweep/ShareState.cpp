@@ -3,6 +3,8 @@
 #include "favourites/FavouritesFile.h"
 #include "favourites/MainDictionaryFile.h"
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel::test {
@@ -48,6 +50,16 @@ QByteArray photoText(const QByteArray &bytes, const QString &product) {
     lines.append(album.key() + u": "_s + album->join(u' '));
   }
   return lines.join(u'\n').toUtf8();
+}
+
+QStringList photoTitlesOf(const DecodedFavourites &decoded) {
+  QStringList titles;
+  for (const FavouriteList &list : decoded.lists) {
+    for (const FavouriteTitle &title : list.songs) {
+      titles.append(QString(list.playlistName).remove(kFrame.toString()) + u": "_s + title.songPath);
+    }
+  }
+  return titles;
 }
 
 bool isTemporary(const QString &path) {
@@ -115,22 +127,36 @@ QMap<QString, QByteArray> localState(const World &world) {
   return state;
 }
 
-bool FavouritesWatch::isComplete(const QByteArray &bytes) {
+FavouritesWatch::FavouritesWatch(World &world) : m_world(world), m_photos(photoTitles(world)) {}
+
+bool FavouritesWatch::holdsAllLists(const QByteArray &bytes) const {
+  const DecodedFavourites decoded = decodeMusicFavourites(bytes, {m_world.product, false});
+  QStringList titles;
+  for (const FavouriteList &list : decoded.lists) {
+    for (const FavouriteTitle &title : list.songs) {
+      titles.append(title.songPath);
+    }
+  }
+  return decoded.oddities.isEmpty() && decoded.lists.size() >= 5 && titles.contains(u"Old\\one.mp3"_s) &&
+         titles.contains(u"Old\\two.mp3"_s) && titles.contains(u"blue.mp3"_s);
+}
+
+bool FavouritesWatch::holdsAllPhotos(const QByteArray &bytes) const {
+  const DecodedFavourites decoded = decodeFavourites(bytes, FavouritesKind::Photos, {m_world.product, false});
+  const QStringList titles = photoTitlesOf(decoded);
+  return decoded.oddities.isEmpty() && std::all_of(m_photos.begin(), m_photos.end(), [&titles](const QString &photo) {
+           return titles.contains(photo);
+         });
+}
+
+bool FavouritesWatch::isComplete(const QByteArray &bytes, Kind kind) {
   const auto known = m_known.constFind(bytes);
   if (known != m_known.constEnd()) {
     return *known;
   }
   bool complete = false;
   try {
-    const DecodedFavourites decoded = decodeMusicFavourites(bytes, {m_world.product, false});
-    QStringList titles;
-    for (const FavouriteList &list : decoded.lists) {
-      for (const FavouriteTitle &title : list.songs) {
-        titles.append(title.songPath);
-      }
-    }
-    complete = decoded.oddities.isEmpty() && decoded.lists.size() >= 5 && titles.contains(u"Old\\one.mp3"_s) &&
-               titles.contains(u"Old\\two.mp3"_s) && titles.contains(u"blue.mp3"_s);
+    complete = (this->*kind)(bytes);
   } catch (const std::exception &) {
     complete = false;
   }
@@ -139,21 +165,61 @@ bool FavouritesWatch::isComplete(const QByteArray &bytes) {
 }
 
 std::string FavouritesWatch::check() {
-  const QString name = u"NetMusicFavorites.orv"_s;
-  const auto server = m_world.files.stored(kMusicFavouritesPath.toString());
-  if (server && isComplete(*server)) {
+  std::string wrong = checkFile(kMusicFavouritesPath.toString(), &FavouritesWatch::holdsAllLists);
+  if (wrong.empty() && !m_photos.isEmpty()) {
+    wrong = checkFile(kPhotoFavouritesPath.toString(), &FavouritesWatch::holdsAllPhotos);
+  }
+  return wrong;
+}
+
+std::string FavouritesWatch::checkFile(const QString &path, Kind kind) {
+  const QString name = path.section(u'/', -1);
+  const auto server = m_world.files.stored(path);
+  if (server && isComplete(*server, kind)) {
     return {};
   }
   const auto backup = m_world.files.tree(kBackup.toString());
   for (auto file = backup.begin(); file != backup.end(); ++file) {
     const QString found = file.key().section(u'/', -1);
-    if ((found == name + u".next"_s || found == name + u".previous"_s) && isComplete(*file)) {
+    if ((found == name + u".next"_s || found == name + u".previous"_s) && isComplete(*file, kind)) {
       return {};
     }
   }
-  return "no complete favourites file: the server's is " +
+  return "no complete " + name.toStdString() + ": the server's is " +
          (server ? std::to_string(server->size()) + " bytes" : "absent") + ", the backup holds " +
          QStringList(backup.keys()).join(u' ').toStdString();
+}
+
+QStringList photoTitles(const World &world) {
+  const auto bytes = world.files.stored(kPhotoFavouritesPath.toString());
+  try {
+    return bytes ? photoTitlesOf(decodeFavourites(*bytes, FavouritesKind::Photos, {world.product, false}))
+                 : QStringList();
+  } catch (const Failure &) {
+    return {}; // half written by a client that died
+  }
+}
+
+QStringList photosWithoutFile(World &world) {
+  QStringList missing;
+  for (const QString &photo : photoTitles(world)) {
+    const QString picture = photo.section(u": "_s, 1).replace(u'\\', u'/');
+    const auto bytes = world.files.stored(kMountPoint.toString() + u"/Photo/Mac/"_s + picture);
+    if (!bytes || bytes->size() != kPictureSize) {
+      missing.append(photo);
+    }
+  }
+  return missing;
+}
+
+QStringList leftArtwork(World &world) {
+  QStringList left;
+  for (const QString &path : world.files.tree(kMountPoint.toString()).keys()) {
+    if (path.endsWith(kArtworkTemporary)) {
+      left.append(path);
+    }
+  }
+  return left;
 }
 
 QStringList titlesWithoutFile(World &world) {

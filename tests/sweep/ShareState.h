@@ -5,6 +5,7 @@
 
 #include <QHash>
 #include <QMap>
+#include <QStringList>
 
 namespace sonorel::test {
 
@@ -20,19 +21,31 @@ namespace sonorel::test {
 [[nodiscard]] QMap<QString, QByteArray> localState(const World &world);
 
 // Watches the favourites: at every operation a complete file, with all that the user had, is to stand under one of
-// its known names.
+// its known names; one of photos too when there was one.
 class FavouritesWatch {
 public:
-  explicit FavouritesWatch(World &world) : m_world(world) {}
+  explicit FavouritesWatch(World &world);
   // Empty, or what is wrong now.
   [[nodiscard]] std::string check();
 
 private:
-  [[nodiscard]] bool isComplete(const QByteArray &bytes);
+  using Kind = bool (FavouritesWatch::*)(const QByteArray &) const;
+  [[nodiscard]] bool holdsAllLists(const QByteArray &bytes) const;
+  [[nodiscard]] bool holdsAllPhotos(const QByteArray &bytes) const;
+  [[nodiscard]] std::string checkFile(const QString &path, Kind isComplete);
+  [[nodiscard]] bool isComplete(const QByteArray &bytes, Kind kind);
 
   World &m_world;
+  const QStringList m_photos; // at the beginning
   QHash<QByteArray, bool> m_known;
 };
+
+// "album: picture", for every picture of the server's photo favourites.
+[[nodiscard]] QStringList photoTitles(const World &world);
+// Those whose picture is not on the mounted share whole.
+[[nodiscard]] QStringList photosWithoutFile(World &world);
+// Pictures that an exporter has left half.
+[[nodiscard]] QStringList leftArtwork(World &world);
 
 // The titles of the server's favourites whose file (for an album: none of whose files) is not on the mounted share
 // whole, except those of the old lists.

@@ -33,6 +33,9 @@ World::World(const QString &productName) : product(productName) {
   furnishShare();
   files.makeFolders(u"/private/tmp"_s);
   scripts.onConvert = [this](const QString &path) { return convert(path); };
+  processes.onScript = [this](const ToolRequest &request, bool killed) {
+    return exportArtwork(request.arguments, killed);
+  };
   clock.onSleep = [this] {
     if (clock.sleeps.size() > kPauses) {
       throw std::runtime_error("the client pauses without end");
@@ -44,6 +47,7 @@ void World::installClient() {
   files.put(kSettings.toString(), shipped(u"App Data/MacClientProperty"_s));
   installStrings(files);
   files.makeFolders(kSupport.toString().chopped(1));
+  files.makeFolders(u"/Library/Application Support/Sonorel"_s);
 }
 
 void World::furnishShare() {
@@ -83,7 +87,7 @@ QString World::track(const QString &path, char seed, qint64 time) {
 
 QString World::picture(const QString &path, char seed, qint64 time) {
   const QString whole = kMusic.toString() + path;
-  files.put(whole, QByteArray(5000, seed), time);
+  files.put(whole, QByteArray(kPictureSize, seed), time);
   return whole;
 }
 
@@ -102,6 +106,39 @@ std::optional<QString> World::convert(const QString &path) {
   }
 }
 
+void World::artwork(const QString &track, const QByteArray &bytes) {
+  m_artwork.insert(track, bytes);
+  applications.applications = {{u"iTunes"_s, u"/Player"_s, {}, 0}};
+}
+
+// script, track, title, name, folders
+ToolResult World::exportArtwork(const QStringList &arguments, bool killed) {
+  const QString folder = kMusicFolderLiteral.toString() + QString(arguments.value(4)).replace(u':', u'/');
+  const QString temporary = folder + kArtworkTemporary;
+  const QString picture = folder + arguments.value(3) + u".jpg"_s;
+  try {
+    if (files.presence(temporary) == Presence::Present) {
+      files.removeFile(temporary);
+    }
+    if (!m_artwork.contains(arguments.value(1))) {
+      return exited(1);
+    }
+    const QByteArray bytes = m_artwork.value(arguments.value(1));
+    if (files.presence(picture) == Presence::Present && files.read(picture) == bytes) {
+      return exited(0);
+    }
+    if (killed) {
+      files.writeHalf(temporary, bytes);
+      return exited(137);
+    }
+    files.createExclusively(temporary, bytes);
+    files.rename(temporary, picture);
+    return exited(0);
+  } catch (const Failure &) {
+    return exited(3);
+  }
+}
+
 Client::Client(World &in)
     : world(in), m_settings(world.files, world.lists, kSettings.toString()),
       m_strings(world.files, world.lists, resourceFolder()),
@@ -117,7 +154,10 @@ Client::Client(World &in)
       m_metadata(world.files, world.metadata), m_transferTools{world.files, world.processes, world.scripts,
                                                                world.clock, desktop,         m_metadata,
                                                                board},
-      m_transfer(m_transferTools, m_folders),
+      m_artwork(m_transferTools, world.applications, m_strings, view, m_folders,
+                {u"/Applications/Sonorel/Sonorel.app"_s, u"/Applications/Sonorel/App Data/"_s,
+                 u"/Library/Application Support/Sonorel/ArtworkData.txt"_s, kArtworkTemporary}),
+      m_transfer(m_transferTools, m_folders, transferArtwork()),
       m_rewrite({world.files, world.clock, world.identifiers, desktop, m_session}, m_folders, kSupport.toString(),
                 kBackup.toString()),
       m_dictionaryFile(world.files, world.lists, kSupport.toString() + u"mainDict.xml"_s),
@@ -144,12 +184,20 @@ Client::Client(World &in)
       m_intake(world.files, board, m_log, m_strings, m_session, view, desktop,
                {[this] { return isConnected(); }, [this] { m_driver.startTransfer(); }, [] {},
                 [this](quint32 count) { finishedDrops += count; }}) {
+  view.autoAnswer = 1; // no player is opened
   m_settings.load();
   m_strings.setLanguageFile(u"StringsEnglish"_s);
   m_session.setDeviceName(world.product);
   m_session.setUUID(u"{00000000-0000-0000-0000-0000000000AA}"_s);
   m_session.setIPAddressString(u"10.0.0.5"_s);
   m_intake.setReady();
+}
+
+TransferArtwork Client::transferArtwork() {
+  return {[this](const QString &track, const std::stop_token &stop) { m_artwork.embedArtworkToTrack(track, stop); },
+          [this](const QString &track, const QString &name, bool hierarchy, const std::stop_token &stop) {
+            m_artwork.transferStandAloneArtwork(track, name, hierarchy, stop);
+          }};
 }
 
 bool Client::connect() {

@@ -11,11 +11,13 @@
 #include "support/FakeLoop.h"
 #include "support/FakeMetadata.h"
 #include "support/FakeProcesses.h"
+#include "support/FakeRunningApplications.h"
 #include "support/FakeScripts.h"
 #include "support/FakeView.h"
 #include "support/FakeWorker.h"
 #include "support/Fixtures.h"
 #include "transfer/DropIntake.h"
+#include "transfer/TrackArtwork.h"
 #include "transfer/TransferDriver.h"
 
 #include <functional>
@@ -28,6 +30,8 @@ inline constexpr QStringView kBackup = u"/Users/me/Library/Backup";
 inline constexpr QStringView kMusic = u"/Users/me/Music/";
 inline constexpr QStringView kBookmarks = u"/Users/me/Bookmarks/";
 inline constexpr qsizetype kTrackSize = 200'000;
+inline constexpr qsizetype kPictureSize = 5000;
+inline const QString kArtworkTemporary = artworkTemporaryName(QStringLiteral("0123abcd")); // of every client
 
 class World {
 public:
@@ -41,11 +45,14 @@ public:
   FakeScripts scripts;
   FakeMetadata metadata;
   FakeIdentifiers identifiers;
+  FakeRunningApplications applications; // without a player nobody wants artwork
   LibplistPropertyLists lists;
   const QString product;
 
   // A track of kTrackSize bytes of the given seed below kMusic, with tags. "Artist/Album/Title.mp3".
   QString track(const QString &path, char seed = 'a', qint64 time = 500'000);
+  // The picture of a track's album, as its tags hold it; there is a player from now on.
+  void artwork(const QString &track, const QByteArray &bytes);
   // A picture of the given seed below kMusic.
   QString picture(const QString &path, char seed = 'a', qint64 time = 500'000);
   // A browser's bookmark file below kBookmarks.
@@ -56,6 +63,10 @@ private:
   void furnishShare();
   // The shipped converter: writes the ".url" file beside the bookmark.
   [[nodiscard]] std::optional<QString> convert(const QString &path);
+  // The shipped exporter: places the artwork of a track beside it on the share.
+  [[nodiscard]] ToolResult exportArtwork(const QStringList &arguments, bool killed);
+
+  QMap<QString, QByteArray> m_artwork; // by track
 };
 
 // One drag: of tracks and files, or of albums, or of bookmarks.
@@ -93,6 +104,7 @@ public:
   [[nodiscard]] bool insideWorker() const { return m_insideWorker; }
 
 private:
+  [[nodiscard]] TransferArtwork transferArtwork();
   [[nodiscard]] bool isConnected() { return Connection(m_connectionTools).isConnected(); }
 
   const ShareFolders m_folders = standardFolders();
@@ -105,6 +117,7 @@ private:
   ClientMessages m_messages;
   MetadataCache m_metadata;
   TransferTools m_transferTools;
+  TrackArtwork m_artwork;
   Transfer m_transfer;
   FavouritesRewrite m_rewrite;
   MainDictionaryFile m_dictionaryFile;

@@ -45,6 +45,7 @@ protected:
   // One disturbed run and what follows it.
   bool sweepOne(int k);
   void judge(World &world, const QMap<QString, QByteArray> &local, const QByteArray &before);
+  void judgePhotos(World &world, const QStringList &before);
 
 private:
   void inject(World &world, int k);
@@ -160,15 +161,27 @@ void InterruptionSweep::judge(World &world, const QMap<QString, QByteArray> &loc
   }
 }
 
+// What the list of photos has been given is there. A picture of an older album may be gone when its replacement
+// failed.
+void InterruptionSweep::judgePhotos(World &world, const QStringList &before) {
+  QStringList missing = photosWithoutFile(world);
+  missing.removeIf([&before](const QString &photo) { return before.contains(photo); });
+  EXPECT_EQ(missing.join(u", "_s), QString());
+}
+
 bool InterruptionSweep::sweepOne(int k) {
   World world;
   const Dropped dropped = scenario.prepare(world);
   const auto local = localState(world);
   const QByteArray before = favouritesText(world);
+  const QStringList photosBefore = photoTitles(world);
   const bool reached = disturb(world, dropped, k);
   SCOPED_TRACE(m_disturbed.toStdString());
   judge(world, local, before);
+  judgePhotos(world, photosBefore);
   playUndisturbed(world, dropped);
+  EXPECT_EQ(photosWithoutFile(world).join(u", "_s), QString());
+  EXPECT_EQ(leftArtwork(world).join(u' '), QString());
   EXPECT_EQ(difference(comparable(expected), comparable(shareState(world))), "");
   EXPECT_EQ(titlesWithoutFile(world).join(u' '), QString());
   return reached;

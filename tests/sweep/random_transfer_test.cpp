@@ -29,11 +29,16 @@ std::vector<Dropped> drops(World &world) {
       {}, {}, {{u"Summer"_s, {picture, world.picture(u"Trip/2: sea.jpg"_s, 'b')}}, {u"Best"_s, {picture}}}};
   const Dropped bookmarks{
       {}, {}, {}, {u"News: today"_s, u"Mail"_s}, {u"http://example.org/1"_s, u"http://example.org/2"_s}};
-  return {{u"@~Mix@~"_s, tracks.mid(0, 3) + QStringList{picture}},
+  world.artwork(tracks.at(0), "a picture of the first two");
+  world.artwork(tracks.at(1), "a picture of the first two");
+  world.artwork(tracks.at(4), "a picture of the fifth");
+  return {{u"@~Mix@~"_s, tracks.mid(0, 3) + QStringList{picture, u"@~RadioOne"_s}},
           {u"@~Slow@~"_s, tracks.mid(2, 3)},
           {u"@~All@~"_s, tracks},
           albums,
-          bookmarks};
+          bookmarks,
+          {u"Finder"_s,
+           {world.bookmark(u"Page.webloc"_s), world.bookmark(u"Other.url"_s), world.picture(u"Trip/film.avi"_s)}}};
 }
 
 // One client's life under a scheduler that acts wherever the client waits: in pauses and while a tool runs, and, for
@@ -202,6 +207,8 @@ void playRound(unsigned seed, const QMap<QString, QByteArray> &expected, QString
   }
   EXPECT_EQ(difference(expected, shareState(world)), "") << history.join(u'\n').toStdString();
   EXPECT_EQ(titlesWithoutFile(world).join(u' '), QString());
+  EXPECT_EQ(photosWithoutFile(world).join(u", "_s), QString());
+  EXPECT_EQ(leftArtwork(world).join(u' '), QString());
   EXPECT_EQ(difference(local, localState(world)), "");
 }
 

@@ -92,6 +92,14 @@ TEST_F(BookmarkItemsTest, FeedsAndLocalFilesAreRefused) {
             u"\"News.url\""_s + kNotSupported + u"\n\"Local\""_s + kNotSupported + u'\n' + kEnded);
 }
 
+TEST_F(BookmarkItemsTest, ARefusedOneBringsTheLogToTheFront) {
+  pairs({u"News"_s}, {u"feed://x/"_s});
+  bench.view.calls.clear();
+  bench.run();
+  EXPECT_EQ(bench.view.callsStartingWith(u"windowFrontCentre"_s).size(), 1);
+  EXPECT_EQ(bench.view.callsStartingWith(u"selectTab 1"_s).size(), 2) << "at the start, and for the refusal";
+}
+
 TEST_F(BookmarkItemsTest, OneThatCannotBeWrittenEndsTheTransfer) {
   bench.files.failPath(kFolder + u"b.url"_s, FailureKind::Other);
   pairs({u"a"_s, u"b"_s, u"c"_s}, {u"http://1/"_s, u"http://2/"_s, u"http://3/"_s});
@@ -126,6 +134,16 @@ TEST_F(BookmarkItemsTest, ABookmarkFileIsConvertedAndCopied) {
   EXPECT_FALSE(bench.files.exists(u"/m/Page.url"_s));
   EXPECT_TRUE(bench.files.exists(u"/m/Page.webloc"_s));
   EXPECT_EQ(bench.view.lastLog, kEnded);
+}
+
+TEST_F(BookmarkItemsTest, TheConverterEndsWithTheTransferItServes) {
+  std::stop_source stop;
+  bench.transfer.setStopToken(stop.get_token());
+  bench.files.put(u"/m/Page.webloc"_s, "<plist/>");
+  EXPECT_TRUE(bench.transfer.transferBookmark(u"/m/Page.webloc"_s));
+  EXPECT_FALSE(bench.scripts.stop.stop_requested());
+  stop.request_stop();
+  EXPECT_TRUE(bench.scripts.stop.stop_requested());
 }
 
 TEST_F(BookmarkItemsTest, ADroppedUrlFileIsCopiedAndGoes) {

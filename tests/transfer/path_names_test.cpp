@@ -26,6 +26,15 @@ TEST(PathNames, TheLastComponentIgnoresTrailingSlashes) {
   EXPECT_EQ(lastPathComponent(u"/a/b\\c.mp3"_s), u"b\\c.mp3"_s);
 }
 
+TEST(PathNames, APlainPathLeadsNowhereElse) {
+  for (const QString &plain : {u"/a"_s, u"/a/b.jpg"_s, u"/a/..b/.c"_s}) {
+    EXPECT_TRUE(isPlainPath(plain)) << plain.toStdString();
+  }
+  for (const QString &other : {u""_s, u"a/b"_s, u"/a/../b"_s, u"/a/./b"_s, u"/a//b"_s, u"/a/"_s, u"/.."_s, u"/"_s}) {
+    EXPECT_FALSE(isPlainPath(other)) << other.toStdString();
+  }
+}
+
 TEST(PathNames, NameWithoutExtensionAndBack) {
   EXPECT_EQ(nameWithoutExtension(u"/a/a.b.mp3"_s), u"a.b"_s);
   EXPECT_EQ(nameWithoutExtension(u"/a/.mp3"_s), u".mp3"_s);

@@ -152,6 +152,15 @@ TEST_F(PictureItemsTest, PipesDevicesAndFoldersAreNotCopied) {
                                     "\"gone.jpg\" was not transferred because the file could not be found."_s);
 }
 
+TEST_F(PictureItemsTest, OneThatCannotBeLookedAtIsToldAsMissing) {
+  const QString dark = picture(u"/p/Trip/1.jpg"_s);
+  bench.files.failPath(dark, FailureKind::Unknown);
+  albums({album(u"A"_s, {dark, picture(u"/p/Trip/2.jpg"_s)})});
+  EXPECT_EQ(photos(), QStringList{u"Trip/2.jpg"_s});
+  EXPECT_EQ(records(), (QStringList{u"/p/Trip/1.jpg N"_s, u"/p/Trip/2.jpg Y"_s, u"end"_s}));
+  EXPECT_EQ(bench.view.lastLog, u"\"1.jpg\" was not transferred because the file could not be found.\n"_s + kEnded);
+}
+
 TEST_F(PictureItemsTest, NothingIsCopiedIntoAFolderOfThePicturesName) {
   bench.files.makeFolders(kPhoto + u"1.jpg"_s);
   bench.files.makeFolders(kPhoto + u"Trip/2.jpg"_s);
@@ -274,6 +283,16 @@ TEST_F(VideoItemsTest, AFilmThatCouldNotBeCopiedIsNotTold) {
             u"Pictures and videos of the dropped playlist were handled separately from the music.\n"_s + kEnded);
 }
 
+TEST_F(VideoItemsTest, OneThatCannotBeLookedAtIsToldAsMissing) {
+  const QString dark = picture(u"/m/A/B/x.avi"_s);
+  bench.files.failPath(dark, FailureKind::Unknown);
+  film(dark);
+  EXPECT_EQ(files(video), QStringList());
+  EXPECT_TRUE(
+      bench.view.lastLog.startsWith(u"\"x.avi\" was not transferred because the file could not be found.\n"_s))
+      << bench.view.lastLog.toStdString();
+}
+
 TEST_F(VideoItemsTest, NothingIsCopiedIntoAFolderOfTheFilmsName) {
   bench.files.makeFolders(video + u"x.avi"_s);
   film(picture(u"/m/A/B/x.avi"_s));
@@ -293,6 +312,23 @@ TEST_F(VideoItemsTest, AShareThatIsGoneEndsTheTransfer) {
   EXPECT_TRUE(bench.view.lastLog.startsWith(
       u"The connection to the product was lost. These items were not transferred:\nx.avi\n"_s))
       << bench.view.lastLog.toStdString();
+}
+
+TEST_F(VideoItemsTest, AFilmThatASleepBreaksOffIsTheFirstOfTheListAfterTheWake) {
+  bench.processes.onRun = [this](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (!request.arguments.value(2).startsWith(video)) {
+      return std::nullopt;
+    }
+    bench.board.manualSleepWasConnected = true;
+    return ToolResult{ToolEnding::Stopped, -1, {}};
+  };
+  film(picture(u"/m/A/B/x.avi"_s));
+  EXPECT_EQ(bench.board.state(), TransferState::Aborted);
+  EXPECT_EQ(bench.board.entriesFrom(bench.board.fileIndex),
+            (QList<QueueEntry>{{QueueEntry::Kind::Path, u"/m/A/B/x.avi"_s, {}}}));
+  EXPECT_EQ(bench.view.lastLog, QString());
+  EXPECT_EQ(bench.view.transfersCompleted, 0);
+  EXPECT_EQ(files(video), QStringList());
 }
 
 class MetaDataFileTest : public PictureItemsTest {};

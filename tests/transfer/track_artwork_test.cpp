@@ -35,8 +35,9 @@ protected:
   TransferWorkbench bench;
   FakeRunningApplications applications;
   std::stop_source stop;
-  TrackArtwork artwork{bench.tools, applications,      bench.strings,
-                       bench.view,  standardFolders(), {kBundle, kAppData, kHandOver}};
+  TrackArtwork artwork{bench.tools,       applications,
+                       bench.strings,     bench.view,
+                       standardFolders(), {kBundle, kAppData, kHandOver, artworkTemporaryName(u"0123abcd"_s)}};
 };
 
 } // namespace
@@ -104,6 +105,28 @@ TEST_F(TrackArtworkTest, ATrackWithoutArtworkIsOnlyLogged) {
   bench.processes.failAt(1, exited(1));
   place();
   EXPECT_EQ(bench.desktop.lines, QStringList{u"script unsuccessful.."_s});
+}
+
+TEST_F(TrackArtworkTest, WhatAKilledScriptLeftIsRemoved) {
+  playerRuns();
+  const QString left = kMusic + u"ABBA/Gold/.sonorel-0123abcd-artwork"_s;
+  for (const ToolResult &killed : {exited(137), ToolResult{ToolEnding::DeadlinePassed, 137, {}}}) {
+    bench.files.put(left, "half");
+    bench.processes.failAt(1, killed);
+    place();
+    EXPECT_FALSE(bench.files.exists(left));
+  }
+  for (const ToolResult &ended : {exited(1), ToolResult{ToolEnding::Stopped, 137, {}}}) {
+    bench.files.put(left, "half"); // the program is about to end, or the script has tidied up itself
+    bench.processes.failAt(1, ended);
+    place();
+    EXPECT_TRUE(bench.files.exists(left));
+  }
+}
+
+TEST_F(TrackArtworkTest, TheTemporaryNameCarriesTheMarkOfTheClient) {
+  EXPECT_EQ(artworkTemporaryName(u"0123abcd"_s), u".sonorel-0123abcd-artwork"_s);
+  EXPECT_EQ(artworkTemporaryName({}), QString());
 }
 
 TEST_F(TrackArtworkTest, AHandOverFileThatCannotBeWrittenIsOnlyLogged) {
@@ -181,6 +204,7 @@ TEST_F(TrackArtworkTest, ACancelASleepOrAnEndCloseTheWait) {
     place();
     EXPECT_EQ(bench.clock.sleeps.size(), 3);
     EXPECT_TRUE(bench.processes.requests.isEmpty());
+    EXPECT_TRUE(bench.view.asked.empty()) << "nobody waits for an answer any more";
   }
 }
 

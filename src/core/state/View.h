@@ -2,8 +2,9 @@
 // and alerts that are opened and answered later. Any thread may call them; each call carries its value.
 #pragma once
 
+#include "platform/UserInterface.h"
+
 #include <QString>
-#include <QStringList>
 
 #include <functional>
 
@@ -27,9 +28,11 @@ public:
   virtual void attention() = 0;
   // The standard alert: one "BtnOk" button.
   virtual void alert(const QString &message, const QString &informativeText) = 0;
-  // answered runs on the controller's thread with the button's index, or -1 when the program ends first.
-  virtual void ask(const QString &message, const QString &informativeText, const QStringList &buttons,
-                   std::function<void(int)> answered) = 0;
+  // answered runs on the controller's thread with the button's index, or -1 when the program ends first. Returns the
+  // question's number, which takes the place of the one in question.
+  virtual quint32 ask(Question question, std::function<void(int)> answered) = 0;
+  // Whoever asked waits for the answer no more: the question goes, and answered with it. Nothing when it is answered.
+  virtual void withdraw(quint32 question) = 0;
   // The transfer's state for everybody who watches, after all values of that transfer.
   virtual void transferStateChanged() = 0;
   virtual void transferComplete() = 0;

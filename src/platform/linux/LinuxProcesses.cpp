@@ -26,7 +26,8 @@ QByteArray hostArgument(const PathMap &map, const QString &argument) {
 
 LinuxProcesses::LinuxProcesses(Roots roots, ProcessOptions options, std::function<void(const QString &)> log)
     : m_volumes(std::move(roots)), m_mountTool(m_volumes, options.embeddedProduct, log), m_copyTool(m_volumes),
-      m_musicFolder(options.musicFolder), m_log(std::move(log)) {}
+      m_musicFolder(options.musicFolder), m_artworkTemporaryName(options.artworkTemporaryName),
+      m_log(std::move(log)) {}
 
 void LinuxProcesses::note(const QString &line) const {
   if (m_log) {
@@ -118,6 +119,7 @@ ToolResult LinuxProcesses::runScript(const ToolRequest &request, std::stop_token
   const Place musicFolder = m_volumes.place(m_musicFolder, Access::Write);
   command.passedFolder = musicFolder.root.get();
   command.environment.append("SONOREL_MUSIC_FOLDER=" + heldPath(musicFolder) + '/');
+  command.environment.append("SONOREL_TEMPORARY_NAME=" + m_artworkTemporaryName.toUtf8());
   return runChild(command, request.deadline, std::move(stop));
 }
 

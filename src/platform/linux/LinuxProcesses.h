@@ -15,6 +15,7 @@ namespace sonorel {
 struct ProcessOptions {
   QString musicFolder = QStringLiteral("/Volumes/VB-SHARE$/Music/Mac/"); // for the scripts, a path of the system
   QString embeddedProduct = QStringLiteral("Auracore 5");                // the name of a new embedded product
+  QString artworkTemporaryName = {};                                     // for the scripts; empty: a random one
 };
 
 class LinuxProcesses final : public Processes {
@@ -36,6 +37,7 @@ private:
   MountTool m_mountTool;
   CopyTool m_copyTool;
   const QString m_musicFolder;
+  const QString m_artworkTemporaryName;
   const std::function<void(const QString &)> m_log;
   DetachedChildren m_detached;
 };

@@ -1,5 +1,7 @@
 #include "platform/linux/LinuxScripts.h"
 
+#include <utility>
+
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
@@ -48,9 +50,9 @@ void LinuxScripts::ejectDisk(const QString &name) {
   }
 }
 
-std::optional<QString> LinuxScripts::convertBookmark(const QString &path) {
+std::optional<QString> LinuxScripts::convertBookmark(const QString &path, std::stop_token stop) {
   const ToolRequest convert{u"/usr/bin/osascript"_s, {m_converter, path}, std::nullopt, kConvertDeadline};
-  const ToolResult result = m_processes.run(convert, m_stop());
+  const ToolResult result = m_processes.run(convert, std::move(stop));
   if (succeeded(result)) {
     return std::nullopt;
   }

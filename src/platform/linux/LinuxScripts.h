@@ -12,13 +12,13 @@ namespace sonorel {
 
 class LinuxScripts final : public Scripts {
 public:
-  // The references must outlive the object; stop gives the token that ends a pause or a tool; converter is the
+  // The references must outlive the object; stop gives the token that ends an ejection; converter is the
   // system's path of the bookmark converter.
   LinuxScripts(FileSystem &files, Processes &processes, Clock &clock, std::function<std::stop_token()> stop,
                QString converter);
 
   void ejectDisk(const QString &name) override;
-  [[nodiscard]] std::optional<QString> convertBookmark(const QString &path) override;
+  [[nodiscard]] std::optional<QString> convertBookmark(const QString &path, std::stop_token stop) override;
 
 private:
   FileSystem &m_files;

@@ -1,6 +1,7 @@
 #include "platform/linux/TagLibMetadata.h"
 
 #include "platform/linux/FileDescriptor.h"
+#include "platform/linux/SearchLimit.h"
 
 #include <fcntl.h>
 #include <memory>
@@ -13,7 +14,6 @@
 #include <taglib/mp4file.h>
 #include <taglib/mpegfile.h>
 #include <taglib/opusfile.h>
-#include <taglib/tfilestream.h>
 #include <taglib/tpropertymap.h>
 #include <taglib/vorbisfile.h>
 #include <taglib/wavfile.h>
@@ -51,25 +51,6 @@ Format formatOf(const QString &path) {
   }
   return Format::None;
 }
-
-// In a file that does not begin as its format does, the library looks for a mark block by block, to the end: seconds
-// for a large file of noise, which nothing can interrupt. Blocks of the library's own size are read for that alone;
-// behind the last one that is allowed the file seems to end.
-class SearchLimit final : public TagLib::FileStream {
-public:
-  explicit SearchLimit(FileDescriptor file) : FileStream(file.release(), true) {} // closes the descriptor
-
-  TagLib::ByteVector readBlock(unsigned long length) override {
-    if (length == bufferSize() && ++m_searched > kSearchedBytes / bufferSize()) {
-      return {};
-    }
-    return FileStream::readBlock(length);
-  }
-
-private:
-  static constexpr unsigned kSearchedBytes = 1024 * 1024;
-  unsigned m_searched = 0; // blocks
-};
 
 std::unique_ptr<TagLib::File> openTags(Format format, TagLib::IOStream &stream) {
   // Only MP4 is asked for its codec; looking through the audio of the others would cost time for nothing.

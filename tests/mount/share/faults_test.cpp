@@ -107,6 +107,20 @@ TEST_F(Faults, ServerHangsInACopy) {
   expectServesAgain();
 }
 
+TEST_F(Faults, BlockOnItsWayIsNotForgotten) {
+  const int file = ::open(music("a").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+  const std::string block = noise(1 << 20);
+  ASSERT_EQ(::write(file, block.data(), block.size()), static_cast<ssize_t>(block.size()));
+  product().tell("pause");
+  EXPECT_LT(timeOf([&] { static_cast<void>(::write(file, block.data(), block.size())); }), 2s)
+      << "whoever writes need not wait for the server";
+  int result = 0;
+  EXPECT_LT(timeOf([&] { result = ::close(file); }), kLongestCall);
+  EXPECT_EQ(result, -1) << "but learns in the end that it did not arrive";
+  product().tell("resume");
+  expectServesAgain();
+}
+
 TEST_F(Faults, ManyWaitNoLongerThanOne) {
   std::this_thread::sleep_for(1100ms);
   product().tell("pause");
@@ -256,6 +270,17 @@ TEST_F(Faults, KilledProgramIsClearedAwayByTheNext) {
     mounted();
     EXPECT_EQ(statError(""), 0);
   }
+}
+
+TEST_F(Faults, KilledProgramIsUnmountedWhateverIsOpen) {
+  put(music("a"), "x");
+  const FileDescriptor file(::open(music("a").c_str(), O_RDONLY));
+  ::kill(programs().front(), SIGKILL);
+  EXPECT_TRUE(allEndWithin(2s));
+  const Ended result = unmount();
+  EXPECT_EQ(result.status, 0) << result.output;
+  EXPECT_EQ(mountType(), "");
+  mounted();
 }
 
 } // namespace sonorel::test

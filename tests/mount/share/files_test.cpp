@@ -135,6 +135,41 @@ TEST_F(SharedFiles, TellTheirSizeWhileTheyAreWritten) {
   EXPECT_EQ(errno, EEXIST);
 }
 
+TEST_F(SharedFiles, AreWrittenInManyBlocks) {
+  constexpr size_t kBlock = 1 << 20;
+  std::string content = noise(5 * kBlock);
+  const FileDescriptor file(::open(music("a").c_str(), O_RDWR | O_CREAT | O_TRUNC, 0666));
+  for (size_t at = 0; at < content.size(); at += kBlock) {
+    ASSERT_EQ(::write(file.get(), content.data() + at, kBlock), static_cast<ssize_t>(kBlock));
+  }
+  ASSERT_EQ(::pwrite(file.get(), "late", 4, 2 * kBlock - 2), 4);
+  content.replace(2 * kBlock - 2, 4, "late");
+  std::string part(kBlock, '\0');
+  ASSERT_EQ(::pread(file.get(), part.data(), kBlock, 4 * kBlock - 500), static_cast<ssize_t>(kBlock));
+  EXPECT_EQ(part, content.substr(4 * kBlock - 500, kBlock));
+  ASSERT_EQ(::ftruncate(file.get(), 4 * kBlock + 77), 0);
+  ASSERT_EQ(::fsync(file.get()), 0);
+  EXPECT_EQ(bytes(serverMusic("a")), content.substr(0, 4 * kBlock + 77));
+}
+
+TEST_F(SharedFiles, AreSeenAsSoonAsTheyAreThere) {
+  const auto isThere = [this](const char *name) { return ::access(music(name).c_str(), F_OK) == 0; };
+  EXPECT_FALSE(isThere("a"));
+  put(music("a"), "x");
+  EXPECT_TRUE(isThere("a"));
+  EXPECT_FALSE(isThere("folder"));
+  ASSERT_EQ(::mkdir(music("folder").c_str(), 0777), 0);
+  EXPECT_TRUE(isThere("folder"));
+  EXPECT_FALSE(isThere("b"));
+  ASSERT_EQ(::rename(music("a").c_str(), music("b").c_str()), 0);
+  EXPECT_TRUE(isThere("b"));
+  EXPECT_FALSE(isThere("a"));
+  put(serverMusic("a"), "made by somebody else");
+  EXPECT_EQ(::open(music("a").c_str(), O_WRONLY | O_CREAT | O_EXCL, 0666), -1);
+  EXPECT_EQ(errno, EEXIST) << "the server knows better than what was found an instant ago";
+  EXPECT_TRUE(isThere("a"));
+}
+
 TEST_F(SharedFiles, ComeAndGoWithTheirFolders) {
   for (const mode_t mode : {0777U, 0755U, 0700U}) {
     ASSERT_EQ(::mkdir(music("album").c_str(), mode), 0);

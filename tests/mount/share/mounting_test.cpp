@@ -66,6 +66,19 @@ TEST_F(Mounting, EndsWhenTheShareAnswers) {
   EXPECT_EQ(programs().size(), 1U);
 }
 
+TEST_F(Mounting, KeepsNothingOpenThatItWasStartedWith) {
+  put(folder() / "file", "x");
+  const Ended result = run({"/bin/sh", "-c", R"(exec 9<"$0"; exec "$@")", (folder() / "file").string(),
+                            SONOREL_BIN "/sonorel-mount", point().string()},
+                           product().url());
+  ASSERT_EQ(result.status, 0) << result.output;
+  ASSERT_EQ(programs().size(), 1U);
+  std::error_code error;
+  for (const auto &entry : fs::directory_iterator("/proc/" + std::to_string(programs().front()) + "/fd")) {
+    EXPECT_NE(fs::read_symlink(entry.path(), error), folder() / "file");
+  }
+}
+
 TEST_F(Mounting, NamesRefusedCredentialsWithinASecond) {
   for (const char *login : {"vaultbox:wrong", "vaultbox:", "nobody%20there:p%40ss%3B100%25:x"}) {
     const Ended result = mount(product().url(login));

@@ -1,4 +1,4 @@
-// What discovery writes into the product list: "Detected Devices", and the same product in "Selected Devices".
+// The part of the product list that discovery uses: "Detected Devices", and the same product in "Selected Devices".
 #include "products/ProductList.h"
 
 #include <algorithm>
@@ -28,8 +28,8 @@ void putIntoDetected(QVariantMap &lists, const ProductRecord &record) {
 void renewSelected(QVariantMap &lists, ProductRecord record) {
   ProductRecords selected = productRecords(lists, kSelectedDevices);
   const auto same = std::find_if(selected.begin(), selected.end(), [&](const ProductRecord &one) {
-    return productText(one, kMacAddressKey) == productText(record, kMacAddressKey) &&
-           one.contains(kLocationKey.toString()) && one.contains(kSerialNumberKey.toString());
+    return sameProductText(one, record, kMacAddressKey) && one.contains(kLocationKey.toString()) &&
+           one.contains(kSerialNumberKey.toString());
   });
   if (same == selected.end()) {
     return;
@@ -52,16 +52,16 @@ void ProductList::addDetectedDevice(const ProductRecord &record) {
   });
 }
 
-void ProductList::removeDetectedDevice(const QString &macAddress, const QString &serialNumber) {
+void ProductList::removeDetectedDevice(const ProductRecord &record) {
   change(u"didRemoveService"_s, [&](QVariantMap &lists) {
     ProductRecords detected = productRecords(lists, kDetectedDevices);
-    const auto with = [&](QStringView key, const QString &text) {
+    const auto sameIn = [&](QStringView key) {
       return std::find_if(detected.begin(), detected.end(),
-                          [&](const ProductRecord &one) { return productText(one, key) == text; });
+                          [&](const ProductRecord &one) { return sameProductText(one, record, key); });
     };
-    auto found = with(kMacAddressKey, macAddress);
+    auto found = sameIn(kMacAddressKey);
     if (found == detected.end()) {
-      found = with(kSerialNumberKey, serialNumber);
+      found = sameIn(kSerialNumberKey);
     }
     if (found != detected.end()) {
       detected.erase(found);

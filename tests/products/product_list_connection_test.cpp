@@ -10,9 +10,9 @@ namespace {
 
 const auto kMac = u"00-1A-2B-3C-4D-5E"_s;
 
-class ConnectedProductTest : public test::ProductTest {
+class ProductListConnectionTest : public test::ProductTest {
 protected:
-  ConnectedProductTest() {
+  ProductListConnectionTest() {
     session.setPasswordString(u"secret"_s);
     settings.set(u"MACAdress"_s, QByteArray("first line\n00-1A-2B-3C-4D-5E\nmore"));
   }
@@ -24,7 +24,7 @@ protected:
 
 } // namespace
 
-TEST_F(ConnectedProductTest, ActiveProductIsTheFirstMarkedOne) {
+TEST_F(ProductListConnectionTest, ActiveProductIsTheFirstMarkedOne) {
   put(u"Selected Devices"_s,
       {passive(byHand(u"1"_s)), active(with(byHand(u"10.0.0.2"_s), u"Password"_s, encrypt(lists, u"pw"_s))),
        active(byHand(u"3"_s))});
@@ -34,20 +34,20 @@ TEST_F(ConnectedProductTest, ActiveProductIsTheFirstMarkedOne) {
   EXPECT_TRUE(product.anySelected);
 }
 
-TEST_F(ConnectedProductTest, ActiveProductHasNoPasswordFromEarlierConnections) {
+TEST_F(ProductListConnectionTest, ActiveProductHasNoPasswordFromEarlierConnections) {
   put({{u"Selected Devices"_s, QVariantList{active(byHand(u"10.0.0.2"_s))}},
        {u"Earlier Connected Devices"_s, QVariantList{updated(byHand(u"10.0.0.2"_s))}}});
   EXPECT_EQ(products.activeProduct().password, QString());
 }
 
-TEST_F(ConnectedProductTest, NoActiveProduct) {
+TEST_F(ProductListConnectionTest, NoActiveProduct) {
   EXPECT_FALSE(products.activeProduct().anySelected);
   put(u"Selected Devices"_s, {passive(byHand(u"10.0.0.2"_s))});
   EXPECT_TRUE(products.activeProduct().anySelected);
   EXPECT_EQ(products.activeProduct().address, QString());
 }
 
-TEST_F(ConnectedProductTest, RefreshesTheActiveRecordAndRemembersTheConnection) {
+TEST_F(ProductListConnectionTest, RefreshesTheActiveRecordAndRemembersTheConnection) {
   put(u"Selected Devices"_s, {passive(byHand(u"10.0.0.1"_s)), active(byHand(u"10.0.0.2"_s, u"box"_s))});
   products.updateProductInfoInProductsLists(u"10.0.0.2"_s);
   EXPECT_EQ(selected(),
@@ -56,7 +56,7 @@ TEST_F(ConnectedProductTest, RefreshesTheActiveRecordAndRemembersTheConnection) 
   EXPECT_EQ(files.mode(path), 0600U);
 }
 
-TEST_F(ConnectedProductTest, SameAddressAndTypeIsUpdatedNotDuplicated) {
+TEST_F(ProductListConnectionTest, SameAddressAndTypeIsUpdatedNotDuplicated) {
   put({{u"Selected Devices"_s, QVariantList{active(byHand(u"10.0.0.2"_s))}},
        {u"Earlier Connected Devices"_s, QVariantList{with(byHand(u"10.0.0.2"_s), u"Detection Type"_s, u"0"_s),
                                                      with(byHand(u"10.0.0.2"_s), u"Kept"_s, u"yes"_s)}}});
@@ -66,20 +66,20 @@ TEST_F(ConnectedProductTest, SameAddressAndTypeIsUpdatedNotDuplicated) {
                                      updated(with(byHand(u"10.0.0.2"_s), u"Kept"_s, u"yes"_s))}));
 }
 
-TEST_F(ConnectedProductTest, WithoutAnActiveProductTheEarlierRecordHasNoType) {
+TEST_F(ProductListConnectionTest, WithoutAnActiveProductTheEarlierRecordHasNoType) {
   put(u"Selected Devices"_s, {});
   products.updateProductInfoInProductsLists(u"10.0.0.2"_s);
   products.updateProductInfoInProductsLists(u"10.0.0.2"_s);
   EXPECT_EQ(earlier(), QVariantList({updated(QVariantMap{{u"IP Address"_s, u"10.0.0.2"_s}})}));
 }
 
-TEST_F(ConnectedProductTest, MissingFileStaysMissing) {
+TEST_F(ProductListConnectionTest, MissingFileStaysMissing) {
   products.updateProductInfoInProductsLists(u"10.0.0.2"_s);
   EXPECT_FALSE(files.exists(path));
 }
 
-TEST_F(ConnectedProductTest, AddressFileWithoutAWholeAddressCountsAsNone) {
-  for (const QByteArray &bytes : {QByteArray("00-1A-2B-3C-4D-5E"), QByteArray("a\n00-1A-2B-3C-4D-5"), QByteArray()}) {
+TEST_F(ProductListConnectionTest, AddressFileWithoutAWholeAddressCountsAsNone) {
+  for (const QByteArray &bytes : {QByteArray("00-1A-2B-3C-4D-5E"), QByteArray("a\n00-1A-2B-3C-4D-E"), QByteArray()}) {
     settings.set(u"MACAdress"_s, bytes);
     put(u"Selected Devices"_s, {active(byHand(u"10.0.0.2"_s))});
     products.updateProductInfoInProductsLists(u"10.0.0.2"_s);
@@ -88,13 +88,13 @@ TEST_F(ConnectedProductTest, AddressFileWithoutAWholeAddressCountsAsNone) {
   }
 }
 
-TEST_F(ConnectedProductTest, PasswordOfTheRecordComesFirst) {
+TEST_F(ProductListConnectionTest, PasswordOfTheRecordComesFirst) {
   put({{u"Selected Devices"_s, QVariantList{with(byHand(u"10.0.0.2"_s), u"Password"_s, encrypt(lists, u"own"_s))}},
        {u"Earlier Connected Devices"_s, QVariantList{updated(byHand(u"10.0.0.2"_s))}}});
   EXPECT_EQ(products.markActive({0, {}})->password, u"own"_s);
 }
 
-TEST_F(ConnectedProductTest, PasswordIsFoundByAddressAndType) {
+TEST_F(ProductListConnectionTest, PasswordIsFoundByAddressAndType) {
   put({{u"Selected Devices"_s, QVariantList{byHand({}, u"box"_s), byHand(u"10.0.0.9"_s)}},
        {u"Earlier Connected Devices"_s,
         QVariantList{updated(with(byHand(u"box"_s), u"Detection Type"_s, u"0"_s)),
