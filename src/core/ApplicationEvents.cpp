@@ -28,6 +28,7 @@ TerminateReply ApplicationEvents::applicationShouldTerminate() {
     leaveProduct();
   } else {
     m_parts.interface.setDockIcon(kQuittingImage);
+    leaveLostShare();
   }
   m_parts.products.clearDetectedDevices();
   return TerminateReply::Now;
@@ -65,6 +66,14 @@ void ApplicationEvents::leaveProduct() {
   m_hooks.stopObservingSpaces();
   m_connectFlow.disconnect();
   pause(kPauseAfterDisconnect);
+}
+
+void ApplicationEvents::leaveLostShare() {
+  try {
+    m_connectFlow.leaveLostShare();
+  } catch (const std::exception &e) {
+    logException(m_desktop, u"applicationShouldTerminate"_s, e);
+  }
 }
 
 // --- re-open ---

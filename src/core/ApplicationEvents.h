@@ -45,6 +45,7 @@ private:
   void pause(std::chrono::milliseconds duration);
   void refuseQuit();
   void leaveProduct();
+  void leaveLostShare();
   void reopen();
 
   ConnectFlow &m_connectFlow;

@@ -142,6 +142,9 @@ void ConnectFlow::onDisconnect() {
   try {
     m_parts.strings.reload();
     if (!isConnected()) {
+      if (!transferRuns()) {
+        leaveLostShare();
+      }
       m_parts.interface.setProgressBar(0);
       m_parts.interface.setDockIcon(kDisconnectImage);
     } else if (m_parts.board.manualSleepWasConnected) {
@@ -173,6 +176,10 @@ void ConnectFlow::disconnectAndShow(bool resetWindow) {
     m_parts.interface.setProgressBar(0);
     m_parts.log.clear();
   }
+}
+
+void ConnectFlow::leaveLostShare() {
+  Connection(m_tools).leaveLostVolume();
 }
 
 void ConnectFlow::disconnect() {

@@ -76,6 +76,9 @@ public:
   void showTrueState();
   // Tells the product, ends the alive timer and unmounts. Whether it was unmounted becomes the answer that is shown.
   void disconnect();
+  // The share may be mounted although its product does not answer: it would be served again when the product is back,
+  // by a program that outlives this one.
+  void leaveLostShare();
 
 private:
   void connect();

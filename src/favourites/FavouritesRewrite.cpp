@@ -73,7 +73,7 @@ void FavouritesRewrite::requireShare() {
     root.chop(1);
   }
   const auto volume = m_tools.files.volume(root);
-  if (!volume || volume->mountRoot != root || !isFolder(m_tools.files, m_folders.system())) {
+  if (!volume || volume->mountRoot != root || !volume->answers || !isFolder(m_tools.files, m_folders.system())) {
     throw Failure(u"the share does not answer"_s, FailureKind::Unknown);
   }
 }

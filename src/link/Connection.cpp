@@ -98,6 +98,13 @@ bool Connection::disconnectFromVaultbox() {
   }
 }
 
+void Connection::leaveLostVolume() {
+  if (isVolumeForAutomounted()) {
+    run(kUnmountTool, {u"-f"_s, m_orvDrive});
+    volumeClean();
+  }
+}
+
 void Connection::volumeClean() {
   if (isVolumeForAutomounted()) {
     run(kUnmountTool, {m_orvDrive});
@@ -114,10 +121,11 @@ bool Connection::isVolumeForAutomounted() const {
   return volume && !m_orvDrive.isEmpty() && volume->mountRoot == m_orvDrive && volume->typeName == kShareType;
 }
 
-// The mount table is asked first: a folder that lies at the point of a share that is gone must not pass for it.
+// The volume is asked first: neither a folder that lies at the point of a share that is gone nor one that the system
+// remembers must pass for it.
 bool Connection::isVolume() const {
   const auto volume = m_tools.files.volume(m_orvDrive);
-  return volume && !m_orvDrive.isEmpty() && volume->mountRoot == m_orvDrive &&
+  return volume && !m_orvDrive.isEmpty() && volume->mountRoot == m_orvDrive && volume->answers &&
          isFolder(m_tools.files, m_orvDrive + kProbeFolder);
 }
 

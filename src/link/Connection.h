@@ -44,6 +44,8 @@ public:
   [[nodiscard]] bool isConnected() const { return isVolume(); }
   // True when unmounted or not mounted.
   bool disconnectFromVaultbox();
+  // Of a share that is mounted and not connected: unmounts it by force. Passes failures on.
+  void leaveLostVolume();
   // Removes a stale mount point. Passes failures on.
   void volumeClean();
   // The share's path is the root of a mounted volume of type "smbfs".

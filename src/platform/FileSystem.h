@@ -33,6 +33,9 @@ struct Volume {
   QString typeName;      // "smbfs" for every kind of share mount
   quint64 freeBytes = 0; // what this user may still write
   quint64 mountId = 0;   // changes with every mount
+  // Asked just now, where a question about a file may be answered from what the system remembers. When it is false
+  // the server is gone, and nothing is free.
+  bool answers = true;
 };
 
 // Held until destroyed; released by the operating system when the process dies.

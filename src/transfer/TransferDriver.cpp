@@ -147,7 +147,8 @@ TransferDriver::After TransferDriver::whenItFits(const Item &item, After (Transf
 }
 
 bool TransferDriver::isShareThere() {
-  return m_tools.files.presence(m_folders.system()) == Presence::Present;
+  const auto volume = m_tools.files.volume(m_folders.share());
+  return volume && volume->answers && m_tools.files.presence(m_folders.system()) == Presence::Present;
 }
 
 void TransferDriver::showProgressBehind(const QueueEntry &entry) {

@@ -97,6 +97,18 @@ TEST_F(DisconnectTest, WithoutAConnectionOnlyTheLookChanges) {
   EXPECT_FALSE(wasSent(u"ClientDisconnected.orv"_s));
 }
 
+TEST_F(DisconnectTest, LeavesAShareThatDoesNotAnswerButNotDuringATransfer) {
+  fakes.files.setUnknown(point, true);
+  beginTransfer();
+  disconnect();
+  EXPECT_TRUE(fakes.files.isMounted(point));
+  board.resetToIdle();
+  disconnect();
+  EXPECT_FALSE(fakes.files.isMounted(point)) << "it would be served again when the product is back";
+  EXPECT_FALSE(wasSent(u"ClientDisconnected.orv"_s));
+  EXPECT_EQ(shown().messageLog, u"messages"_s);
+}
+
 TEST_F(DisconnectTest, UnmountThatFailsIsLoggedAndStillConnected) {
   fakes.processes.onRun = [](const ToolRequest &request) -> std::optional<ToolResult> {
     return request.program == u"/sbin/umount"_s ? std::optional(exited(1, "busy\n")) : std::nullopt;

@@ -92,6 +92,23 @@ TEST_F(QuitAndReopenTest, QuitWithoutAShareIsGrantedDuringATransfer) {
   EXPECT_EQ(pauses(), QList<std::chrono::milliseconds>({1s}));
 }
 
+TEST_F(QuitAndReopenTest, QuitLeavesAShareThatDoesNotAnswer) {
+  connectForTest();
+  fakes.files.setUnknown(point, true);
+  beginTransfer();
+  EXPECT_EQ(quit(), TerminateReply::Now);
+  EXPECT_FALSE(fakes.files.isMounted(point)) << "a mount program would go on without the client";
+  EXPECT_EQ(pauses(), QList<std::chrono::milliseconds>({1s}));
+}
+
+TEST_F(QuitAndReopenTest, UnmountThatThrowsKeepsNobodyFromQuitting) {
+  connectForTest();
+  fakes.files.setUnknown(point, true);
+  fakes.processes.onRun = [](const ToolRequest &) -> std::optional<ToolResult> { throw Failure(u"no pipe"_s); };
+  EXPECT_EQ(quit(), TerminateReply::Now);
+  EXPECT_TRUE(fakes.desktop.logged(u"no pipe"_s));
+}
+
 TEST_F(QuitAndReopenTest, TransferThatASleepHasBrokenOffKeepsNobodyFromQuitting) {
   connectForTest();
   beginTransfer();

@@ -100,6 +100,14 @@ TEST_F(ConnectionTest, DoesNotTakeALeftoverFolderForTheShare) {
   EXPECT_TRUE(processes.programs().contains(u"/sbin/mount"_s));
 }
 
+TEST_F(ConnectionTest, DoesNotTakeARememberedFolderForAServerThatAnswers) {
+  mountShare(files);
+  EXPECT_TRUE(connection().isConnected());
+  files.setRemembered(kPoint, true);
+  EXPECT_FALSE(connection().isConnected());
+  EXPECT_TRUE(connection().isVolumeForAutomounted());
+}
+
 TEST_F(ConnectionTest, IsTrueForASuccessfulMountWithoutASystemFolder) {
   files.mount(kPoint);
   files.unmount(kPoint);
@@ -219,6 +227,17 @@ TEST_F(ConnectionTest, UnmountsAShareThatDoesNotAnswer) {
   EXPECT_FALSE(connection().isConnected());
   EXPECT_TRUE(connection().disconnectFromVaultbox());
   EXPECT_EQ(runs().first(), u"/sbin/umount /Volumes/VB-SHARE$"_s);
+}
+
+TEST_F(ConnectionTest, LeavesALostShareByForceAndNothingElse) {
+  connection().leaveLostVolume();
+  EXPECT_EQ(runs(), QStringList()) << "nothing is mounted";
+  mountShare(files);
+  files.setUnknown(kPoint, true);
+  connection().leaveLostVolume();
+  EXPECT_EQ(runs().first(), u"/sbin/umount -f /Volumes/VB-SHARE$"_s);
+  EXPECT_FALSE(files.isMounted(kPoint));
+  EXPECT_FALSE(files.exists(kPoint));
 }
 
 TEST_F(ConnectionTest, LogsAnExceptionWhileDisconnecting) {

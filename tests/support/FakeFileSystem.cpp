@@ -291,7 +291,8 @@ std::optional<Volume> FakeFileSystem::volume(const QString &path) {
     return std::nullopt;
   }
   const Disk &disk = diskOf(resolved(path));
-  return Volume{disk.root, disk.typeName, disk.unknown ? 0 : disk.freeBytes, disk.mountId};
+  const bool answers = !disk.unknown && !disk.remembered;
+  return Volume{disk.root, disk.typeName, answers ? disk.freeBytes : 0, disk.mountId, answers};
 }
 
 void FakeFileSystem::setModified(const QString &path, qint64 seconds) {

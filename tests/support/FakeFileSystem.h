@@ -51,7 +51,9 @@ public:
   // --- faults ---
   void setFreeBytes(const QString &root, quint64 freeBytes);
   void setUnknown(const QString &root, bool unknown); // the volume is mounted and does not answer
-  void failAt(int operation, FailureKind kind);       // the n-th operation from now, counted from 1
+  // The volume is mounted, its server is gone, and what was seen of its files is still told.
+  void setRemembered(const QString &root, bool remembered);
+  void failAt(int operation, FailureKind kind); // the n-th operation from now, counted from 1
   void failPath(const QString &path, FailureKind kind);
   void clearFailures();
   void dieAt(int operation); // the n-th operation from now and all after it throw Died
@@ -108,6 +110,7 @@ private:
     quint64 mountId = 0;
     bool mounted = false;
     bool unknown = false;
+    bool remembered = false;
     QMap<QString, Node> nodes; // by whole path
   };
   struct Held {

@@ -36,6 +36,7 @@ void FakeFileSystem::mount(const QString &root, const QString &typeName, quint64
   }
   disk.mounted = true;
   disk.unknown = false;
+  disk.remembered = false;
   disk.mountId = m_nextMountId++;
 }
 
@@ -161,6 +162,11 @@ void FakeFileSystem::setFreeBytes(const QString &root, quint64 freeBytes) {
 void FakeFileSystem::setUnknown(const QString &root, bool unknown) {
   const std::lock_guard guard(m_mutex);
   m_disks[root].unknown = unknown;
+}
+
+void FakeFileSystem::setRemembered(const QString &root, bool remembered) {
+  const std::lock_guard guard(m_mutex);
+  m_disks[root].remembered = remembered;
 }
 
 void FakeFileSystem::failAt(int operation, FailureKind kind) {

@@ -214,6 +214,20 @@ TEST_F(TransferDriverTest, ALostShareEndsTheTransferWithTheListAndCorrectsTheIco
   EXPECT_TRUE(bench.files.tree(u"/Volumes/VB-SHARE$"_s).isEmpty());
 }
 
+TEST_F(TransferDriverTest, AShareThatIsOnlyRememberedIsLost) {
+  bench.processes.onRun = [this](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (request.program == u"/bin/cp" && request.arguments[1].endsWith(u"2.mp3"_s)) {
+      bench.files.setRemembered(kMountPoint.toString(), true);
+      return exited(1);
+    }
+    return std::nullopt;
+  };
+  bench.drop(u"Party"_s, {song(1), song(2), song(3)});
+  EXPECT_EQ(bench.view.lastLog, u"The connection to the product was lost. These items were not transferred:\n"
+                                "2.mp3\n3.mp3\n\nThe transfer has ended."_s)
+      << "neither is the disk full nor has one track failed";
+}
+
 TEST_F(TransferDriverTest, TheShareUnmountedBetweenTwoTracksLeavesNothingBelowItsPoint) {
   const QStringList songs{song(1), song(2)};
   bench.processes.onRun = [this, first = true](const ToolRequest &request) mutable -> std::optional<ToolResult> {

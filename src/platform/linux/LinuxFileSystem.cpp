@@ -28,13 +28,14 @@ struct FolderCloser {
   void operator()(DIR *folder) const { ::closedir(folder); }
 };
 
-quint64 freeBytesOf(const char *path) {
+// This question is never answered from memory.
+void askForSpace(const QByteArray &path, Volume &volume) {
   struct statvfs facts = {};
-  if (::statvfs(path, &facts) != 0) {
-    return 0; // gone is not free
+  volume.answers = ::statvfs(path.constData(), &facts) == 0;
+  if (volume.answers) {
+    const quint64 unit = facts.f_frsize != 0 ? facts.f_frsize : facts.f_bsize;
+    volume.freeBytes = unit * facts.f_bavail;
   }
-  const quint64 unit = facts.f_frsize != 0 ? facts.f_frsize : facts.f_bsize;
-  return unit * facts.f_bavail;
 }
 
 } // namespace
@@ -170,7 +171,9 @@ std::unique_ptr<FileLock> LinuxFileSystem::lock(const QString &path) {
 std::optional<Volume> LinuxFileSystem::volume(const QString &path) {
   try {
     if (const auto found = m_volumes.volumeOf(path)) {
-      return Volume{found->root, found->typeName, freeBytesOf(found->hostRoot.constData()), found->mountId};
+      Volume volume{found->root, found->typeName, 0, found->mountId};
+      askForSpace(found->hostRoot, volume);
+      return volume;
     }
     const auto host = map().host(path);
     const auto entry = host ? m_volumes.hostMount(host->toUtf8()) : std::nullopt;
@@ -178,8 +181,9 @@ std::optional<Volume> LinuxFileSystem::volume(const QString &path) {
       return std::nullopt;
     }
     const QByteArray existing = presence(path) == Presence::Present ? host->toUtf8() : entry->point;
-    return Volume{QString::fromUtf8(entry->point), systemTypeName(entry->type), freeBytesOf(existing.constData()),
-                  mountIdentity(*entry)};
+    Volume volume{QString::fromUtf8(entry->point), systemTypeName(entry->type), 0, mountIdentity(*entry)};
+    askForSpace(existing, volume);
+    return volume;
   } catch (const Failure &) {
     return std::nullopt;
   }
