@@ -182,10 +182,20 @@ void FavouritesRewrite::Turn::deleteOld() {
     m_owner.m_tools.files.removeFile(m_path);
   } catch (const std::exception &e) {
     // When it cannot be told whether the file still stands, the marker stays for the next connection.
-    if (m_owner.m_tools.files.presence(m_path) == Presence::Present) {
+    if (surelyStands()) {
       finishBackup();
     }
     throw Failure(u"%1 could not be deleted: %2"_s.arg(m_name, reasonOf(e)));
+  }
+}
+
+// A look at the file itself may be answered from what the system remembers of it; the list comes from the server.
+bool FavouritesRewrite::Turn::surelyStands() {
+  try {
+    m_owner.requireShare();
+    return m_owner.m_tools.files.list(m_owner.m_folders.system()).contains(m_name);
+  } catch (const Failure &) {
+    return false;
   }
 }
 

@@ -60,6 +60,7 @@ public:
     [[nodiscard]] bool unchanged(const SeenFile &seen);
     void recover();
     void deleteOld();
+    [[nodiscard]] bool surelyStands();
     void write(const QByteArray &bytes);
     [[nodiscard]] bool putBack(const SeenFile &seen);
     void finishBackup();

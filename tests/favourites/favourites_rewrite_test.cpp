@@ -141,16 +141,37 @@ TEST_F(Rewrite, AClientWhoseLockWasTakenOverDeletesNothing) {
   EXPECT_FALSE(leftBehind());
 }
 
+// The server died over the delete; for a moment the system still remembers the file that is gone.
+TEST_F(Rewrite, ADeleteOfWhichNobodyKnowsIsUndoneAtTheNextLook) {
+  files.put(kServerFile, kOld);
+  files.beforeOperation = [&](int) {
+    const QString last = files.log().value(files.log().size() - 1);
+    if (files.exists(client->backup(u".marker"_s)) && last == u"read "_s + kServerLock) {
+      files.failAt(1, FailureKind::Unknown);
+    } else if (last == u"removeFile "_s + kServerFile) {
+      files.setRemembered(u"/Volumes/VB-SHARE$"_s, true);
+      files.beforeOperation = nullptr;
+    }
+  };
+  EXPECT_THROW(write(kNew), Failure);
+  EXPECT_TRUE(files.exists(client->backup(u".marker"_s)));
+  files.setRemembered(u"/Volumes/VB-SHARE$"_s, false);
+  files.erase(kServerFile);
+  EXPECT_EQ(client->rewrite.begin(FavouritesKind::Music).look().bytes, kNew);
+  EXPECT_FALSE(leftBehind());
+}
+
 TEST_F(Rewrite, ADeleteThatFailsLeavesTheFileAndIsAFailure) {
   files.put(kServerFile, kOld);
   files.beforeOperation = [&](int) {
-    if (files.exists(client->backup(u".marker"_s)) && files.log().last() == u"attributes "_s + kServerFile) {
+    if (files.exists(client->backup(u".marker"_s)) && files.log().last() == u"read "_s + kServerLock) {
       files.failAt(1, FailureKind::Other);
       files.beforeOperation = nullptr;
     }
   };
   EXPECT_THROW(write(kNew), Failure);
   EXPECT_EQ(files.log().filter(u"removeFile "_s + kServerFile).size(), 1);
+  EXPECT_EQ(files.log().filter(u"writeAtomically "_s + kServerFile).size(), 0);
   EXPECT_EQ(files.bytes(kServerFile), kOld);
   EXPECT_FALSE(leftBehind());
 }
