@@ -13,6 +13,13 @@ class ControllerStatesTest : public ControllerTest {
 protected:
   UserInterfaceState shown() { return fakes.userInterface.last(); }
   qsizetype mounts() { return fakes.processes.programs().count(u"/sbin/mount"_s); }
+  void expectOneMountAndAnotherForALaterConnect() {
+    EXPECT_EQ(mounts(), 1);
+    EXPECT_TRUE(shown().connected);
+    controller->connect();
+    fakes.loop.runPosted();
+    EXPECT_EQ(mounts(), 2);
+  }
   // Runs what is asked while the controller's thread is in a pause: it waits for its turn.
   void atThePause(const std::function<void()> &asked) {
     fakes.clock.onSleep = [this, asked] {
@@ -36,11 +43,7 @@ TEST_F(ControllerStatesTest, TwoConnectsAtOnceAreOne) {
   controller->connect();
   controller->connect();
   fakes.loop.runPosted();
-  EXPECT_EQ(mounts(), 1);
-  EXPECT_TRUE(shown().connected);
-  controller->connect();
-  fakes.loop.runPosted();
-  EXPECT_EQ(mounts(), 2) << "a later one connects anew";
+  expectOneMountAndAnotherForALaterConnect();
 }
 
 TEST_F(ControllerStatesTest, ConnectPressedBesideAPasswordIsTheSameConnect) {
@@ -50,11 +53,7 @@ TEST_F(ControllerStatesTest, ConnectPressedBesideAPasswordIsTheSameConnect) {
   controller->enterPassword(u"secret"_s);
   controller->connect();
   fakes.loop.runPosted();
-  EXPECT_EQ(mounts(), 1);
-  EXPECT_TRUE(shown().connected);
-  controller->connect();
-  fakes.loop.runPosted();
-  EXPECT_EQ(mounts(), 2) << "a later one connects anew";
+  expectOneMountAndAnotherForALaterConnect();
 }
 
 TEST_F(ControllerStatesTest, ConnectThatFailsDoesNotBlockTheNext) {
