@@ -103,8 +103,10 @@ void TrackArtwork::exportPicture(const QString &track, const Picture &picture, c
 void TrackArtwork::removeBeside(const Picture &picture, const QString &name) {
   try {
     m_tools.files.removeFile(picture.serverFolder + name);
-  } catch (const Failure &) {
-    (void)name;
+  } catch (const Failure &failure) {
+    if (failure.kind() != FailureKind::Absent) {
+      m_tools.desktop.log(u"%1 could not be removed: %2"_s.arg(picture.serverFolder + name, failure.reason()));
+    }
   }
 }
 

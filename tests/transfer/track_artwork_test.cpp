@@ -107,6 +107,15 @@ TEST_F(TrackArtworkTest, ATrackWithoutArtworkIsOnlyLogged) {
   EXPECT_EQ(bench.desktop.lines, QStringList{u"script unsuccessful.."_s});
 }
 
+TEST_F(TrackArtworkTest, WhatCannotBeRemovedBesideIsLoggedAndWhatIsNotThereIsNot) {
+  playerRuns();
+  place(kTrack, u"x.mp3"_s, false);
+  EXPECT_EQ(bench.desktop.lines, QStringList());
+  bench.files.failPath(kMusic + u"._x.jpg"_s, FailureKind::Other);
+  place(kTrack, u"x.mp3"_s, false);
+  EXPECT_TRUE(bench.desktop.logged(kMusic + u"._x.jpg could not be removed: "_s));
+}
+
 TEST_F(TrackArtworkTest, WhatAKilledScriptLeftIsRemoved) {
   playerRuns();
   const QString left = kMusic + u"ABBA/Gold/.sonorel-0123abcd-artwork"_s;
