@@ -1,7 +1,8 @@
 // A working file system in memory, in the system's own paths: folders, modes, times, links, locks and volumes that
 // come and go and keep what they hold. Knobs let the n-th operation fail, a volume fall silent or fill up, or the
 // whole client die. Every call of the interface is one operation at least; a writing call is one for each step
-// after which an interruption leaves something else behind. Any thread.
+// after which an interruption leaves something else behind. Any thread; beforeOperation runs on the caller's, with
+// no lock held, and is set before other threads use the object.
 #pragma once
 
 #include "platform/Failure.h"
@@ -120,6 +121,19 @@ private:
   };
   class Lock;
 
+  // Recursive, and given back whole while a hook runs, however deep it was taken: a hook does what another thread
+  // might do at that moment, with locks of its own.
+  class TreeMutex {
+  public:
+    void lock();
+    void unlock();
+    void runUnlocked(const std::function<void()> &task);
+
+  private:
+    std::recursive_mutex m_mutex; // guards m_depth
+    int m_depth = 0;
+  };
+
   // One operation: counted, logged, and failed when a knob says so.
   void step(const char *name, const QString &path);
   void steppedByDeath();
@@ -143,7 +157,7 @@ private:
   void dropTree(const QString &path);
   void writeSteps(const QString &path, const QByteArray &bytes);
 
-  mutable std::recursive_mutex m_mutex; // guards everything below; recursive because knobs are used from hooks
+  mutable TreeMutex m_mutex; // guards everything below
   Disk m_base;
   QMap<QString, Disk> m_disks; // by root
   int m_links = 0;

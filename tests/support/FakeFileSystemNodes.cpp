@@ -1,5 +1,7 @@
 #include "support/FakeFileSystem.h"
 
+#include <QScopeGuard>
+
 namespace sonorel::test {
 
 namespace {
@@ -25,6 +27,29 @@ QString cleaned(const QString &path) {
 }
 
 } // namespace
+
+void FakeFileSystem::TreeMutex::lock() {
+  m_mutex.lock();
+  ++m_depth;
+}
+
+void FakeFileSystem::TreeMutex::unlock() {
+  --m_depth;
+  m_mutex.unlock();
+}
+
+void FakeFileSystem::TreeMutex::runUnlocked(const std::function<void()> &task) {
+  const int depth = m_depth;
+  for (int i = 0; i < depth; ++i) {
+    unlock();
+  }
+  const auto again = qScopeGuard([this, depth] {
+    for (int i = 0; i < depth; ++i) {
+      lock();
+    }
+  });
+  task();
+}
 
 void FakeFileSystem::fail(FailureKind kind, const QString &path) {
   switch (kind) {
@@ -60,7 +85,7 @@ void FakeFileSystem::step(const char *name, const QString &path) {
   ++m_operations;
   steppedByDeath();
   if (beforeOperation) {
-    beforeOperation(m_operations);
+    m_mutex.runUnlocked([this, number = m_operations] { beforeOperation(number); });
   }
   m_log.append(QString::fromLatin1(name) + u' ' + path);
   if (m_operations == m_failAt) {
