@@ -31,6 +31,14 @@ function(sonorel_library name)
   target_link_libraries(${name} PUBLIC sonorel_flags ${ARGN})
 endfunction()
 
+# sonorel_paths(NAME=PATH... FILES FILE...): defines these paths in these files, and only there: the compiler's cache knows
+# no file of another clone whose flags name a path of this one.
+function(sonorel_paths)
+  cmake_parse_arguments(PARSE_ARGV 0 argument "" "" FILES)
+  list(TRANSFORM argument_UNPARSED_ARGUMENTS REPLACE "^([^=]+)=(.*)$" "\\1=\"\\2\"")
+  set_property(SOURCE ${argument_FILES} APPEND PROPERTY COMPILE_DEFINITIONS ${argument_UNPARSED_ARGUMENTS})
+endfunction()
+
 # sonorel_tests(NAME LINK...): one executable of all *_test.cpp files of the current folder, registered with ctest.
 function(sonorel_tests name)
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
@@ -40,7 +48,6 @@ function(sonorel_tests name)
   add_executable(${name} ${sources})
   target_link_libraries(${name} PRIVATE sonorel_test_support ${ARGN} GTest::gtest GTest::gtest_main)
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-  target_compile_definitions(${name} PRIVATE SONOREL_RESOURCES="${CMAKE_SOURCE_DIR}/resources")
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES LABELS unit TIMEOUT 600)
 endfunction()
