@@ -139,7 +139,7 @@ TEST_F(UnwrittenPlaylistsTest, WaitForTheirOwnProductOverARestart) {
   MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 600);
   EXPECT_TRUE(next.metaData.retryUnwritten({}));
   EXPECT_EQ(next.shown().mid(4), QStringList{u"5 @~Party@~: a.mp3/1"_s});
-  EXPECT_EQ(kept(), QStringList{u"_00-00-00-00-00-0b/NetMusicFavorites.orv.unwritten-1"_s});
+  EXPECT_EQ(kept(), QStringList{u"/Client/Backup/_00-00-00-00-00-0b/NetMusicFavorites.orv.unwritten-1"_s});
   files.erase(kServerFile); // the share of the other product
   next.session.setHardwareAddress(u"00-00-00-00-00-0B"_s);
   EXPECT_TRUE(next.metaData.retryUnwritten({}));
