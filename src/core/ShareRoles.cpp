@@ -153,7 +153,7 @@ AfterConnection::Hooks ShareRoles::afterConnectionHooks() {
     if (!driver.isAtWork()) { // the worker's otherwise
       limits.completeInterruptedWrite();
       if (validated) {
-        playlists.retryUnwritten();
+        playlists.retryUnwritten(roles.interruption.token());
       }
     }
   };

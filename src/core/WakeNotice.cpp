@@ -7,14 +7,16 @@ using namespace Qt::Literals::StringLiterals;
 namespace sonorel {
 
 void WakeNotice::show() {
-  m_shown = true;
+  if (!m_before) {
+    m_before = m_log.viewText();
+  }
   m_log.showOnly(m_strings.text(u"WaitingForProductText"_s));
   m_interface.flush();
 }
 
 void WakeNotice::end() {
-  if (std::exchange(m_shown, false)) {
-    m_log.show();
+  if (const auto before = std::exchange(m_before, std::nullopt)) {
+    m_log.showOnly(*before);
   }
 }
 

@@ -1,10 +1,14 @@
-// What the message log says while a product that was woken is waited for. The view alone shows it: the text of a
-// transfer comes back afterwards. Controller's thread.
+// What the message log says while a product that was woken is waited for. The view alone shows it: what it showed
+// before comes back afterwards. Controller's thread.
 #pragma once
 
 #include "core/InterfaceController.h"
 #include "core/state/MessageLog.h"
 #include "core/state/Strings.h"
+
+#include <QString>
+
+#include <optional>
 
 namespace sonorel {
 
@@ -23,7 +27,7 @@ private:
   Strings &m_strings;
   MessageLog &m_log;
   InterfaceController &m_interface;
-  bool m_shown = false;
+  std::optional<QString> m_before; // what the view showed; none while the notice is not there
 };
 
 } // namespace sonorel

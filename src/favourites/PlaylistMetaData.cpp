@@ -19,6 +19,21 @@ qint64 currentPlaylistId(const Settings &settings) {
   return settings.contains(key) ? settings.number(key, leadingNumber(settings.text(key))) : kFirstPlaylistId;
 }
 
+// A product whose name file is missing counts as "Vaultbox 1": what was kept then has titles without a type, and what
+// is kept of another model has one.
+void fitTo(const PlayerTraits &player, bool photos, std::vector<NewList> &lists) {
+  for (NewList &list : lists) {
+    const bool holdsAlbums = !photos && colourIndex(list.name) >= 0;
+    for (FavouriteTitle &title : list.titles) {
+      if (player.isVaultbox1()) {
+        title.itemType.reset();
+      } else if (!title.itemType) {
+        title.itemType = (holdsAlbums ? kItemTypeAlbum : kItemTypeTitle).toString();
+      }
+    }
+  }
+}
+
 } // namespace
 
 PlaylistMetaData::PlaylistMetaData(TransferBoard &board, FavouritesMerge &merge, PhotoFavourites &photoFavourites,
@@ -30,7 +45,7 @@ PlaylistMetaData::PlaylistMetaData(TransferBoard &board, FavouritesMerge &merge,
 
 bool PlaylistMetaData::sendMetaDataForPlaylist(bool photos) {
   try {
-    const bool retried = retry(photos); // as a transfer of its own, before this one
+    const bool retried = retry(photos, m_hooks.stop()); // as a transfer of its own, before this one
     const bool sent = send(photos);
     return sent && retried;
   } catch (const std::exception &exception) {
@@ -43,24 +58,27 @@ bool PlaylistMetaData::hasUnwritten(bool photos) {
   return unwritten(photos).hasAny(productKey(m_session));
 }
 
-bool PlaylistMetaData::retryUnwritten() {
-  const bool photos = retry(true);
-  const bool music = retry(false);
+bool PlaylistMetaData::retryUnwritten(std::stop_token stop) {
+  const bool photos = retry(true, stop);
+  const bool music = retry(false, stop);
   return photos && music;
 }
 
-bool PlaylistMetaData::retry(bool photos) {
+bool PlaylistMetaData::retry(bool photos, const std::stop_token &stop) {
   const QString product = productKey(m_session);
   if (!unwritten(photos).hasAny(product) || !m_hooks.isConnected()) {
     return true;
   }
-  return unwritten(photos).retry(
-      product, [&](const std::vector<NewList> &lists) { return write(photos, lists, MergeTry::Again); });
+  return unwritten(photos).retry(product, [&](std::vector<NewList> lists) {
+    fitTo(playerOf(m_session), photos, lists);
+    return !stop.stop_requested() && write(photos, lists, MergeTry::Again, stop);
+  });
 }
 
-bool PlaylistMetaData::write(bool photos, const std::vector<NewList> &lists, MergeTry kind) {
-  return photos ? m_photoFavourites.makeList1UsingArrays(lists, m_hooks.stop(), kind)
-                : m_merge.addPlaylistToDictionary(lists, m_hooks.stop(), kind);
+bool PlaylistMetaData::write(bool photos, const std::vector<NewList> &lists, MergeTry kind,
+                             const std::stop_token &stop) {
+  return photos ? m_photoFavourites.makeList1UsingArrays(lists, stop, kind)
+                : m_merge.addPlaylistToDictionary(lists, stop, kind);
 }
 
 bool PlaylistMetaData::send(bool photos) {
@@ -75,12 +93,16 @@ bool PlaylistMetaData::send(bool photos) {
   }
   const bool anyTransferred =
       std::any_of(lists.begin(), lists.end(), [](const NewList &list) { return !list.titles.empty(); });
+  const bool olderOnesWait = unwritten(photos).hasAny(product);
   if (anyTransferred) {
     unwritten(photos).keep(product, lists); // first: whatever dies from here on, they are not lost
   }
   storeNextPlaylistId(lists);
-  if (m_hooks.isConnected()) {
-    if (write(photos, lists, MergeTry::First)) {
+  if (olderOnesWait) {
+    // Coming later, an older list would replace the newer one of its name.
+    m_desktop.log(u"The playlists were not written: older ones wait before them."_s);
+  } else if (m_hooks.isConnected()) {
+    if (write(photos, lists, MergeTry::First, m_hooks.stop())) {
       if (anyTransferred) {
         unwritten(photos).forgetLatest(product);
       }

@@ -34,12 +34,14 @@ public:
   // Something waits for another try on the product connected now.
   [[nodiscard]] bool hasUnwritten(bool photos);
   // Tries it; false when something still waits after that. True, and nothing is done, while the share is not there.
-  bool retryUnwritten();
+  // stop ends a wait for another client, and the whole between two transfers.
+  bool retryUnwritten(std::stop_token stop);
 
 private:
   [[nodiscard]] bool send(bool photos);
-  [[nodiscard]] bool retry(bool photos);
-  [[nodiscard]] bool write(bool photos, const std::vector<NewList> &lists, MergeTry kind);
+  [[nodiscard]] bool retry(bool photos, const std::stop_token &stop);
+  [[nodiscard]] bool write(bool photos, const std::vector<NewList> &lists, MergeTry kind,
+                           const std::stop_token &stop);
   // Both number the lists from the counter on.
   [[nodiscard]] std::vector<NewList> musicLists(const QList<PlaylistInfo> &records);
   [[nodiscard]] std::vector<NewList> pictureLists(const QList<PlaylistInfo> &records);

@@ -69,15 +69,14 @@ void ShareLock::waitForHolder(const QByteArray &ownMark, std::stop_token stop) {
   const auto first = content();
   const auto start = m_tools.clock.monotonicNow();
   while (true) {
-    const auto attributes = m_tools.files.attributes(m_path, Links::NoFollow);
     const auto holder = content();
-    if (!attributes || !holder || holder != first) {
+    if (!holder || holder != first) {
       return; // gone, or somebody else's turn: begin again
     }
-    // The share's clock need not be ours: a lock that was watched for as long counts as well.
+    // Only the time counts for which it was watched: the file's own time is of the product's clock, which may be
+    // behind.
     const std::chrono::seconds limit = holder->isEmpty() ? kStaleWhenEmptyAfter : kStaleAfter;
-    const bool old = m_tools.clock.nowSeconds() - attributes->modifiedSeconds >= limit.count() ||
-                     m_tools.clock.monotonicNow() - start >= limit;
+    const bool old = m_tools.clock.monotonicNow() - start >= limit;
     if (old || holder->startsWith(ownMark + '/')) {
       m_tools.desktop.log(u"The lock of the favourites was left by a client that ended; it is removed."_s);
       m_tools.files.removeFile(m_path);

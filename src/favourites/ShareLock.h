@@ -1,6 +1,6 @@
 // ".sonorel-lock" in the System folder: at most one client rewrites favourites at a time. Created exclusively,
-// removed when the object dies. A lock that is 60 seconds old is a dead client's; so is one of this client, which
-// runs only once at a time on its data folder. Blocks while another client holds it.
+// removed when the object dies. A lock that was watched for 60 seconds is a dead client's; so is one of this client,
+// which runs only once at a time on its data folder. Blocks while another client holds it.
 #pragma once
 
 #include "platform/Clock.h"

@@ -4,11 +4,14 @@
 
 #include <QSet>
 
+#include <algorithm>
+
 namespace sonorel {
 
 namespace {
 
-// Lists are known by their own GUIDs, what was put on a colour key by those of its titles.
+// Lists are known by their own GUIDs, what was put on a colour key by those of its titles: by any of them, because
+// albums that stood there already are left out, and the oldest go when a key is full.
 struct StoredGuids {
   QSet<QByteArray> lists;
   QSet<QByteArray> titlesOnColours;
@@ -25,8 +28,10 @@ struct StoredGuids {
   }
 
   [[nodiscard]] bool hold(const NewList &added) const {
-    return lists.contains(added.guid) || (colourIndex(added.name) >= 0 && !added.titles.empty() &&
-                                          titlesOnColours.contains(added.titles.back().guid));
+    return lists.contains(added.guid) ||
+           (colourIndex(added.name) >= 0 &&
+            std::any_of(added.titles.begin(), added.titles.end(),
+                        [this](const FavouriteTitle &title) { return titlesOnColours.contains(title.guid); }));
   }
 };
 

@@ -102,6 +102,9 @@ void Connection::leaveLostVolume() {
   if (isVolumeForAutomounted()) {
     run(kUnmountTool, {u"-f"_s, m_orvDrive});
     volumeClean();
+    if (isVolumeForAutomounted()) {
+      m_tools.desktop.log(u"The lost share could not be unmounted."_s);
+    }
   }
 }
 

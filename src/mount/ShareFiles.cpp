@@ -5,6 +5,7 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -260,10 +261,18 @@ int ShareFiles::statfs(struct statvfs *facts) {
       m_root = ::smbc_getFunctionOpendir(context)(context, m_session.address("/").c_str());
       m_rootGeneration = m_session.generation();
     }
-    return m_root != nullptr ? ::smbc_getFunctionFstatVFS(context)(context, m_root, facts) : -1;
+    if (m_root == nullptr || ::smbc_getFunctionFstatVFS(context)(context, m_root, facts) != 0) {
+      return -1;
+    }
+    if (facts->f_bsize == 0) { // libsmbclient calls a question that got no answer a success
+      errno = EIO;
+      return -1;
+    }
+    return 0;
   });
   if (result == 0) {
-    facts->f_bsize *= facts->f_frsize; // sectors, and sectors in a unit
+    // Sectors, and sectors in a unit; an old server that speaks the UNIX extensions tells the unit alone.
+    facts->f_bsize *= std::max(facts->f_frsize, 1UL);
     facts->f_frsize = facts->f_bsize;
     facts->f_namemax = 255;
   }

@@ -34,7 +34,7 @@ void TransferDriver::transferToVaultbox(std::stop_token stop) {
     try {
       again = runTransfer();
     } catch (const std::exception &exception) {
-      again = cleanUpAfterException(exception) && goesOn();
+      again = goesOnAfter(cleanUpAfterException(exception));
     }
   }
 }
@@ -56,7 +56,7 @@ bool TransferDriver::runTransfer() {
     return false;
   }
   endTransfer();
-  return finishTransferHandler() && goesOn();
+  return goesOnAfter(finishTransferHandler());
 }
 
 bool TransferDriver::carryQueue() {

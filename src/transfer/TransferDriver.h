@@ -56,7 +56,7 @@ private:
   };
 
   [[nodiscard]] bool runTransfer();
-  [[nodiscard]] bool goesOn() const;
+  [[nodiscard]] bool goesOnAfter(bool dropWaited);
   [[nodiscard]] bool carryQueue(); // false: the machine went to sleep
   [[nodiscard]] After carryItem(const QueueEntry &entry);
   [[nodiscard]] After carryByType(const QueueEntry &entry, const Item &item);

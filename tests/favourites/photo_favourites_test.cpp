@@ -136,7 +136,7 @@ TEST_F(PhotoFavouritesTest, AShareThatIsGoneKeepsTheAlbumsForTheNextTime) {
   EXPECT_TRUE(client.board.records(true).isEmpty());
   EXPECT_TRUE(client.metaData.hasUnwritten(true));
   EXPECT_FALSE(client.metaData.hasUnwritten(false));
-  EXPECT_TRUE(client.metaData.retryUnwritten()) << "still gone: no second failure";
+  EXPECT_TRUE(client.metaData.retryUnwritten({})) << "still gone: no second failure";
   client.connected = true;
   drop(client, u"Oslo"_s, u"2.jpg"_s);
   EXPECT_TRUE(client.sendPictures());
@@ -153,7 +153,7 @@ TEST_F(PhotoFavouritesTest, AShareThatDoesNotAnswerIsNotTakenForAnEmptyOne) {
   EXPECT_FALSE(client.sendPictures());
   files.setUnknown(kMountPoint.toString(), false);
   EXPECT_EQ(files.bytes(kServerPhotoFile), before);
-  EXPECT_TRUE(client.metaData.retryUnwritten());
+  EXPECT_TRUE(client.metaData.retryUnwritten({}));
   EXPECT_EQ(client.shownPhotos(), (QStringList{u"7 Old: p\\0.jpg"_s, u"8 Rome: p\\1.jpg"_s}));
 }
 
@@ -192,7 +192,7 @@ TEST_F(PhotoFavouritesTest, AFailedWritePutsTheOldFileBackAndTheAlbumsAreTriedAg
   EXPECT_EQ(files.bytes(kServerPhotoFile), before);
   EXPECT_TRUE(client.desktop.logged(u"Exception in ---> <AppController><makeList1> PhotoFavorites.orv could not be "
                                     "written: "_s));
-  EXPECT_TRUE(client.metaData.retryUnwritten());
+  EXPECT_TRUE(client.metaData.retryUnwritten({}));
   EXPECT_EQ(client.shownPhotos(), (QStringList{u"7 Old: p\\0.jpg"_s, u"8 Rome: p\\1.jpg"_s}));
 }
 
@@ -216,7 +216,7 @@ TEST_F(PhotoFavouritesTest, WhatTheRecoveryWroteIsNotWrittenTwice) {
   const QStringList recovered = client.shownPhotos();
   EXPECT_EQ(recovered, (QStringList{u"31 Red: p\\1.jpg"_s, u"2 Green: "_s, u"3 Yellow: "_s, u"4 Blue: "_s, u"8 : "_s,
                                     u"8 Rome: p\\2.jpg"_s}));
-  EXPECT_TRUE(client.metaData.retryUnwritten());
+  EXPECT_TRUE(client.metaData.retryUnwritten({}));
   EXPECT_EQ(client.shownPhotos(), recovered);
   EXPECT_FALSE(client.metaData.hasUnwritten(true));
 }
@@ -233,7 +233,7 @@ TEST_F(PhotoFavouritesTest, AlbumsWaitForTheirOwnProduct) {
   EXPECT_EQ(client.shownPhotos(), QStringList{u"8 Oslo: p\\2.jpg"_s});
   files.erase(kServerPhotoFile); // the share of the first product
   client.session.setHardwareAddress(u"00-11-22-33-44-55"_s);
-  EXPECT_TRUE(client.metaData.retryUnwritten());
+  EXPECT_TRUE(client.metaData.retryUnwritten({}));
   EXPECT_EQ(client.shownPhotos(), QStringList{u"7 Rome: p\\1.jpg"_s});
 }
 

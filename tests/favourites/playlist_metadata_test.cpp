@@ -94,7 +94,7 @@ TEST_F(PlaylistMetaDataTest, KeptListsWaitForTheirOwnProduct) {
   EXPECT_EQ(client.shown().mid(4), QStringList{u"5 @~Other@~: b.mp3/1"_s});
   files.erase(kServerFile); // the share of the first product
   productIs(u"00-11-22-33-44-55"_s);
-  EXPECT_TRUE(client.metaData.retryUnwritten());
+  EXPECT_TRUE(client.metaData.retryUnwritten({}));
   EXPECT_EQ(client.shown().mid(4), QStringList{u"5 @~Party@~: a.mp3/1"_s});
 }
 
@@ -104,9 +104,9 @@ TEST_F(PlaylistMetaDataTest, WhatStillCannotBeWrittenIsKeptInItsOrder) {
   EXPECT_FALSE(client.send());
   client.track(u"Second"_s, u"2.mp3"_s);
   EXPECT_FALSE(client.send());
-  EXPECT_FALSE(client.metaData.retryUnwritten());
+  EXPECT_FALSE(client.metaData.retryUnwritten({}));
   files.clearFailures();
-  EXPECT_TRUE(client.metaData.retryUnwritten());
+  EXPECT_TRUE(client.metaData.retryUnwritten({}));
   EXPECT_EQ(client.shown().mid(4), (QStringList{u"5 @~First@~: 1.mp3/1"_s, u"6 @~Second@~: 2.mp3/1"_s}));
 }
 
@@ -131,7 +131,7 @@ TEST_F(PlaylistMetaDataTest, WhatTheRecoveryWroteIsNotWrittenTwice) {
   const QStringList recovered = client.shown();
   EXPECT_EQ(recovered.at(0), u"1 Red: Gold/2"_s);
   EXPECT_EQ(recovered.mid(4), (QStringList{u"5 @~First@~: 1.mp3/1"_s, u"6 @~Party@~: a.mp3/1"_s}));
-  EXPECT_TRUE(client.metaData.retryUnwritten());
+  EXPECT_TRUE(client.metaData.retryUnwritten({}));
   EXPECT_EQ(client.shown(), recovered);
   EXPECT_FALSE(client.metaData.hasUnwritten(false));
 }

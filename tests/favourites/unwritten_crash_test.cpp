@@ -67,7 +67,7 @@ bool connectAndDie(FakeFileSystem &files, int operation, QStringList *music = nu
   try {
     next.rewrite.recoverAtConnect();
     EXPECT_TRUE(next.dictionary.validateOrvFile() || files.isDead());
-    next.metaData.retryUnwritten();
+    next.metaData.retryUnwritten({});
   } catch (const Died &) {
     return false;
   }

@@ -28,7 +28,7 @@ protected:
     const auto backup = files.tree(u"/Client/Backup"_s);
     for (auto file = backup.begin(); file != backup.end(); ++file) {
       if (file.key().contains(u".unwritten"_s)) {
-        names.append(file.key());
+        names.append(u"/Client/Backup/"_s + file.key());
       }
     }
     return names;
@@ -46,7 +46,7 @@ TEST_F(UnwrittenPlaylistsTest, AreWrittenByTheNextRunAtItsFirstConnection) {
   MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 500);
   EXPECT_TRUE(next.metaData.hasUnwritten(false));
   EXPECT_FALSE(next.metaData.hasUnwritten(true));
-  EXPECT_TRUE(next.metaData.retryUnwritten());
+  EXPECT_TRUE(next.metaData.retryUnwritten({}));
   EXPECT_EQ(next.shown().at(0), u"1 Red: Unknown/2"_s);
   EXPECT_EQ(next.shown().mid(4), QStringList{u"5 @~Party@~: a.mp3/1"_s});
   EXPECT_FALSE(next.metaData.hasUnwritten(false));
@@ -119,7 +119,7 @@ TEST_F(UnwrittenPlaylistsTest, OfPicturesWaitLikeThoseOfMusic) {
   }
   MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 500);
   EXPECT_TRUE(next.metaData.hasUnwritten(true));
-  EXPECT_TRUE(next.metaData.retryUnwritten());
+  EXPECT_TRUE(next.metaData.retryUnwritten({}));
   EXPECT_EQ(next.shownPhotos(), (QStringList{u"5 Rome: Rome\\1.jpg"_s, u"6 : "_s, u"6 Oslo: Oslo\\2.jpg"_s}));
   EXPECT_EQ(kept(), QStringList());
 }
@@ -130,19 +130,19 @@ TEST_F(UnwrittenPlaylistsTest, WaitForTheirOwnProductOverARestart) {
     MergeWorkbench other(files, u"Auralis 5"_s, u"/Client"_s, 500);
     other.session.setHardwareAddress(u"00-00-00-00-00-0B"_s);
     EXPECT_FALSE(other.metaData.hasUnwritten(false));
-    EXPECT_TRUE(other.metaData.retryUnwritten());
+    EXPECT_TRUE(other.metaData.retryUnwritten({}));
     EXPECT_FALSE(files.exists(kServerFile));
     other.connected = false;
     other.track(u"Other"_s, u"b.mp3"_s);
     EXPECT_FALSE(other.send());
   }
   MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 600);
-  EXPECT_TRUE(next.metaData.retryUnwritten());
+  EXPECT_TRUE(next.metaData.retryUnwritten({}));
   EXPECT_EQ(next.shown().mid(4), QStringList{u"5 @~Party@~: a.mp3/1"_s});
-  EXPECT_EQ(kept(), QStringList{u"_00-00-00-00-00-0b/NetMusicFavorites.orv.unwritten-1"_s});
+  EXPECT_EQ(kept(), QStringList{u"/Client/Backup/_00-00-00-00-00-0b/NetMusicFavorites.orv.unwritten-1"_s});
   files.erase(kServerFile); // the share of the other product
   next.session.setHardwareAddress(u"00-00-00-00-00-0B"_s);
-  EXPECT_TRUE(next.metaData.retryUnwritten());
+  EXPECT_TRUE(next.metaData.retryUnwritten({}));
   EXPECT_EQ(next.shown().mid(4), QStringList{u"5 @~Other@~: b.mp3/1"_s});
 }
 
@@ -153,7 +153,7 @@ TEST_F(UnwrittenPlaylistsTest, ComeInTheOrderOfTheirTransfersAlsoBehindTheTenth)
     expected.append(u"%1 @~List %2@~: a.mp3/1"_s.arg(i + 4).arg(i));
   }
   MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 5000);
-  EXPECT_TRUE(next.metaData.retryUnwritten());
+  EXPECT_TRUE(next.metaData.retryUnwritten({}));
   EXPECT_EQ(next.shown().mid(4), expected);
 }
 
@@ -167,7 +167,7 @@ TEST_F(UnwrittenPlaylistsTest, StayOnTheDiskWhenTheNextRunCannotWriteThemEither)
     files.clearFailures();
   }
   MergeWorkbench last(files, u"Auralis 5"_s, u"/Client"_s, 600);
-  EXPECT_TRUE(last.metaData.retryUnwritten());
+  EXPECT_TRUE(last.metaData.retryUnwritten({}));
   EXPECT_EQ(last.shown().mid(4), (QStringList{u"5 @~First@~: a.mp3/1"_s, u"6 @~Second@~: b.mp3/1"_s}));
 }
 
@@ -185,7 +185,7 @@ TEST_F(UnwrittenPlaylistsTest, InADamagedFileAreSetAsideAndTheOthersWritten) {
   }
   EXPECT_EQ(files.bytes(kMusicKept + u"1.damaged"_s), cut);
   MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 600);
-  EXPECT_TRUE(next.metaData.retryUnwritten());
+  EXPECT_TRUE(next.metaData.retryUnwritten({}));
   EXPECT_EQ(next.shown().mid(4), QStringList{u"5 @~Second@~: b.mp3/1"_s});
 }
 
@@ -200,11 +200,11 @@ TEST_F(UnwrittenPlaylistsTest, ThatCannotBeReadNowAreLeftWhereTheyAre) {
     EXPECT_FALSE(blind.send()); // beside what it did not see
     files.clearFailures();
     blind.connected = true;
-    EXPECT_TRUE(blind.metaData.retryUnwritten());
+    EXPECT_TRUE(blind.metaData.retryUnwritten({}));
     EXPECT_TRUE(files.exists(kMusicKept + u'1'));
   }
   MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, m_used += 100);
-  EXPECT_TRUE(next.metaData.retryUnwritten());
+  EXPECT_TRUE(next.metaData.retryUnwritten({}));
   EXPECT_EQ(next.shown().last(), u"7 @~First@~: a.mp3/1"_s);
 }
 
@@ -216,7 +216,7 @@ TEST_F(UnwrittenPlaylistsTest, ThatTheDiskRefusesWaitInMemory) {
   EXPECT_FALSE(client.send());
   EXPECT_TRUE(client.desktop.logged(u"Lists could not be kept on the disk until they are written: "_s));
   client.connected = true;
-  EXPECT_TRUE(client.metaData.retryUnwritten());
+  EXPECT_TRUE(client.metaData.retryUnwritten({}));
   EXPECT_EQ(client.shown().mid(4), QStringList{u"5 @~Party@~: a.mp3/1"_s});
 }
 
@@ -236,9 +236,101 @@ TEST_F(UnwrittenPlaylistsTest, ThatStandOnTheServerAlreadyAreNotWrittenTwice) {
   EXPECT_FALSE(again.send());
   MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 500);
   const QStringList before = next.shown();
-  EXPECT_TRUE(next.metaData.retryUnwritten());
+  EXPECT_TRUE(next.metaData.retryUnwritten({}));
   EXPECT_EQ(next.shown(), before);
   EXPECT_EQ(kept(), QStringList());
+}
+
+// A product whose name cannot be read counts as "Vaultbox 1", whose titles lack a field and whose keys are no keys.
+TEST_F(UnwrittenPlaylistsTest, OfAProductThatWasTakenForAnotherFitIt) {
+  {
+    MergeWorkbench other(files, u"Vaultbox 1"_s);
+    other.connected = false;
+    other.track(u"Party"_s, u"A@@@@@G@@@@@a.mp3"_s);
+    other.track(u"@!!!Red!!!@"_s, u"b.mp3"_s, u"Gold"_s);
+    EXPECT_FALSE(other.send());
+    other.pictureOf(u"Rome"_s, u"/Volumes/VB-SHARE$/Photo/Mac/Rome/1.jpg"_s);
+    EXPECT_FALSE(other.sendPictures());
+  }
+  MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 500);
+  ASSERT_TRUE(next.metaData.retryUnwritten({}));
+  EXPECT_EQ(next.shown().at(0), u"1 Red: Gold/2"_s);
+  EXPECT_EQ(next.shown().mid(4), QStringList{u"5 @~Party@~: A\\G\\a.mp3/1"_s});
+  EXPECT_TRUE(decodeMusicFavourites(files.bytes(kServerFile), playerOf(next.session)).fitsModel);
+  EXPECT_TRUE(
+      decodeFavourites(files.bytes(kServerPhotoFile), FavouritesKind::Photos, playerOf(next.session)).fitsModel);
+}
+
+// Otherwise the older list would come later and replace the newer one of its name.
+TEST_F(UnwrittenPlaylistsTest, AreNotOvertakenByNewerOnes) {
+  failAndQuit(u"@~Gold@~"_s, u"old.mp3"_s);
+  MergeWorkbench client(files, u"Auralis 5"_s, u"/Client"_s, 500);
+  files.failPath(kServerLock, FailureKind::Unknown); // while the older list is tried, and no longer
+  files.beforeOperation = [&](int) {
+    if (files.log().last().endsWith(kServerLock)) {
+      files.clearFailures();
+    }
+  };
+  client.track(u"@~Gold@~"_s, u"new.mp3"_s);
+  EXPECT_FALSE(client.send());
+  EXPECT_EQ(kept(), QStringList({kMusicKept + u'1', kMusicKept + u'2'}));
+  EXPECT_TRUE(client.desktop.logged(u"The playlists were not written: older ones wait before them."_s));
+  EXPECT_TRUE(client.metaData.retryUnwritten({}));
+  EXPECT_EQ(client.shown().mid(4), QStringList{u"6 @~Gold@~: new.mp3/1"_s});
+}
+
+TEST_F(UnwrittenPlaylistsTest, StopBetweenTwoTransfersWhenAskedTo) {
+  failAndQuit(u"First"_s, u"a.mp3"_s);
+  failAndQuit(u"Second"_s, u"b.mp3"_s);
+  MergeWorkbench client(files, u"Auralis 5"_s, u"/Client"_s, 500);
+  std::stop_source stop;
+  client.clock.onSleep = [&] { stop.request_stop(); };
+  EXPECT_FALSE(client.metaData.retryUnwritten(stop.get_token()));
+  EXPECT_EQ(kept(), QStringList{kMusicKept + u'2'});
+  EXPECT_TRUE(client.metaData.retryUnwritten({}));
+  EXPECT_EQ(kept(), QStringList());
+}
+
+TEST_F(UnwrittenPlaylistsTest, StopWhileAnotherClientWrites) {
+  failAndQuit(u"Party"_s, u"a.mp3"_s);
+  files.put(kServerLock, "FOREIGN/1", FakeFileSystem::kStart);
+  MergeWorkbench client(files, u"Auralis 5"_s, u"/Client"_s, 500);
+  std::stop_source stop;
+  client.clock.onSleep = [&] { stop.request_stop(); };
+  EXPECT_FALSE(client.metaData.retryUnwritten(stop.get_token()));
+  EXPECT_EQ(client.clock.sleeps.size(), 1);
+  EXPECT_EQ(kept(), QStringList{kMusicKept + u'1'});
+}
+
+// Of a drop on a key the albums that stood there already are left out, which may be the last one.
+TEST_F(UnwrittenPlaylistsTest, OnAColourKeyAreKnownByAnyOfTheirAlbums) {
+  const auto drop = [](MergeWorkbench &client) {
+    client.track(u"@!!!Red!!!@"_s, u"b.mp3"_s, u"Arrival"_s);
+    client.track(u"@!!!Red!!!@"_s, u"c.mp3"_s, u"Gold"_s);
+    return client.send();
+  };
+  {
+    MergeWorkbench client(files);
+    client.track(u"@!!!Red!!!@"_s, u"a.mp3"_s, u"Gold"_s);
+    client.track(u"@!!!Red!!!@"_s, u"d.mp3"_s, u"Waterloo"_s);
+    ASSERT_TRUE(client.send());
+  }
+  {
+    MergeWorkbench client(files, u"Auralis 5"_s, u"/Client"_s, 100);
+    files.erase(kColourCopyPath.toString()); // so that the albums are appended
+    files.failPath(kMusicKept + u'1', FailureKind::DiskFull);
+    ASSERT_TRUE(drop(client));
+    files.clearFailures();
+    EXPECT_EQ(client.shown().at(0), u"1 Red: Gold/2, Waterloo/2, Arrival/2"_s);
+  }
+  {
+    MergeWorkbench again(files, u"Auralis 5"_s, u"/Client"_s, 100); // draws the same identifiers
+    again.connected = false;
+    EXPECT_FALSE(drop(again));
+  }
+  MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 500);
+  EXPECT_TRUE(next.metaData.retryUnwritten({}));
+  EXPECT_EQ(next.shown().at(0), u"1 Red: Gold/2, Waterloo/2, Arrival/2"_s);
 }
 
 TEST_F(UnwrittenPlaylistsTest, ComeBackWithEveryCharacter) {
@@ -250,7 +342,7 @@ TEST_F(UnwrittenPlaylistsTest, ComeBackWithEveryCharacter) {
   EXPECT_FALSE(client.send());
   MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 500);
   next.session.setAU5UTF8Compliant(u"YES"_s);
-  ASSERT_TRUE(next.metaData.retryUnwritten());
+  ASSERT_TRUE(next.metaData.retryUnwritten({}));
   EXPECT_EQ(next.server().back().nameAsRead, odd);
   EXPECT_EQ(next.server().back().songs.at(0).songPath, u"_&__' \t\r\u0001 é 東 🎵 \\ ]]_"_s);
 }

@@ -238,6 +238,15 @@ TEST_F(ConnectionTest, LeavesALostShareByForceAndNothingElse) {
   EXPECT_EQ(runs().first(), u"/sbin/umount -f /Volumes/VB-SHARE$"_s);
   EXPECT_FALSE(files.isMounted(kPoint));
   EXPECT_FALSE(files.exists(kPoint));
+  EXPECT_EQ(desktop.lines, QStringList());
+}
+
+TEST_F(ConnectionTest, LogsALostShareThatStaysMounted) {
+  mountShare(files);
+  files.setUnknown(kPoint, true);
+  processes.onRun = [](const ToolRequest &) { return ToolResult{ToolEnding::Exited, 1, {}}; };
+  connection().leaveLostVolume();
+  EXPECT_EQ(desktop.lines, QStringList{u"The lost share could not be unmounted."_s});
 }
 
 TEST_F(ConnectionTest, LogsAnExceptionWhileDisconnecting) {

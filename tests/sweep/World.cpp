@@ -213,7 +213,7 @@ bool Client::connect() {
   const bool validated = m_dictionary.validateOrvFile(); // when it fails the connection stays
   m_limits.completeInterruptedWrite();
   if (validated) {
-    m_playlists.retryUnwritten();
+    m_playlists.retryUnwritten({});
   }
   return true;
 }

@@ -221,6 +221,24 @@ TEST_F(TransferEndingsTest, ADropThatWaitedWhenTheMachineSleepsIsKeptForTheList)
   EXPECT_EQ(bench.dropsFinished, 2U);
 }
 
+TEST_F(TransferEndingsTest, ADropThatWaitedWhenTheClientIsDisconnectedIsToldAndGone) {
+  bench.deliver(u"Party"_s, {song(1)});
+  bench.onSend = [&] {
+    bench.deliver(u"Later"_s, {song(2)});
+    bench.board.isCancel = true;
+    bench.worker.requestStop();
+  };
+  bench.run();
+  EXPECT_EQ(bench.board.state(), TransferState::Idle);
+  EXPECT_FALSE(bench.board.at(0));
+  EXPECT_FALSE(bench.board.hasRecords(false));
+  EXPECT_FALSE(bench.board.isCancel);
+  EXPECT_EQ(bench.dropsFinished, 2U);
+  EXPECT_EQ(bench.musicTree(), QStringList{u"A/B/A-B-T1.mp3"_s});
+  EXPECT_EQ(bench.view.lastLog,
+            u"The connection to the product was lost. These items were not transferred:\n2.mp3\n"_s);
+}
+
 TEST_F(TransferEndingsTest, PicturesOfAPlaylistAreNamedBeforeTheClosingLine) {
   bench.files.put(u"/m/p.jpg"_s, "x");
   bench.drop(u"N0PL@YL!ST"_s, {song(1), u"/m/p.jpg"_s});

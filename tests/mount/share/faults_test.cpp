@@ -5,6 +5,7 @@
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -96,6 +97,21 @@ TEST_F(Faults, ServerHangsWhileIdle) {
   product().tell("resume");
   expectServesAgain();
   EXPECT_EQ(bytes(music("a")), "x");
+}
+
+TEST_F(Faults, ServerThatHangsHasNoFreeSpaceToTell) {
+  product().tell("pause");
+  struct statvfs facts = {};
+  int result = 0;
+  EXPECT_LT(timeOf([&] { result = ::statvfs(point().c_str(), &facts); }), kLongestStat);
+  EXPECT_EQ(result, -1);
+  EXPECT_EQ(errno, EIO);
+  EXPECT_LT(timeOf([&] { static_cast<void>(statError("b")); }), 100ms)
+      << "the next question is not asked at once again";
+  product().tell("resume");
+  expectServesAgain();
+  EXPECT_EQ(::statvfs(point().c_str(), &facts), 0);
+  EXPECT_GT(facts.f_bavail, 0U);
 }
 
 TEST_F(Faults, ServerHangsInACopy) {

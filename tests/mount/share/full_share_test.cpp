@@ -57,6 +57,19 @@ TEST_F(FullShare, TellsItsFreeSpaceExactlyAtOnce) {
   }
 }
 
+// An old server may have the UNIX extensions, which tell it in another way.
+TEST_F(FullShare, TellsItsFreeSpaceInTheOldestDialectToo) {
+  for (const char *extensions : {"yes", "no"}) {
+    ASSERT_EQ(unmount().status, 0);
+    small->tell("restart", {"server max protocol = NT1", std::string("unix extensions = ") + extensions});
+    ASSERT_EQ(mount(small->url()).status, 0);
+    const auto here = spaceOf(point());
+    const auto there = spaceOf(disk());
+    EXPECT_EQ(here.f_bavail * here.f_frsize, there.f_bavail * there.f_frsize) << extensions;
+    EXPECT_EQ(here.f_blocks * here.f_frsize, there.f_blocks * there.f_frsize) << extensions;
+  }
+}
+
 TEST_F(FullShare, SaysSoAtTheCloseAtTheLatest) {
   put(folder() / "song", noise(6'000'000));
   const Ended result = copy(folder() / "song", point() / "Music/song");
