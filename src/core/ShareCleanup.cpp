@@ -2,6 +2,7 @@
 
 #include "platform/Failure.h"
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -12,6 +13,7 @@ ShareCleanup::ShareCleanup(FileSystem &files, Clock &clock, Desktop &desktop, Sh
     : m_files(files), m_clock(clock), m_desktop(desktop), m_folders(std::move(folders)), m_mark(std::move(mark)) {}
 
 void ShareCleanup::run() {
+  m_serverNow.reset();
   clean(m_folders.system());
   if (isFolder(m_files, m_folders.bookmarks())) {
     clean(m_folders.bookmarks());
@@ -41,7 +43,20 @@ bool ShareCleanup::isLeftOver(const QString &name, const QString &path) {
   if (!m_mark.isEmpty() && name.startsWith(kTemporaryPrefix.toString() + m_mark + u'-')) {
     return true;
   }
-  return m_clock.nowSeconds() - attributes->modifiedSeconds > kForeignTemporaryAge;
+  return serverNow() - attributes->modifiedSeconds > kForeignTemporaryAge;
+}
+
+qint64 ShareCleanup::serverNow() {
+  if (!m_serverNow) {
+    qint64 newest = 0;
+    for (const QString &name : m_files.list(m_folders.system())) {
+      if (const auto attributes = m_files.attributes(m_folders.system() + name, Links::NoFollow)) {
+        newest = std::max(newest, attributes->modifiedSeconds);
+      }
+    }
+    m_serverNow = std::min(newest, m_clock.nowSeconds());
+  }
+  return *m_serverNow;
 }
 
 } // namespace sonorel

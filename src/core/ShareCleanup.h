@@ -10,6 +10,8 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace sonorel {
 
 inline constexpr QStringView kTemporaryPrefix = u".sonorel-";
@@ -27,12 +29,16 @@ public:
 private:
   void clean(const QString &folder);
   [[nodiscard]] bool isLeftOver(const QString &name, const QString &path);
+  // Seconds. Ages are the server's: the newest file of the system folder, which this connection has just written,
+  // tells its clock. Never later than the client's own: a file from the future makes nothing old.
+  [[nodiscard]] qint64 serverNow();
 
   FileSystem &m_files;
   Clock &m_clock;
   Desktop &m_desktop;
   const ShareFolders m_folders;
   const QString m_mark;
+  std::optional<qint64> m_serverNow; // asked for once in a run
 };
 
 } // namespace sonorel

@@ -200,7 +200,7 @@ bool SmbSession::judge(const Watchdog::Operation &operation, int error) {
     m_silentUntil = std::chrono::steady_clock::now() + kSilence;
     return true;
   }
-  if (isConnectionAlive()) {
+  if (isConnectionAlive() && !isShareClosed(error)) {
     return false;
   }
   dropContext();
@@ -209,6 +209,14 @@ bool SmbSession::judge(const Watchdog::Operation &operation, int error) {
     return false;
   }
   return true;
+}
+
+bool SmbSession::isShareClosed(int error) {
+  if (error != EINVAL || !m_context) {
+    return false;
+  }
+  struct stat facts = {};
+  return ::smbc_getFunctionStat(m_context.get())(m_context.get(), m_base.c_str(), &facts) != 0 && errno == EINVAL;
 }
 
 void SmbSession::noticeLoss() {

@@ -203,6 +203,12 @@ QString ProductList::passwordFor(const QVariantMap &lists, const ProductRecord &
   return found == earlier.end() ? QString() : decrypt(m_tools.lists, found->value(kPasswordKey.toString()));
 }
 
+bool ProductList::isActiveProduct(const ProductRecord &record) {
+  const ProductRecords selected = productRecords(content(u"RemoveAProductProductsList"_s), kSelectedDevices);
+  const auto index = activeIndex(selected);
+  return index >= 0 && sameSelectedProduct(selected.at(index), record);
+}
+
 std::optional<ProductRecord> ProductList::removeSelectedProduct(const ProductRow &row, Active active) {
   std::optional<ProductRecord> kept;
   changeForUser(u"RemoveAProductProductsList"_s, [&](QVariantMap &lists) {

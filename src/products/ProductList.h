@@ -68,6 +68,7 @@ public:
   // --- for the selection ---
   // Makes that row the active one; nothing when there is no such row or the file could not be written.
   [[nodiscard]] std::optional<Marked> markActive(const ProductRow &row);
+  [[nodiscard]] bool isActiveProduct(const ProductRecord &record);
   // The active product that was to be kept, and so was not removed.
   std::optional<ProductRecord> removeSelectedProduct(const ProductRow &row, Active active);
   void removeSelectedProduct(const ProductRecord &record);

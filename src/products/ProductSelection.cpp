@@ -54,15 +54,22 @@ void ProductSelection::CancelEnterPasswordPanel() {
 
 void ProductSelection::RemoveAProductProductsList(const ProductRow &row) {
   if (const auto active = m_products.removeSelectedProduct(row, mayGo())) {
-    askToDisconnect(u"RemoveAProductFromProductList"_s,
-                    [this, record = *active] { m_products.removeSelectedProduct(record); });
+    askToRemove(u"RemoveAProductFromProductList"_s, [this, record = *active] {
+      // Another product may have been chosen since: its connection stays.
+      if (!m_products.isActiveProduct(record) || endsConnection()) {
+        m_products.removeSelectedProduct(record);
+      }
+    });
   }
 }
 
 void ProductSelection::RemoveWholeProductsFromProductList() {
   if (!m_products.removeAllSelectedProducts(mayGo())) {
-    askToDisconnect(u"RemoveWholeProductsFromProductList"_s,
-                    [this] { m_products.removeAllSelectedProducts(ProductList::Active::Remove); });
+    askToRemove(u"RemoveWholeProductsFromProductList"_s, [this] {
+      if (endsConnection()) {
+        m_products.removeAllSelectedProducts(ProductList::Active::Remove);
+      }
+    });
   }
 }
 
@@ -70,19 +77,20 @@ ProductList::Active ProductSelection::mayGo() const {
   return m_hooks.isConnected() ? ProductList::Active::Keep : ProductList::Active::Remove;
 }
 
-void ProductSelection::askToDisconnect(const QString &helpAnchor, std::function<void()> afterwards) {
+bool ProductSelection::endsConnection() {
+  m_hooks.onDisconnect();
+  return !m_hooks.isConnected();
+}
+
+void ProductSelection::askToRemove(const QString &helpAnchor, std::function<void()> remove) {
   m_strings.reload();
   m_view.ask({.message = m_strings.text(u"AlertText"_s),
               .informativeText = m_strings.text(u"disconnectProductMessageText"_s),
               .buttons = {m_strings.text(u"NoText"_s), m_strings.text(u"YesText"_s)},
               .helpAnchor = helpAnchor},
-             [this, afterwards = std::move(afterwards)](int button) {
-               if (button != kYesButton) {
-                 return;
-               }
-               m_hooks.onDisconnect();
-               if (!m_hooks.isConnected()) {
-                 afterwards();
+             [remove = std::move(remove)](int button) {
+               if (button == kYesButton) {
+                 remove();
                }
              });
 }

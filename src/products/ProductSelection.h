@@ -36,7 +36,8 @@ public:
 private:
   // The active product only while nothing is connected.
   [[nodiscard]] ProductList::Active mayGo() const;
-  void askToDisconnect(const QString &helpAnchor, std::function<void()> afterwards);
+  [[nodiscard]] bool endsConnection(); // false when the disconnect was refused
+  void askToRemove(const QString &helpAnchor, std::function<void()> remove);
 
   ProductList &m_products;
   Session &m_session;

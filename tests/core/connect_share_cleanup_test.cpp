@@ -17,6 +17,7 @@ constexpr qint64 kDay = 86'400;
 class ShareCleanupTest : public testing::Test {
 protected:
   ShareCleanupTest() { mountShare(fakes.files); }
+  void tellTheServersTime(qint64 seconds) { fakes.files.put(kSystem + u"ClientConnected.orv"_s, "x", seconds); }
   void put(const QString &name, qint64 ageSeconds) {
     fakes.files.put(kSystem + name, "x", fakes.clock.nowSeconds() - ageSeconds);
   }
@@ -35,8 +36,26 @@ TEST_F(ShareCleanupTest, RemovesItsOwnFilesAtOnceAndOthersAfterADay) {
   put(u".sonorel-ffffffff-22222222"_s, kDay);
   put(u".sonorel-ffffffff-33333333"_s, kDay + 1);
   put(u".sonorel-44444444"_s, 2 * kDay);
+  tellTheServersTime(fakes.clock.nowSeconds());
   run();
-  EXPECT_EQ(left(), QStringList({u".sonorel-ffffffff-22222222"_s, u"OrvProductName.orv"_s}));
+  EXPECT_EQ(left(),
+            QStringList({u".sonorel-ffffffff-22222222"_s, u"ClientConnected.orv"_s, u"OrvProductName.orv"_s}));
+}
+
+TEST_F(ShareCleanupTest, AgesAreThoseOfTheServersClock) {
+  put(u".sonorel-ffffffff-22222222"_s, 5 * kDay + 1); // this computer is five days ahead
+  put(u".sonorel-ffffffff-33333333"_s, 6 * kDay + 1);
+  tellTheServersTime(fakes.clock.nowSeconds() - 5 * kDay);
+  run();
+  EXPECT_TRUE(fakes.files.exists(kSystem + u".sonorel-ffffffff-22222222"_s)) << "somebody writes it at this moment";
+  EXPECT_FALSE(fakes.files.exists(kSystem + u".sonorel-ffffffff-33333333"_s));
+}
+
+TEST_F(ShareCleanupTest, FileFromTheFutureMakesNothingOld) {
+  put(u".sonorel-ffffffff-22222222"_s, 1);
+  tellTheServersTime(fakes.clock.nowSeconds() + 30 * kDay);
+  run();
+  EXPECT_TRUE(fakes.files.exists(kSystem + u".sonorel-ffffffff-22222222"_s));
 }
 
 TEST_F(ShareCleanupTest, LooksIntoTheBookmarkFolderToo) {

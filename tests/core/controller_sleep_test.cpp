@@ -48,6 +48,28 @@ TEST_F(ControllerSleepTest, DisconnectsBeforeTheMachineSleepsAndDoesNotReconnect
   EXPECT_TRUE(shown().connected);
 }
 
+TEST_F(ControllerSleepTest, ConnectAfterTheWakeLeavesTheLogAsItWas) {
+  startConnected();
+  sleep();
+  wake();
+  const QString before = shown().messageLog;
+  const QVariantMap product{{u"Is Selected"_s, u"Yes"_s},
+                            {u"Detection Type"_s, u"1"_s},
+                            {u"IP Address"_s, u"192.168.1.20"_s},
+                            {u"Mac Address"_s, u"02-00-5E-10-20-30"_s},
+                            {u"Password"_s, fakes.propertyLists.archive(u"p@ss"_s)}};
+  fakes.putDictionary(fakes.paths.productsDetailsDictFilePath, {{u"Selected Devices"_s, QVariantList{product}}});
+  fakes.processes.mountAnswers = {{1, "no route", false}, {1, "no route", false}, {1, "no route", false}};
+  QStringList waited;
+  fakes.clock.onSleep = [&] { waited.append(shown().messageLog); };
+  controller->connect();
+  fakes.loop.runPosted();
+  EXPECT_TRUE(waited.contains(u"The product was woken. It may take a minute until it answers."_s))
+      << qPrintable(waited.join(u'|'));
+  EXPECT_FALSE(shown().connected);
+  EXPECT_EQ(shown().messageLog, before) << "nothing stands there that the user did not see before";
+}
+
 TEST_F(ControllerSleepTest, EndsThePausesOfAConnectAndLeavesTheWindowQuiet) {
   selectProduct(u"p@ss"_s);
   fakes.processes.mountAnswers = {{1, "no route", false}, {1, "no route", false}, {1, "no route", false}};

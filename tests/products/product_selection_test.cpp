@@ -182,6 +182,7 @@ TEST_F(ProductSelectionTest, AnswerMeansTheProductAlsoWhenAnotherWasChosenMeanwh
   put(u"Selected Devices"_s, {passive(first), active(second)});
   view.answer(1);
   EXPECT_EQ(selected(), QVariantList({active(second)}));
+  EXPECT_EQ(did, QStringList()) << "the other product stays connected";
 }
 
 TEST_F(ProductSelectionTest, ActiveProductGoesAtOnceWhileNothingIsConnected) {

@@ -99,6 +99,15 @@ TEST_F(Faults, ServerHangsWhileIdle) {
   EXPECT_EQ(bytes(music("a")), "x");
 }
 
+TEST_F(Faults, ServerTakesTheShareAwayAndKeepsTheConnection) {
+  put(music("a"), "x");
+  std::this_thread::sleep_for(1100ms); // what the kernel remembers is forgotten
+  product().tell("close-share");
+  std::this_thread::sleep_for(200ms);
+  EXPECT_EQ(statError("a"), 0) << "the share is opened again by itself";
+  expectServesAgain();
+}
+
 TEST_F(Faults, ServerThatHangsHasNoFreeSpaceToTell) {
   product().tell("pause");
   struct statvfs facts = {};
