@@ -87,8 +87,8 @@ private:
   }
   // After an error: true when the connection is gone, which is then put away.
   [[nodiscard]] bool judge(const Watchdog::Operation &operation, int error);
-  // The connection stands, but the server has put the share away from under it: even the root is refused with the word
-  // for a wrong name.
+  // The connection stands, but the server has put the share away from under it: even the root is refused with the
+  // word for a wrong name.
   [[nodiscard]] bool isShareClosed(int error);
   [[nodiscard]] Outcome failedConnect(int error, bool wasCut);
   // After a refusal: was it the login, or what the login is good for?
