@@ -8,15 +8,12 @@ fi
 
 export LC_ALL=C.UTF-8 LANGUAGE=
 standin=$(cd "$(dirname "${BASH_SOURCE[0]}")/../product" && pwd)/standin
-missing=
-command -v smbd >/dev/null || [ -x /usr/sbin/smbd ] || missing="smbd is not installed"
-[ -r /dev/fuse ] && [ -w /dev/fuse ] || missing="/dev/fuse cannot be used"
 skip_road() {
   [ "$(id -u)" -ne 0 ] || [ ! -e /dev/fuse ] || fail "$1"
   printf '%s: Skipped\n%s\n' "$0" "$1"
   exit 77
 }
-[ -z "$missing" ] || skip_road "$missing"
+missing=$("$standin" possible) || skip_road "$missing"
 
 point=$XDG_RUNTIME_DIR/sonorel/Volumes/VB-SHARE\$
 share=$root/product/share

@@ -52,16 +52,15 @@ bool enterNamespaces() {
 } // namespace
 
 std::string ShareFixture::missing() {
-  if (::access("/dev/fuse", R_OK | W_OK) != 0) {
-    return "/dev/fuse cannot be used";
-  }
-  if (::access("/usr/sbin/smbd", X_OK) != 0) {
-    return "smbd is not installed";
-  }
-  if (::geteuid() == 0 && !enterNamespaces()) {
-    return "no namespaces for this user";
-  }
-  return {};
+  static const std::string reason = [] {
+    const ToolResult possible = runChild({SONOREL_STANDIN, {"possible"}, {}, {}, -1}, 60s, {});
+    if (!succeeded(possible)) {
+      const std::string told = possible.output.trimmed().toStdString();
+      return told.empty() ? std::string("standin possible failed") : told;
+    }
+    return std::string(::geteuid() == 0 && !enterNamespaces() ? "no namespaces for this user" : "");
+  }();
+  return reason;
 }
 
 void ShareFixture::SetUpTestSuite() {
