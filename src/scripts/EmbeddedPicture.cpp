@@ -1,8 +1,8 @@
 #include "scripts/EmbeddedPicture.h"
 
 #include "platform/linux/FileDescriptor.h"
+#include "platform/linux/RegularFile.h"
 #include "platform/linux/SearchLimit.h"
-#include "scripts/RegularFile.h"
 
 #include <taglib/asffile.h>
 #include <taglib/attachedpictureframe.h>

@@ -1,7 +1,7 @@
 #include "scripts/JpegPicture.h"
 
 #include "platform/linux/FileDescriptor.h"
-#include "scripts/RegularFile.h"
+#include "platform/linux/RegularFile.h"
 
 #include <spawn.h>
 #include <sys/mman.h>

@@ -1,7 +1,7 @@
 #include "scripts/PictureFile.h"
 
 #include "platform/linux/FileDescriptor.h"
-#include "scripts/RegularFile.h"
+#include "platform/linux/RegularFile.h"
 
 #include <fcntl.h>
 #include <sys/prctl.h>

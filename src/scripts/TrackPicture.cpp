@@ -1,8 +1,8 @@
 #include "scripts/TrackPicture.h"
 
+#include "platform/linux/RegularFile.h"
 #include "scripts/EmbeddedPicture.h"
 #include "scripts/JpegPicture.h"
-#include "scripts/RegularFile.h"
 
 #include <cctype>
 #include <optional>

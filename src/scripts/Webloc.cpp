@@ -3,8 +3,8 @@
 #include "platform/Failure.h"
 #include "platform/linux/HostFile.h"
 #include "platform/linux/LibplistPropertyLists.h"
+#include "platform/linux/RegularFile.h"
 #include "platform/linux/SystemError.h"
-#include "scripts/RegularFile.h"
 #include "transfer/BookmarkNames.h"
 #include "transfer/PathNames.h"
 
@@ -20,8 +20,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace sonorel {
 
 namespace {
-
-constexpr std::size_t kLargestBookmark = 16UL * 1024 * 1024;
 
 bool isControl(QChar character) {
   return character.category() == QChar::Other_Control;

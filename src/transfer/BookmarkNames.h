@@ -5,6 +5,8 @@
 
 namespace sonorel {
 
+inline constexpr quint64 kLargestBookmark = 16ULL * 1024 * 1024; // bytes
+
 // What every bookmark file begins with; the address follows, and nothing after it.
 inline constexpr QStringView kShortcutHead = u"[InternetShortcut]\nURL=";
 

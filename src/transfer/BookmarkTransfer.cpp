@@ -2,6 +2,7 @@
 
 #include "core/state/ShareLayout.h"
 #include "platform/Failure.h"
+#include "transfer/BookmarkNames.h"
 #include "transfer/FileTypes.h"
 #include "transfer/PathNames.h"
 #include "transfer/TemporaryDragFiles.h"
@@ -11,12 +12,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
-
-namespace {
-
-constexpr quint64 kLargestBookmark = 16ULL * 1024 * 1024;
-
-} // namespace
 
 BookmarkTransfer::BookmarkTransfer(const TransferTools &tools, ServerFiles &server, QString folder)
     : m_tools(tools), m_server(server), m_folder(std::move(folder)),

@@ -1,6 +1,7 @@
 #include "transfer/ProcessBookmark.h"
 
 #include "platform/Failure.h"
+#include "transfer/BookmarkNames.h"
 #include "transfer/PathNames.h"
 
 #include <utility>
@@ -11,7 +12,6 @@ namespace sonorel {
 
 namespace {
 
-constexpr quint64 kLargestBookmark = 16ULL * 1024 * 1024;
 constexpr quint32 kPrivateMode = 0700;
 
 QString temporaryFolder() {

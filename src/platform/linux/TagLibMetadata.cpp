@@ -1,11 +1,9 @@
 #include "platform/linux/TagLibMetadata.h"
 
-#include "platform/linux/FileDescriptor.h"
+#include "platform/linux/RegularFile.h"
 #include "platform/linux/SearchLimit.h"
 
-#include <fcntl.h>
 #include <memory>
-#include <sys/stat.h>
 #include <taglib/aifffile.h>
 #include <taglib/asffile.h>
 #include <taglib/fileref.h>
@@ -115,21 +113,6 @@ TrackTags tagsOf(TagLib::File &file) {
   return tags;
 }
 
-// Devices can react to being opened, so the kind is looked at before as well as after; O_NONBLOCK: opening a FIFO
-// that has taken the name meanwhile must not wait for a writer.
-FileDescriptor openRegularFile(const QString &hostPath) {
-  const QByteArray name = hostPath.toUtf8();
-  struct stat status {};
-  if (::stat(name.constData(), &status) != 0 || !S_ISREG(status.st_mode)) {
-    return {};
-  }
-  FileDescriptor file(::open(name.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-  if (!file.isOpen() || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
-    return {};
-  }
-  return file;
-}
-
 } // namespace
 
 TagLibMetadata::TagLibMetadata(HostPath hostPath) : m_hostPath(std::move(hostPath)) {}
@@ -140,7 +123,7 @@ std::optional<TrackTags> TagLibMetadata::read(const QString &path) {
   if (format == Format::None || !hostPath) {
     return std::nullopt;
   }
-  FileDescriptor file = openRegularFile(*hostPath);
+  FileDescriptor file = openRegularFile(hostPath->toStdString());
   if (!file.isOpen()) {
     return std::nullopt;
   }

@@ -1,4 +1,4 @@
-#include "scripts/RegularFile.h"
+#include "platform/linux/RegularFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -9,7 +9,8 @@ namespace sonorel {
 
 FileDescriptor openRegularFile(const std::string &path) {
   struct stat facts = {};
-  // Devices can react to being opened, so the kind is looked at before as well as after.
+  // Devices can react to being opened, so the kind is looked at before as well as after; O_NONBLOCK: opening a
+  // pipe that has taken the name meanwhile must not wait for a writer.
   if (::stat(path.c_str(), &facts) != 0 || !S_ISREG(facts.st_mode)) {
     return {};
   }
