@@ -5,7 +5,7 @@
 #include "transfer/BookmarkNames.h"
 #include "transfer/FileTypes.h"
 #include "transfer/PathNames.h"
-#include "transfer/TemporaryDragFiles.h"
+#include "transfer/Removal.h"
 
 #include <utility>
 
@@ -43,7 +43,7 @@ bool BookmarkTransfer::convertAndPlace(const QString &path) {
   const auto local = isUrlFile ? std::optional(path) : m_processBookmark.processBookmark(path, m_server.stop());
   const bool placed = local && place(*local, file);
   if (local && (placed || !isUrlFile)) {
-    removeLocal(*local);
+    removeOrLog(m_tools.files, m_tools.desktop, *local);
   }
   m_processBookmark.clear();
   return placed;
@@ -60,14 +60,6 @@ bool BookmarkTransfer::place(const QString &local, const QString &file) {
   }
   m_server.removeCompanion(file);
   return true;
-}
-
-void BookmarkTransfer::removeLocal(const QString &local) {
-  try {
-    m_tools.files.removeFile(local);
-  } catch (const Failure &failure) {
-    m_tools.desktop.log(u"%1 could not be removed: %2"_s.arg(local, failure.reason()));
-  }
 }
 
 bool BookmarkTransfer::writeBookmark(const QString &fileName, const QString &text) {

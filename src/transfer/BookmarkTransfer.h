@@ -26,7 +26,6 @@ private:
   [[nodiscard]] bool convertAndPlace(const QString &path);
   void removeDragFile(const QString &path);
   [[nodiscard]] bool place(const QString &local, const QString &file);
-  void removeLocal(const QString &local);
 
   TransferTools m_tools;
   ServerFiles &m_server;

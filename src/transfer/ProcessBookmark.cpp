@@ -3,6 +3,7 @@
 #include "platform/Failure.h"
 #include "transfer/BookmarkNames.h"
 #include "transfer/PathNames.h"
+#include "transfer/Removal.h"
 
 #include <utility>
 
@@ -98,7 +99,7 @@ void ProcessBookmark::removeTemporaryFolder() {
     m_files.removeTree(temporaryFolder());
   } catch (const Failure &failure) {
     if (failure.kind() != FailureKind::Absent) {
-      m_desktop.log(u"%1 could not be removed: %2"_s.arg(temporaryFolder(), failure.reason()));
+      logNotRemoved(m_desktop, temporaryFolder(), failure);
     }
   }
 }

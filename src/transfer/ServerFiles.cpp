@@ -3,6 +3,7 @@
 #include "core/state/ShareLayout.h"
 #include "platform/Failure.h"
 #include "transfer/PathNames.h"
+#include "transfer/Removal.h"
 
 #include <utility>
 
@@ -116,7 +117,7 @@ void ServerFiles::removeRemains(const QString &file) {
     m_files.removeFile(file);
   } catch (const Failure &failure) {
     if (failure.kind() != FailureKind::Absent) {
-      m_desktop.log(u"%1 could not be removed: %2"_s.arg(file, failure.reason()));
+      logNotRemoved(m_desktop, file, failure);
     }
   }
 }
@@ -128,7 +129,7 @@ bool ServerFiles::removeOld(const QString &file) {
     if (failure.kind() == FailureKind::Unknown) {
       throw;
     }
-    m_desktop.log(u"%1 could not be removed: %2"_s.arg(file, failure.reason()));
+    logNotRemoved(m_desktop, file, failure);
     return false;
   }
   return true;

@@ -3,7 +3,7 @@
 #include "core/state/DockImages.h"
 #include "core/state/Report.h"
 #include "transfer/PathNames.h"
-#include "transfer/TemporaryDragFiles.h"
+#include "transfer/Removal.h"
 
 #include <QScopeGuard>
 
