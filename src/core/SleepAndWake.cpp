@@ -1,23 +1,10 @@
 #include "core/SleepAndWake.h"
 
 #include "core/state/DockImages.h"
-#include "core/state/ShareLayout.h"
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
-
-namespace {
-
-// A radio entry from its eighth character on, everything else by its last path component.
-QString shownName(const QueueEntry &entry) {
-  if (entry.item.startsWith(kRadioPrefix)) {
-    return entry.item.mid(kRadioPrefix.size());
-  }
-  return entry.item.mid(entry.item.lastIndexOf(u'/') + 1);
-}
-
-} // namespace
 
 SleepAndWake::SleepAndWake(FileSystem &files, Strings &strings, MessageLog &log, TransferBoard &board, View &view,
                            QString share, Hooks hooks)

@@ -1,7 +1,6 @@
 // The driver's ways out, and the messages that go with them.
 #include "core/state/DockImages.h"
 #include "core/state/Report.h"
-#include "transfer/PathNames.h"
 #include "transfer/TransferDriver.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -197,9 +196,7 @@ bool TransferDriver::appendRemainingList() {
   const QList<QueueEntry> remaining = m_tools.board.entriesFrom(m_tools.board.fileIndex);
   QString lines;
   for (const QueueEntry &entry : remaining) {
-    lines +=
-        entry.kind == QueueEntry::Kind::Radio ? entry.item.mid(kRadioPrefix.size()) : lastPathComponent(entry.item);
-    lines += u'\n';
+    lines += shownName(entry) + u'\n';
   }
   m_log.append(lines);
   return !remaining.isEmpty();

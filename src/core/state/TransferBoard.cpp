@@ -1,8 +1,17 @@
 #include "core/state/TransferBoard.h"
 
+#include "core/state/ShareLayout.h"
+
 #include <utility>
 
 namespace sonorel {
+
+QString shownName(const QueueEntry &entry) {
+  if (entry.kind == QueueEntry::Kind::Radio) {
+    return entry.item.mid(kRadioPrefix.size());
+  }
+  return entry.item.mid(entry.item.lastIndexOf(u'/') + 1);
+}
 
 // --- intake ---
 

@@ -1,6 +1,6 @@
 // What the drop intake (controller's thread) and the transfer worker share: the state of the transfer, the queue,
 // the iTunes tracks and the two playlist arrays, all under one lock. A drop is one value that is taken whole or
-// refused whole. Values travel as copies; nothing refers into the board.
+// refused whole. Values travel as copies; nothing refers into the board. Any thread.
 #pragma once
 
 #include "core/state/PlaylistInfo.h"
@@ -25,6 +25,9 @@ struct QueueEntry {
   [[nodiscard]] int places() const { return kind == Kind::BookmarkPair ? 2 : 1; } // in `sharedFileQ`
   bool operator==(const QueueEntry &) const = default;
 };
+
+// In the lists of what was not transferred: of a radio entry what follows the prefix, else the last path component.
+[[nodiscard]] QString shownName(const QueueEntry &entry);
 
 struct Drop {
   QList<QueueEntry> items;
@@ -54,9 +57,11 @@ public:
   // The worker carries something, or hands in what it has carried.
   [[nodiscard]] bool isCarrying() const;
 
-  // --- flags, written on the controller's thread, read once per item by the worker ---
+  // --- flags, read once per item by the worker ---
+  // Cancel sets it, a connect clears it (controller's thread); so does a transfer that begins, in offer and, on the
+  // worker, in finish.
   std::atomic<bool> isCancel{false};
-  std::atomic<bool> manualSleepWasConnected{false};
+  std::atomic<bool> manualSleepWasConnected{false}; // written on the controller's thread
 
   // --- worker ---
   [[nodiscard]] qsizetype count() const;  // entries
