@@ -1,6 +1,7 @@
 #include "app/ClientAdaptor.h"
 
 #include "app/DoorErrors.h"
+#include "core/Labels.h"
 #include "core/Languages.h"
 #include "products/AddressField.h"
 
@@ -25,7 +26,7 @@ bool fitsField(const QString &text) {
 ClientAdaptor::ClientAdaptor(Door &door) : QDBusAbstractAdaptor(&door), m_door(door) {}
 
 QString ClientAdaptor::version() const {
-  return u"1.24.04.0000"_s;
+  return kFullVersion.toString();
 }
 
 void ClientAdaptor::onRow(const QStringList &rows, int row, const QString &text, const QDBusMessage &message,

@@ -6,8 +6,7 @@
 
 namespace sonorel {
 
-// The exit statuses.
-inline constexpr int kEnded = 0;
+// The exit statuses, beside those that the controller ends with.
 inline constexpr int kFailed = 1;
 inline constexpr int kUsage = 2;
 inline constexpr int kNoSessionBus = 5;

@@ -9,8 +9,6 @@ namespace sonorel {
 
 namespace {
 
-constexpr int kNotStarted = 1;
-
 HostPath hostPathOf(const Roots &roots) {
   return [map = PathMap(roots)](const QString &path) { return map.host(path); };
 }

@@ -12,7 +12,6 @@ namespace sonorel {
 
 namespace {
 
-const auto kUnknownName = u"0"_s;
 const auto kDeviceConnected = u"DeviceConnected"_s;
 
 } // namespace

@@ -12,7 +12,6 @@ namespace {
 
 constexpr int kAttempts = 5;
 constexpr quint64 kServerTextLimit = 1024ULL * 1024;
-const auto kUnknownName = u"0"_s;
 
 // The order of the search decides, not the order in the text.
 QString nameIn(const QString &text) {
@@ -21,7 +20,7 @@ QString nameIn(const QString &text) {
       return name.toString();
     }
   }
-  return kUnknownName;
+  return kUnknownName.toString();
 }
 
 } // namespace
@@ -37,7 +36,7 @@ QString DeviceName::getDeviceName() {
     name = readName();
   }
   storeHardwareAddress();
-  return name.value_or(kUnknownName);
+  return name.value_or(kUnknownName.toString());
 }
 
 std::optional<QString> DeviceName::readName() {

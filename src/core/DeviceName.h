@@ -12,13 +12,15 @@
 
 namespace sonorel {
 
+inline constexpr QStringView kUnknownName = u"0";
+
 class DeviceName {
 public:
   // All references but the paths must outlive the object.
   DeviceName(FileSystem &files, PropertyLists &lists, Desktop &desktop, Settings &settings, Session &session,
              ShareFolders folders, const ClientPaths &paths);
 
-  // "Auralis 5", "Vaultbox 1", "Auracore 5", or "0" when unknown; a share without the name file is "Vaultbox 1".
+  // "Auralis 5", "Vaultbox 1", "Auracore 5", or kUnknownName; a share without the name file is "Vaultbox 1".
   // Stores the address file's bytes as "MACAdress" in both property files, and the hardware address in the session.
   // Passes failures on.
   [[nodiscard]] QString getDeviceName();

@@ -44,6 +44,10 @@ struct Platform {
   UserInterface &userInterface;
 };
 
+// The exit statuses that the controller gives.
+inline constexpr int kEnded = 0;
+inline constexpr int kNotStarted = 1;
+
 struct ControllerValues {
   QString homePath; // the user's home folder, no "/" at the end
   QString bundlePath = QStringLiteral("/Applications/Sonorel/Sonorel.app");

@@ -12,8 +12,6 @@
 
 namespace sonorel {
 
-inline constexpr quint32 kPrivateFileMode = 0600; // for files that hold passwords
-
 class PropertyFile {
 public:
   // All references must outlive the object. asidePath: what a damaged file is called instead before it is set aside,
@@ -36,11 +34,5 @@ private:
   QString m_path;
   QString m_asidePath;
 };
-
-// A value of the wrong type reads as absent.
-[[nodiscard]] inline QString textAt(const QVariantMap &values, const QString &key) {
-  const QVariant value = values.value(key);
-  return value.typeId() == QMetaType::QString ? value.toString() : QString();
-}
 
 } // namespace sonorel

@@ -6,13 +6,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
 
-namespace {
-
-constexpr int kEnded = 0;
-constexpr int kNotStarted = 1;
-
-} // namespace
-
 Roles::Roles(const Platform &given, const ControllerValues &givenValues)
     : platform(given), values(givenValues), paths(values.homePath, values.bundlePath),
       settings(platform.files, platform.propertyLists, paths.PFPath),

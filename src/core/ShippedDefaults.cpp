@@ -1,6 +1,7 @@
 #include "core/ShippedDefaults.h"
 
 #include "core/PropertyFile.h"
+#include "core/state/Settings.h"
 #include "platform/Failure.h"
 
 using namespace Qt::Literals::StringLiterals;

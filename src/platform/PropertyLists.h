@@ -7,6 +7,7 @@
 #include <QByteArrayList>
 #include <QString>
 #include <QVariant>
+#include <QVariantMap>
 
 #include <optional>
 #include <vector>
@@ -32,5 +33,11 @@ public:
   static constexpr qsizetype kSizeLimit = 128LL * 1024 * 1024;
   static constexpr int kDepthLimit = 64;
 };
+
+// A value of the wrong type reads as absent.
+[[nodiscard]] inline QString textAt(const QVariantMap &values, const QString &key) {
+  const QVariant value = values.value(key);
+  return value.typeId() == QMetaType::QString ? value.toString() : QString();
+}
 
 } // namespace sonorel

@@ -1,6 +1,8 @@
 // picture-to-jpeg <PICTURE >JPEG: turns a PNG, GIF or BMP picture into a JPEG. Run by the artwork exporter for the
 // pictures that are no JPEG. Status 0; 1 when the input is no such picture; 3 when Qt cannot write a JPEG.
 
+#include "scripts/JpegPicture.h"
+
 #include <QBuffer>
 #include <QFile>
 #include <QImage>
@@ -14,7 +16,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr qint64 kLargestPicture = 64LL * 1024 * 1024;
 constexpr int kQuality = 92;
 constexpr int kNoPicture = 1;
 constexpr int kNoWriter = 3;
@@ -44,7 +45,7 @@ int main() {
   if (!input.open(0, QIODevice::ReadOnly)) {
     return complain(input.errorString(), kNoPicture);
   }
-  QByteArray bytes = input.read(kLargestPicture);
+  QByteArray bytes = input.read(sonorel::kLargestPicture);
   QBuffer source(&bytes);
   QImageReader reader(&source);
   reader.setDecideFormatFromContent(true);

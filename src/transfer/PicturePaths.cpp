@@ -13,11 +13,6 @@ namespace {
 constexpr QStringView kLibraryList = u"/Pictures/iPhoto Library/AlbumData.xml";
 constexpr qsizetype kNowhere = -1;
 
-QString textOf(const QVariantMap &entry, const QString &key) {
-  const QVariant value = entry.value(key);
-  return value.typeId() == QMetaType::QString ? value.toString() : QString();
-}
-
 void keepFirst(QHash<QString, qsizetype> &places, const QString &path, qsizetype place) {
   if (path.isEmpty()) {
     return; // an entry without a path matches nothing
@@ -74,8 +69,8 @@ PictureLibrary::PictureLibrary(const QVariantMap &masterImageList) {
   // A QVariantMap is walked in the order of its keys, so that whoever comes first stays.
   for (const QVariant &value : masterImageList) {
     const QVariantMap entry = value.toMap();
-    const QString image = textOf(entry, u"ImagePath"_s);
-    const QString thumb = textOf(entry, u"ThumbPath"_s);
+    const QString image = textAt(entry, u"ImagePath"_s);
+    const QString thumb = textAt(entry, u"ThumbPath"_s);
     const qsizetype place = m_images.size();
     m_images.append(image);
     keepFirst(m_byImage, image, place);

@@ -8,8 +8,6 @@ namespace sonorel {
 
 namespace {
 
-constexpr quint32 kPrivateMode = 0600;
-
 bool isNumber(const QVariant &value) {
   switch (value.typeId()) {
   case QMetaType::Int:
@@ -68,8 +66,7 @@ bool Settings::contains(const QString &key) const {
 
 QString Settings::text(const QString &key) const {
   const std::lock_guard lock(m_mutex);
-  const QVariant value = m_values.value(key);
-  return value.typeId() == QMetaType::QString ? value.toString() : QString();
+  return textAt(m_values, key);
 }
 
 QByteArray Settings::data(const QString &key) const {
@@ -120,7 +117,7 @@ void Settings::write(const QVariantMap &values) {
   }
   m_unread = false;
   const auto old = m_files.attributes(m_path, Links::Follow);
-  m_files.writeAtomically(m_path, bytes, old ? std::nullopt : std::optional(kPrivateMode));
+  m_files.writeAtomically(m_path, bytes, old ? std::nullopt : std::optional(kPrivateFileMode));
 }
 
 } // namespace sonorel

@@ -13,6 +13,8 @@
 
 namespace sonorel {
 
+inline constexpr quint32 kPrivateFileMode = 0600; // for files that hold passwords
+
 class Settings {
 public:
   // files and lists must outlive the object.
