@@ -29,7 +29,7 @@ StartUp::Steps Roles::steps() {
   steps.connectAutomatically = [this] { share->automaticConnection.run(); };
   steps.showTrueState = [this] { share->connectFlow.showTrueState(); };
   steps.createDiscovery = [this] { share->discovery.init(); };
-  steps.showConnectionIndicator = [this](bool shown) { interface.showConnecting(shown); };
+  steps.showConnecting = [this](bool shown) { interface.showConnecting(shown); };
   return steps;
 }
 

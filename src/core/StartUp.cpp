@@ -159,7 +159,7 @@ void StartUp::reportInitFailure(const std::exception &exception) {
 }
 
 void StartUp::awakeFromNib() {
-  m_steps.showConnectionIndicator(true);
+  m_steps.showConnecting(true);
   bool goesOn = true;
   whileAwaking([&] { goesOn = prepareAndConnect(); });
   if (!goesOn) {
@@ -167,7 +167,7 @@ void StartUp::awakeFromNib() {
   }
   // After a failure as well: who cannot reach one product wants to see the others.
   whileAwaking(m_steps.createDiscovery);
-  m_steps.showConnectionIndicator(false);
+  m_steps.showConnecting(false);
 }
 
 bool StartUp::prepareAndConnect() {

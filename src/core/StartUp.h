@@ -42,7 +42,7 @@ public:
     std::function<void()> connectAutomatically;
     std::function<void()> showTrueState; // after a failure: the share may be there or not
     std::function<void()> createDiscovery;
-    std::function<void(bool)> showConnectionIndicator;
+    std::function<void(bool)> showConnecting;
   };
 
   // All references must outlive the object.
