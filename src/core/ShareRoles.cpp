@@ -165,7 +165,7 @@ AutomaticConnection::Hooks ShareRoles::automaticHooks() {
   hooks.createConnection = [this] { connectFlow.createConnection(); };
   hooks.selectedProduct = [this] {
     const ProductList::ActiveProduct active = products.activeProduct();
-    return SelectedProduct{active.address, active.password, !active.anySelected};
+    return SelectedProduct{active.address, active.password, active.listIsEmpty};
   };
   hooks.wakeupOnLanAProduct = [this](const QString &address) { wakeOnLan.WakeupOnLanAProduct(address); };
   hooks.connectToVaultbox = [this](const QString &password, const QString &address) {

@@ -30,9 +30,9 @@ struct ProductTools {
 class ProductList {
 public:
   struct ActiveProduct {
-    QString address;          // empty when there is no active product
-    QString password;         // empty when none is stored with the record
-    bool anySelected = false; // "Selected Devices" is not empty
+    QString address;         // empty when there is no active product
+    QString password;        // empty when none is stored with the record
+    bool listIsEmpty = true; // "Selected Devices"
   };
   struct Marked {
     ProductRecord record;

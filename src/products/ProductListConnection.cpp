@@ -53,7 +53,7 @@ QString knownHardwareAddress(const ProductRecord &record) {
 ProductList::ActiveProduct ProductList::activeProduct() {
   const ProductRecords selected = productRecords(content(u"activeProduct"_s), kSelectedDevices);
   ActiveProduct product;
-  product.anySelected = !selected.isEmpty();
+  product.listIsEmpty = selected.isEmpty();
   if (const qsizetype active = activeIndex(selected); active >= 0) {
     product.address = connectionAddress(selected.at(active));
     product.password = decrypt(m_tools.lists, selected.at(active).value(kPasswordKey.toString()));

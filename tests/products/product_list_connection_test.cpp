@@ -31,7 +31,7 @@ TEST_F(ProductListConnectionTest, ActiveProductIsTheFirstMarkedOne) {
   const auto product = products.activeProduct();
   EXPECT_EQ(product.address, u"10.0.0.2"_s);
   EXPECT_EQ(product.password, u"pw"_s);
-  EXPECT_TRUE(product.anySelected);
+  EXPECT_FALSE(product.listIsEmpty);
 }
 
 TEST_F(ProductListConnectionTest, ActiveProductHasNoPasswordFromEarlierConnections) {
@@ -41,9 +41,9 @@ TEST_F(ProductListConnectionTest, ActiveProductHasNoPasswordFromEarlierConnectio
 }
 
 TEST_F(ProductListConnectionTest, NoActiveProduct) {
-  EXPECT_FALSE(products.activeProduct().anySelected);
+  EXPECT_TRUE(products.activeProduct().listIsEmpty);
   put(u"Selected Devices"_s, {passive(byHand(u"10.0.0.2"_s))});
-  EXPECT_TRUE(products.activeProduct().anySelected);
+  EXPECT_FALSE(products.activeProduct().listIsEmpty);
   EXPECT_EQ(products.activeProduct().address, QString());
 }
 
