@@ -18,19 +18,6 @@ const auto kFirstLaunch = u"FirstLaunch"_s;
 
 } // namespace
 
-ShareFolders shareFoldersOf(const Settings &settings) {
-  ShareFolders folders;
-  folders.volume = settings.text(u"Volume"_s);
-  folders.sharedFolder = settings.text(u"Shared Folder"_s);
-  folders.systemFolder = settings.text(u"SystemFolder"_s);
-  folders.musicFolder = settings.text(u"MusicFolder"_s);
-  folders.photoFolder = settings.text(u"PhotoFolder"_s);
-  folders.videoFolder = settings.text(u"VideoFolder"_s);
-  folders.favoriteFolder = settings.text(u"FavoriteFolder"_s);
-  folders.macFolder = settings.text(u"MacFolder"_s);
-  return folders;
-}
-
 StartUp::StartUp(const Platform &platform, const ClientPaths &paths, StartUpState state, SystemIntegration &system,
                  View &view, Steps steps)
     : m_platform(platform), m_paths(paths), m_state(state), m_system(system), m_view(view), m_steps(std::move(steps)),

@@ -85,7 +85,4 @@ private:
   QString m_checkMarkString;
 };
 
-// The folder values of the client property file.
-[[nodiscard]] ShareFolders shareFoldersOf(const Settings &settings);
-
 } // namespace sonorel

@@ -1,6 +1,10 @@
 #include "core/state/ShareLayout.h"
 
+#include "core/state/Settings.h"
+
 #include <array>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
 
@@ -11,6 +15,19 @@ constexpr std::array<QStringView, 4> kColourMarkers{u"@!!!Red!!!@", u"@!!!Green!
                                                     u"@!!!Blue!!!@"};
 
 } // namespace
+
+ShareFolders shareFoldersOf(const Settings &settings) {
+  ShareFolders folders;
+  folders.volume = settings.text(u"Volume"_s);
+  folders.sharedFolder = settings.text(u"Shared Folder"_s);
+  folders.systemFolder = settings.text(u"SystemFolder"_s);
+  folders.musicFolder = settings.text(u"MusicFolder"_s);
+  folders.photoFolder = settings.text(u"PhotoFolder"_s);
+  folders.videoFolder = settings.text(u"VideoFolder"_s);
+  folders.favoriteFolder = settings.text(u"FavoriteFolder"_s);
+  folders.macFolder = settings.text(u"MacFolder"_s);
+  return folders;
+}
 
 QString colourNameOfMarker(const QString &playlistName) {
   for (size_t i = 0; i < kColourMarkers.size(); ++i) {

@@ -1,12 +1,14 @@
 // The server share as everybody sees it: the fixed literals, the configured folder values and the nine characters
 // that a name on the share never holds. Folder paths are plain concatenations; every value carries its own
-// separators.
+// separators. Pure, any thread.
 #pragma once
 
 #include <QString>
 #include <QStringView>
 
 namespace sonorel {
+
+class Settings;
 
 inline constexpr QStringView kMountPoint = u"/Volumes/VB-SHARE$";
 inline constexpr QStringView kMusicFolderLiteral = u"/Volumes/VB-SHARE$/Music/Mac/";
@@ -52,6 +54,8 @@ struct ShareFolders {
   [[nodiscard]] QString video() const { return share() + videoFolder + macFolder; }
   [[nodiscard]] QString bookmarks() const { return share() + favoriteFolder + macFolder; }
 };
+
+[[nodiscard]] ShareFolders shareFoldersOf(const Settings &settings);
 
 // "@!!!Red!!!@" to "Red", and so on; any other name unchanged.
 [[nodiscard]] QString colourNameOfMarker(const QString &playlistName);
