@@ -5,7 +5,11 @@
 
 namespace sonorel {
 
-using Clock = std::chrono::steady_clock;
+namespace {
+
+using SteadyClock = std::chrono::steady_clock;
+
+} // namespace
 
 LinuxLoop::LinuxLoop(std::function<void(const std::exception &)> onFailure) : m_onFailure(std::move(onFailure)) {}
 
@@ -30,7 +34,7 @@ void LinuxLoop::stop() {
 void LinuxLoop::post(Operation operation) {
   const std::lock_guard lock(m_mutex);
   if (!m_stopped) {
-    m_queue.push_back({Clock::now(), std::move(operation)});
+    m_queue.push_back({SteadyClock::now(), std::move(operation)});
     m_changed.notify_all();
   }
 }
@@ -54,7 +58,7 @@ Loop::TimerId LinuxLoop::add(std::chrono::milliseconds delay, std::chrono::milli
   const std::lock_guard lock(m_mutex);
   const TimerId id = m_nextTimer++;
   if (!m_stopped) {
-    m_timers.emplace(id, Timer{Clock::now() + delay, interval, std::move(operation)});
+    m_timers.emplace(id, Timer{SteadyClock::now() + delay, interval, std::move(operation)});
     m_changed.notify_all();
   }
   return id;
@@ -80,7 +84,7 @@ Loop::Operation LinuxLoop::takeTimer(Timers::iterator timer, Time now) {
 std::optional<Loop::Operation> LinuxLoop::waitForNext() {
   std::unique_lock lock(m_mutex);
   while (!m_stopped) {
-    const Time now = Clock::now();
+    const Time now = SteadyClock::now();
     const auto timer = earliest();
     const bool timerDue = timer != m_timers.end() && timer->second.due <= now;
     if (timerDue && (m_queue.empty() || timer->second.due <= m_queue.front().arrived)) {
