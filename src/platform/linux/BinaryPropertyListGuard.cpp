@@ -1,7 +1,5 @@
 #include "platform/linux/PropertyListGuard.h"
 
-#include "platform/Failure.h"
-
 #include <algorithm>
 #include <vector>
 
@@ -181,23 +179,8 @@ private:
 } // namespace
 
 void checkBinaryPropertyList(QByteArrayView bytes) {
-  if (bytes.size() > PropertyLists::kSizeLimit) {
-    refusePropertyList(u"the list is larger than %1 bytes"_s.arg(PropertyLists::kSizeLimit));
-  }
+  checkPropertyListSize(bytes);
   BinaryScan(bytes).run();
-}
-
-bool isBinaryPropertyList(QByteArrayView bytes) {
-  return bytes.startsWith("bplist");
-}
-
-void refusePropertyList(const QString &reason) {
-  throw Failure(u"damaged property list: "_s + reason, FailureKind::Damaged);
-}
-
-void refusePropertyList(const QString &reason, qsizetype position) {
-  throw Failure(u"damaged property list: %1 (byte %2)"_s.arg(reason, QString::number(position)),
-                FailureKind::Damaged);
 }
 
 } // namespace sonorel

@@ -20,6 +20,8 @@ inline constexpr quint64 kPropertyListComparedKeys = 100'000'000'000;
 
 // "bplist" at the front.
 [[nodiscard]] bool isBinaryPropertyList(QByteArrayView bytes);
+// Throws Failure (Damaged) above PropertyLists::kSizeLimit; both checks begin with it.
+void checkPropertyListSize(QByteArrayView bytes);
 // Each throws Failure (Damaged) with the reason and the byte at which it was found.
 void checkXmlPropertyList(QByteArrayView bytes);
 // As checkXmlPropertyList, and gives the list without what is not wanted (PropertyLists::WantedKeys), so that the

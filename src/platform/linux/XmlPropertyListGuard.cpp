@@ -2,8 +2,6 @@
 #include "platform/linux/PropertyListGuard.h"
 #include "platform/linux/PropertyListText.h"
 
-#include "platform/Failure.h"
-
 #include <array>
 #include <utility>
 #include <vector>
@@ -331,12 +329,6 @@ private:
   }
 };
 
-void checkSize(QByteArrayView bytes) {
-  if (bytes.size() > PropertyLists::kSizeLimit) {
-    refusePropertyList(u"the list is larger than %1 bytes"_s.arg(PropertyLists::kSizeLimit));
-  }
-}
-
 // Other encodings would have to be declared; what is not declared is UTF-8.
 void checkEncoding(QByteArrayView bytes) {
   if (!bytes.isValidUtf8()) {
@@ -350,13 +342,13 @@ void checkEncoding(QByteArrayView bytes) {
 } // namespace
 
 void checkXmlPropertyList(QByteArrayView bytes) {
-  checkSize(bytes);
+  checkPropertyListSize(bytes);
   checkEncoding(bytes);
   XmlScan(bytes).run();
 }
 
 QByteArray wantedOfXmlPropertyList(QByteArrayView bytes, std::span<const QByteArrayList> keys) {
-  checkSize(bytes);
+  checkPropertyListSize(bytes);
   checkEncoding(bytes);
   XmlScan scan(bytes, keys);
   scan.run();
