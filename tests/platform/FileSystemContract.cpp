@@ -1,4 +1,4 @@
-#include "support/FileSystemContract.h"
+#include "platform/FileSystemContract.h"
 
 #include "ContractRegistration.h"
 #include "support/Printers.h"

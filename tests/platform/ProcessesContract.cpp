@@ -1,4 +1,4 @@
-#include "support/ProcessesContract.h"
+#include "platform/ProcessesContract.h"
 
 #include "ContractRegistration.h"
 #include "support/Printers.h"

@@ -1,8 +1,8 @@
 // The contracts of files and tools on the fakes that every other test builds on.
+#include "platform/FileSystemContract.h"
+#include "platform/ProcessesContract.h"
 #include "support/FakeProcesses.h"
-#include "support/FileSystemContract.h"
 #include "support/Fixtures.h"
-#include "support/ProcessesContract.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // The contracts of FileSystem and Processes on the real ones, in temporary folders.
 #include <gtest/gtest.h>
 
+#include "platform/FileSystemContract.h"
+#include "platform/ProcessesContract.h"
 #include "platform/linux/EmbeddedProduct.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/LinuxProcesses.h"
-#include "support/FileSystemContract.h"
-#include "support/ProcessesContract.h"
 #include "support/TemporaryRoots.h"
 
 #include <fcntl.h>
