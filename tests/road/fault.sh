@@ -96,7 +96,7 @@ all_missing_are_told() {
   done
 }
 nothing_below_the_point() {
-  is_mounted && fail "still mounted"
+  ! is_mounted || fail "still mounted"
   [ -z "$(find "$(dirname "$point")" -mindepth 1 ! -path "$point")" ] || fail "beside: $(ls -laR "$(dirname "$point")")"
   [ ! -e "$point" ] || [ -z "$(find "$point" -mindepth 1)" ] || fail "below the point: $(ls -laR "$point")"
 }
@@ -113,7 +113,7 @@ end_and_leave_nothing() {
   start_stopwatch
   end_client
   within 15000 "the quit"
-  is_mounted && fail "still mounted after the end"
+  ! is_mounted || fail "still mounted after the end"
   local end=$((SECONDS + 5))
   while [ -n "$(mount_programs)" ]; do
     [ $SECONDS -lt $end ] || fail "a mount program has outlived the client"
