@@ -1,5 +1,6 @@
 // What asks the program to end from outside: SIGTERM, SIGINT and SIGHUP, and a session bus that goes away. Main
 // thread. Constructed before any other thread starts, because the signals must be blocked in all of them.
+// Each becomes ApplicationController::endRequested, see core/QuitRequests.h.
 #pragma once
 
 #include "platform/linux/FileDescriptor.h"

@@ -1,6 +1,7 @@
 // How the program is asked to end. The user asks as often as he likes and may be refused each time; the system
 // (a signal, the end of the session) is refused once at most: its next request ends the transfer and the program.
 // Requests come from any thread and return at once; everything else happens on the controller's thread.
+// Where the system's come from: app/EndRequests.h.
 #pragma once
 
 #include "core/Interruption.h"
