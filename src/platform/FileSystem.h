@@ -1,8 +1,8 @@
 // Files and volumes, in the system's own absolute paths ("/Volumes/...", "/Library/..."); the realisation
 // turns them into host paths. Every method may block and may be called from any thread. Failures are thrown
-// as Failure: kind Absent only for a real "no such file" on a live volume, Unknown when the volume does not
-// answer, DiskFull when the bytes did not fit. Nothing is written below a folder of /Volumes that is not
-// mounted: such a write fails with Unknown.
+// as Failure: kind Absent where there is nothing, and only for a real "no such file" on a live volume, Unknown when
+// the volume does not answer, DiskFull when the bytes did not fit. Nothing is written below a folder of /Volumes that
+// is not mounted: such a write fails with Unknown.
 #pragma once
 
 #include <QByteArray>
@@ -66,10 +66,13 @@ public:
   virtual void sync(const QString &path) = 0;
   // One level; the mode is set exactly, whatever the umask. Fails with Exists when the name is taken.
   virtual void createFolder(const QString &path, quint32 mode) = 0;
+  // Exactly, whatever the umask; follows links.
   virtual void setMode(const QString &path, quint32 mode) = 0;
   // Replaces the target's content, keeps nothing but the bytes.
   virtual void copy(const QString &from, const QString &to) = 0;
+  // A file of the target's name is replaced. Fails across volumes.
   virtual void rename(const QString &from, const QString &to) = 0;
+  // Of a link the link itself.
   virtual void removeFile(const QString &path) = 0;
   // Never follows a link and never crosses onto another mount.
   virtual void removeTree(const QString &path) = 0;

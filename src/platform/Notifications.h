@@ -1,4 +1,4 @@
-// Cross-process notifications of the drop agent. Handlers run on the controller's thread.
+// Cross-process notifications of the drop agent. Controller's thread, where the handlers run as well; nothing waits.
 #pragma once
 
 #include <QString>

@@ -1,4 +1,5 @@
-// One background thread that is always joined: by the next start, by join and by the destructor.
+// One background thread that is always joined: by the next start, by join and by the destructor. start, both
+// joins and the destructor belong to one thread; requestStop to any.
 #pragma once
 
 #include <chrono>
@@ -10,7 +11,8 @@ namespace sonorel {
 class Worker {
 public:
   virtual ~Worker() = default;
-  // Waits for an earlier body, then runs the new one. Not from inside the body.
+  // Waits for an earlier body, then runs the new one. Not from inside the body. Throws std::system_error when no
+  // thread can be had.
   virtual void start(std::function<void(std::stop_token)> body) = 0;
   virtual void requestStop() = 0;
   virtual void join() = 0;

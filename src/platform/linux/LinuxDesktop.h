@@ -1,6 +1,6 @@
 // The user's session on Linux: autostart entries, the desktop's number, the system's language, documents, the log on
-// standard error (which the journal keeps when the session is its own). Controller's thread, except log, which any
-// thread may call.
+// standard error (which the journal keeps when the session is its own). Controller's thread, except log and the
+// two prints, which any thread may call.
 #pragma once
 
 #include "platform/Desktop.h"
