@@ -17,7 +17,8 @@ TransferDriver::After TransferDriver::carryVideo(const Item &item) {
   }
 }
 
-// A film alone does not earn the closing line, and one that could not be copied is not told.
+// No extension leads here: films go the way of pictures. A film alone does not earn the closing line, and one that
+// could not be copied is not told.
 TransferDriver::After TransferDriver::copyVideo(const Item &item) {
   if (!sourceFacts(item.path, Links::Follow)) {
     reportMissing(item.path);

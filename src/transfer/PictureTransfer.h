@@ -1,6 +1,7 @@
-// Puts pictures and films onto the share and marks their records: pictures into the folder of their album, films into
-// the one folder for all. A name that stands there with another content is replaced. Worker thread; blocks on the
-// share. Failures are thrown to the driver. Read next: ServerFiles.h.
+// Puts pictures and films onto the share and marks their records. Both go into the folder of their album: no
+// extension stands for a film of its own, and transferVideoFile, with its one folder for all, is for a type flag that
+// no extension sets. A name that stands there with another content is replaced. Worker thread; blocks on the share.
+// Failures are thrown to the driver. Read next: ServerFiles.h.
 #pragma once
 
 #include "core/state/ShareLayout.h"
