@@ -17,7 +17,7 @@ const QByteArray kTable =
     "22 27 0:21 / /proc rw,relatime - proc proc rw\n"
     "27 1 254:0 / / rw,relatime - ext4 /dev/vda rw,discard\n"
     "40 27 0:30 / /run/user/1000 rw,nosuid shared:7 - tmpfs tmpfs rw\n"
-    "61 40 0:52 / /run/user/1000/sonorel/Volumes/VB-SHARE$ rw,nosuid shared:9 master:3 - fuse.sonorel-mount "
+    "61 40 0:52 / /run/user/1000/sonorel/Volumes/VB-SHARE$ rw,nosuid shared:9 master:3 - fuse.sonorel "
     "//nas/VB-SHARE$ rw,user_id=1000\n"
     "62 27 0:53 / /mnt/my\\040disk\\011a\\134b\\012c rw - cifs //server/a\\040share rw\n";
 
@@ -29,7 +29,7 @@ TEST(MountTable, ReadsEachLine) {
   EXPECT_EQ(entries[3].id, 61U);
   EXPECT_EQ(entries[3].device, QByteArray("0:52"));
   EXPECT_EQ(entries[3].point, QByteArray("/run/user/1000/sonorel/Volumes/VB-SHARE$"));
-  EXPECT_EQ(entries[3].type, QByteArray("fuse.sonorel-mount"));
+  EXPECT_EQ(entries[3].type, QByteArray("fuse.sonorel"));
   EXPECT_EQ(entries[3].source, QByteArray("//nas/VB-SHARE$"));
 }
 
@@ -67,7 +67,7 @@ TEST(MountTable, TakesTheLastOfSeveralOnOnePoint) {
 }
 
 TEST(MountTable, CallsEveryShareMountByTheSystemsName) {
-  for (const char *type : {"cifs", "smb3", "fuse.sonorel", "fuse.sonorel-mount"}) {
+  for (const char *type : {"cifs", "smb3", "fuse.sonorel"}) {
     EXPECT_EQ(systemTypeName(type), u"smbfs"_s) << type;
   }
   EXPECT_EQ(systemTypeName("fuse.sshfs"), u"fuse.sshfs"_s);

@@ -114,7 +114,7 @@ bool hasMountWithin(const MountEntries &entries, const QByteArray &path) {
 }
 
 QString systemTypeName(const QByteArray &type) {
-  for (const char *share : {"cifs", "smb3", "smbfs", "fuse.sonorel", "fuse.sonorel-mount"}) {
+  for (const char *share : {"cifs", "smb3", "smbfs", "fuse.sonorel"}) {
     if (type == share) {
       return u"smbfs"_s;
     }
