@@ -28,10 +28,10 @@ QString relativeTo(const QString &literal, const QString &path) {
 
 struct Transfer::Track {
   QString source;
-  QString newName;       // N
-  QString ownName;       // S
-  QString parenthesised; // P
-  QString olderName;     // O
+  QString newName;       // from the tags
+  QString ownName;       // as the source is called
+  QString parenthesised; // the source's name in parentheses
+  QString olderName;     // from the tags, by the earlier scheme
   int artworkMode = 0;
   bool useArtistFolder = false;
 };

@@ -106,7 +106,6 @@ TransferDriver::After TransferDriver::carryItem(const QueueEntry &entry) {
   m_view.setEnableDisableCancelBtn(true);
   m_view.setHighlightCancelBtn(true);
   m_view.setLanguageEnabled(false);
-  m_transfer.isValidFile(item.extension);
   item.isAppleLossless = checkFileType(item.extension, u"m4a") && checkAppleLossless(item.path);
   if (m_tools.board.track(m_trackCounter) == item.path) {
     ++m_trackCounter;
