@@ -1,5 +1,5 @@
 // What sonoreld does from its start to its end, with the roots given: one client for each data folder, a door on the
-// session bus, an orderly end when it is asked for.
+// session bus, an orderly end when it is asked for. Main thread.
 #pragma once
 
 #include "app/Composition.h"

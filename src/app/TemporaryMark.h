@@ -1,5 +1,5 @@
 // The mark in the names of this client's temporary files: made once for each data folder, so that a later start
-// knows what it left behind.
+// knows what it left behind. Main thread; blocks on the folder's disk.
 #pragma once
 
 #include <QString>

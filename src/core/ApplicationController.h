@@ -70,8 +70,8 @@ public:
   void removeAllProducts();
   void selectLanguage(int index);
 
-  // --- class getters; each forwards to the role that owns the value ---
-  // Controller's thread; null until `awakeFromNib` has made it.
+  // --- class getters; each forwards to the role that owns the value; controller's thread ---
+  // Null until `awakeFromNib` has made it.
   [[nodiscard]] Connection *getConnectionObject() const;
   [[nodiscard]] QVariantMap getAppProperty() const;
   [[nodiscard]] QString getResourcePath() const;

@@ -98,7 +98,9 @@ private:
   std::mutex m_mutex; // guards everything down to the empty line
   std::vector<std::function<void()>> m_wanted;
   bool m_posted = false;
-  std::shared_ptr<LogText> m_waitingLog; // wanted and not yet in effect; null: none, or one that must stay as it is
+  // Wanted and not yet in effect, shared with the operation that will show it; null: none, or one that must stay as
+  // it is.
+  std::shared_ptr<LogText> m_waitingLog;
 
   // Controller's thread.
   UserInterfaceState m_state;

@@ -1,5 +1,5 @@
 // Everything that the controller owns: what all roles share, the start-up, and the roles of the share. Only the
-// controller's own files see it.
+// controller's own files see it. Controller's thread, but for members whose own heads say otherwise.
 #pragma once
 
 #include "core/ClientPaths.h"

@@ -1,5 +1,6 @@
 // The roles that work with the share: made by the start-up as soon as the folder values are final, joined with each
-// other here and nowhere else. The controller's own; see ApplicationController.
+// other here and nowhere else. The controller's own; see ApplicationController. Controller's thread, but for members
+// whose own heads say otherwise.
 #pragma once
 
 #include "core/AfterConnection.h"

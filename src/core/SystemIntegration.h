@@ -19,7 +19,7 @@ public:
   // What the window server reports while the switch to another space is under way.
   static constexpr qint64 kSpaceSwitching = 65537;
 
-  // All references must outlive the object.
+  // All references must outlive the object; the loop must not run any more when it ends.
   SystemIntegration(RunningApplications &applications, Processes &processes, Scripts &scripts, Desktop &desktop,
                     Loop &loop, Settings &settings, const ClientPaths &paths);
   ~SystemIntegration();

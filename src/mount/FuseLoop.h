@@ -1,4 +1,5 @@
-// The mount itself: the kernel's end, and the loop that hands its questions to ShareFiles.
+// The mount itself: the kernel's end, and the loop that hands its questions to ShareFiles. One
+// thread, but for exit.
 #pragma once
 
 #include "mount/Outcome.h"
@@ -24,9 +25,9 @@ public:
   // From any thread.
   void exit();
 
+  // --- for the kernel's callbacks only ---
   ShareFiles &files;
   WriteBehind writes;
-
   void noteServed();
 
 private:

@@ -1,6 +1,7 @@
 // The program in two processes: the one that was started waits for a word of the other, prints it and ends with its
 // status; the other goes on serving the mount. As long as nothing is mounted the second dies with the first and stays
-// in its process group, so that who ends the program while it still connects ends all of it.
+// in its process group, so that who ends the program while it still connects ends all of it. runInBackground is to be
+// called before there is another thread: a second process has only the one that made it.
 #pragma once
 
 #include "mount/Outcome.h"

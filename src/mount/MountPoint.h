@@ -1,5 +1,6 @@
 // The folder that the share is mounted on: what stands in the mount table about it, and how it is freed. None of it
 // asks the mounted file system anything, so nothing here waits for a server.
+// Any thread.
 #pragma once
 
 #include "mount/Outcome.h"

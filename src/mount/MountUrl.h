@@ -1,6 +1,7 @@
 // "//user:password@address[:port]/share", as the mount program reads it from its standard input. Every part may hold
 // "%XX" for a byte; a "%" that begins no such thing stands for itself. The first ":" ends the user, the last "@" the
 // password, so that a password may hold both. An IPv6 address stands in brackets when a port follows.
+// Pure, any thread.
 #pragma once
 
 #include <cstdint>

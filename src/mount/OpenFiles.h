@@ -2,6 +2,7 @@
 // close() of the program, so that errors are told there and a following rename or change of times meets none; it is
 // opened again when it is needed once more. What was written through a handle that was lost with its connection
 // cannot be known to be on the server: such a file is broken, and says so at every further write and at its close().
+// One thread at a time.
 #pragma once
 
 #include "mount/SmbSession.h"

@@ -1,4 +1,5 @@
 // Names on the share: which of them can be sent to a server at all, and the address by which libsmbclient knows them.
+// Pure, any thread.
 #pragma once
 
 #include <string>

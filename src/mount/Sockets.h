@@ -5,7 +5,7 @@
 
 namespace sonorel {
 
-// True while a connection to the server stands. It says nothing about whether the server still answers.
+// True while a connection to the server stands. It says nothing about whether the server still answers. Any thread.
 [[nodiscard]] bool isConnectionAlive();
 
 // Whoever waits in a connection, or for one to come about, is woken by an error at once. Any thread.

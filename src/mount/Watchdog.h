@@ -1,6 +1,7 @@
-// The second thread of the mount program. libsmbclient has no way to be interrupted, so this one sees to it that no
-// operation lasts longer than its limit: it cuts the connection, and goes on cutting until the operation has ended.
-// It also hears the signals that end the program and notices that somebody else has unmounted the share.
+// A thread of the mount program beside the one that serves. libsmbclient has no way to be interrupted, so this one
+// sees to it that no operation lasts longer than its limit: it cuts the connection, and goes on cutting until the
+// operation has ended. It also hears the signals that end the program and notices that somebody else has unmounted
+// the share.
 #pragma once
 
 #include "platform/linux/FileDescriptor.h"

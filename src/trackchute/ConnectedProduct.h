@@ -1,4 +1,5 @@
 // Which product the client is connected to, as the agent learns it: from its property file, else from the door.
+// Any thread; blocks on both.
 #pragma once
 
 #include "platform/FileSystem.h"

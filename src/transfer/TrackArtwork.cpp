@@ -132,6 +132,7 @@ bool TrackArtwork::mayOpenPlayer(const std::stop_token &stop) {
 // Whoever waits here holds no lock: the answer comes from the controller's thread, as a cancel and a sleep do.
 int TrackArtwork::answerOfUser(const std::stop_token &stop) {
   m_strings.reload();
+  // Shared: an answer may come after the wait was given up.
   const auto answer = std::make_shared<std::atomic<int>>(kStillOpen);
   const quint32 question =
       m_view.ask({.message = u"Sonorel"_s,

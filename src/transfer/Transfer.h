@@ -30,6 +30,7 @@ struct TransferArtwork {
 
 class Transfer {
 public:
+  // What the tools refer to must outlive the object.
   Transfer(const TransferTools &tools, ShareFolders folders, TransferArtwork artwork = {});
   Transfer(const Transfer &) = delete;
   Transfer &operator=(const Transfer &) = delete;
@@ -41,6 +42,7 @@ public:
   bool isValidFile(const QString &extension);
   [[nodiscard]] static bool isValidSoundFile(const QString &extension);
   [[nodiscard]] bool isSoundFileType() const { return m_isSoundFile; }
+  // Set by no extension: films go the way of pictures.
   [[nodiscard]] bool isVideoFileType() const { return m_isVideoFile; }
   [[nodiscard]] bool isPhotoOrVideoFileType() const { return m_isPhotoOrVideoFile; }
   [[nodiscard]] bool isBookmarkFileType() const { return m_isBookmarkFile; }

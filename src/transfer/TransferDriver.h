@@ -1,7 +1,8 @@
 // Carries the queue onto the share, item by item, and tells the server at the end. transferToVaultbox is the worker's
 // body, a plain blocking function over interfaces: it ends at the end of the queue, on cancel, when the share is lost
 // or full, when the machine goes to sleep, and when the program quits (its stop token). Everything that a person sees
-// goes through View, without waiting. Read next: Transfer.h, TransferBoard.h.
+// goes through View, without waiting. startTransfer is for the controller's thread, isAtWork for any,
+// the rest for the worker's. Read next: Transfer.h, TransferBoard.h.
 #pragma once
 
 #include "core/state/MessageLog.h"

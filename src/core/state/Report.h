@@ -1,4 +1,4 @@
-// Log lines in the system's own words.
+// Log lines in the system's own words. Any thread.
 #pragma once
 
 #include "platform/Desktop.h"

@@ -1,6 +1,6 @@
 // `appProperty`: the client property file, held in memory and written back whole. One lock covers get, set and
 // save, because the connect flow and the transfer worker both use it. Unknown keys are kept. A value of the
-// wrong type reads as absent.
+// wrong type reads as absent. Any thread.
 #pragma once
 
 #include "platform/FileSystem.h"

@@ -39,7 +39,7 @@ private:
   QString m_languageFile;
   QString m_loadedFile;
   std::optional<FileAttributes> m_loadedAttributes;
-  std::shared_ptr<const Table> m_table;
+  std::shared_ptr<const Table> m_table; // immutable; another takes its place as a whole
 };
 
 // Every "#" replaced by the product's name.

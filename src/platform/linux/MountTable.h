@@ -17,7 +17,7 @@ struct MountEntry {
   quint64 id = 0;
   QByteArray device; // "0:42"
   QByteArray point;  // host path
-  QByteArray type;   // "cifs", "fuse.sonorel-mount"
+  QByteArray type;   // "cifs", "fuse.sonorel"
   QByteArray source;
 };
 
@@ -44,7 +44,7 @@ public:
 private:
   std::mutex m_mutex; // guards both
   FileDescriptor m_file;
-  std::shared_ptr<const MountEntries> m_entries;
+  std::shared_ptr<const MountEntries> m_entries; // shared with who still reads it when a newer one replaces it
 };
 
 } // namespace sonorel

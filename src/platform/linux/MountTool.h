@@ -1,6 +1,6 @@
 // "/sbin/mount" and "/sbin/umount" on Linux: the mount program for a product on the network, a link for the embedded
 // product. A point is only ever mounted on while it is an empty folder. The URL holds the password: it goes to the
-// program's standard input and nowhere else. Blocks; one call at a time for one point.
+// program's standard input and nowhere else. Any thread; blocks. One call at a time for one point.
 #pragma once
 
 #include "platform/Processes.h"
