@@ -14,7 +14,12 @@ protected:
   StartUp::Steps steps() {
     return {
         [this] { ran.append(QStringLiteral("createRoles")); },
-        [this] { ran.append(QStringLiteral("observeNotifications")); },
+        [this] {
+          ran.append(QStringLiteral("observeNotifications"));
+          if (onObserveNotifications) {
+            onObserveNotifications();
+          }
+        },
         [this] { ran.append(QStringLiteral("terminate")); },
         [this] {
           ran.append(QStringLiteral("prepareProducts"));
@@ -23,7 +28,10 @@ protected:
           }
         },
         [this] { ran.append(QStringLiteral("updateDeviceName")); },
-        [this] { return powerRegisters; },
+        [this] {
+          ran.append(QStringLiteral("registerForPower"));
+          return powerRegisters;
+        },
         [this] {
           ran.append(QStringLiteral("connectAutomatically"));
           if (onConnectAutomatically) {
@@ -39,6 +47,7 @@ protected:
   FakeView view;
   QStringList ran;
   bool powerRegisters = true;
+  std::function<void()> onObserveNotifications;
   std::function<void()> onPrepareProducts;
   std::function<void()> onConnectAutomatically;
   Settings settings{fakes.files, fakes.propertyLists, fakes.paths.PFPath};

@@ -31,6 +31,8 @@ TEST_F(ConnectTest, ConnectsAndTellsEverybody) {
 
 TEST_F(ConnectTest, StoresAddressPasswordAndNameInTheirFiles) {
   prepareShare();
+  // Of another product: the machine-wide file is begun anew.
+  fakes.putDictionary(fakes.paths.machinePreferences, {{u"MACAdress"_s, QByteArray("\n00-1A-2B-3C-4D-5E")}});
   connect();
   const QByteArray password = fakes.propertyLists.archive(u"secret"_s);
   const QVariantMap property = fakes.dictionary(fakes.paths.PFPath);

@@ -136,6 +136,27 @@ TEST_F(QuitAndReopenTest, DiskThatTakesNothingKeepsNobodyFromQuitting) {
   EXPECT_TRUE(fakes.desktop.logged(u"<AppController><applicationShouldTerminate>"_s));
 }
 
+TEST_F(QuitAndReopenTest, EachActionReadsTheTextsAnew) {
+  const auto put = [this](const QString &key, const QString &text) {
+    fakes.change(resourceFolder() + u"StringsEnglish"_s, {{key, text}});
+  };
+  session.setPasswordString({});
+  put(u"ErrorIp"_s, u"no password"_s);
+  connect();
+  session.setPasswordString(u"secret"_s);
+  connectForTest();
+  beginTransfer();
+  put(u"ErrorDisconnect2"_s, u"not now"_s);
+  disconnect();
+  put(u"ErrorQuit2"_s, u"not yet"_s);
+  EXPECT_EQ(quit(), TerminateReply::Cancel);
+  put(u"Message4"_s, u"one moment"_s);
+  flow.onCancel();
+  EXPECT_EQ(questions(), QStringList({u"Attention|no password"_s, u"Auracore 5 cannot be disconnected now.|not now"_s,
+                                      u"Sonorel cannot quit now.|not yet"_s}));
+  EXPECT_EQ(shown().messageLog, u"one moment"_s);
+}
+
 TEST_F(QuitAndReopenTest, VisibleWindowIsLeftAlone) {
   const auto before = fakes.userInterface.states.size();
   reopen(true);

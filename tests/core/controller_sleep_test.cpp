@@ -77,7 +77,7 @@ TEST_F(ControllerSleepTest, EndsThePausesOfAConnectAndLeavesTheWindowQuiet) {
   bool first = true;
   fakes.clock.onSleep = [this, &first] {
     if (std::exchange(first, false)) {
-      controller->interrupt();
+      fakes.power.announce();
       fakes.loop.post([this] { fakes.power.send(PowerMessage::SystemWillSleep); });
     }
   };

@@ -40,6 +40,51 @@ TEST_F(WindowTextsTest, RelabelsTheWindow) {
   EXPECT_EQ(shown().labels.size(), 36);
 }
 
+TEST_F(WindowTextsTest, EveryLabelHasItsText) {
+  texts.updateDeviceName();
+  fakes.loop.runPosted();
+  for (const QString &key : {u"AboutLabelText"_s, u"VersionLabelText"_s, u"VersionLabelTooltipText"_s}) {
+    EXPECT_TRUE(strings.contains(key)) << key.toStdString();
+    EXPECT_FALSE(label(key).isEmpty()) << key.toStdString();
+  }
+  for (const QString &key : {u"HelpTooltipText"_s,
+                             u"MenuText"_s,
+                             u"CloseMenuText"_s,
+                             u"TranferStatusLabelText"_s,
+                             u"TransferMessagesLabel"_s,
+                             u"CancelButtonText"_s,
+                             u"CancelButtonTooltip"_s,
+                             u"AboutTabText"_s,
+                             u"TransferTabText"_s,
+                             u"ConnectionTabText"_s,
+                             u"PreferTabText"_s,
+                             u"PreferencesLabelText"_s,
+                             u"LangSelectText"_s,
+                             u"DetectedTableHeaderText"_s,
+                             u"AddedTableHeaderText"_s,
+                             u"SelectedTableHeaderText"_s,
+                             u"AddManualProductButtonText"_s,
+                             u"ManuallyAddedProductRepresentation"_s,
+                             u"DeleteManualProductButtonText"_s,
+                             u"RemoveAProductButtonText"_s,
+                             u"RemoveAllProductsButtonText"_s,
+                             u"manualHostNameLabelText"_s,
+                             u"manualIPAddressLabelText"_s,
+                             u"BtnOk"_s,
+                             u"PasswordLabel"_s,
+                             u"enterPasswordPanelHeaderText"_s,
+                             u"ProductsLabelText"_s,
+                             u"ConnectButtonText"_s,
+                             u"DisconnectButtonText"_s,
+                             u"ConnectingText"_s,
+                             u"HelpButtonText"_s,
+                             u"AddToMyProductsButtonText"_s,
+                             u"QuitMenuText"_s}) {
+    EXPECT_TRUE(strings.contains(key)) << key.toStdString();
+    EXPECT_EQ(label(key), strings.text(key)) << key.toStdString();
+  }
+}
+
 TEST_F(WindowTextsTest, ProductNameStandsAtEveryMark) {
   putStrings(u"StringsEnglish"_s, {{u"AboutLabelText"_s, u"# and #"_s}});
   texts.updateDeviceName();

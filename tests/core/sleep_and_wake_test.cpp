@@ -144,6 +144,26 @@ TEST_F(SleepAndWakeTest, IdleSleepKeepsTheQueue) {
   EXPECT_EQ(board.count(), 1);
 }
 
+// What an idle sleep has recorded is told by the first wake that finds the share gone.
+TEST_F(SleepAndWakeTest, ConnectionOfTheFirstQuestionIsRememberedUntilAWakeFindsTheShareGone) {
+  queue({{QueueEntry::Kind::Path, u"/Music/left.mp3"_s, {}}});
+  power.powerMessage(PowerMessage::CanSystemSleep);
+  power.powerMessage(PowerMessage::CanSystemSleep); // nothing is connected any more
+  power.afterWakeup();
+  connected = true;
+  power.powerMessage(PowerMessage::SystemWillSleep);
+  unmount();
+  view.tab.reset();
+  power.afterWakeup();
+  EXPECT_EQ(view.tab, Tab::Connection);
+  EXPECT_EQ(view.lastLog, QString());
+  EXPECT_EQ(board.count(), 1);
+  EXPECT_TRUE(board.manualSleepWasConnected);
+  power.afterWakeup();
+  EXPECT_EQ(view.tab, Tab::Transfer);
+  EXPECT_EQ(view.lastLog, kMessage1 + u"left.mp3\n"_s) << "once told it is forgotten";
+}
+
 TEST_F(SleepAndWakeTest, ShowsTheConnectionTabAfterAnyOtherWake) {
   power.afterWakeup();
   EXPECT_EQ(view.tab, Tab::Connection);

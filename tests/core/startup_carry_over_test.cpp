@@ -147,6 +147,26 @@ TEST_F(CarryOverTest, SavesNothingWithoutAnAddress) {
   EXPECT_EQ(fakes.dictionary(kMachinePreferences), QVariantMap());
 }
 
+// What the earlier installation saved is for the new one, which has nothing of its own to put in its place.
+TEST_F(CarryOverTest, NewInstallationTakesOverWhatWasSavedAndDeletesEveryEarlierBundle) {
+  fakes.putDictionary(kMachinePreferences, kCarried);
+  receipt(u"/Applications/Old"_s);
+  fakes.files.mount(u"/Volumes/Older Disk"_s, u"hfs"_s);
+  fakes.putDictionary(u"/Volumes/Older Disk/Library/Receipts/Sonorel 1.0.pkg/Contents/Info.plist"_s,
+                      {{u"IFPkgRelocatedPath"_s, u"/Applications/Older"_s}});
+  const QStringList bundles{u"/Applications/Old/Sonorel.app"_s, u"/Applications/Older/Sonorel.app"_s};
+  for (const QString &bundle : bundles) {
+    fakes.files.put(bundle + u"/Contents/Info.plist"_s, "old");
+  }
+  ASSERT_TRUE(startUp.init());
+  EXPECT_EQ(fakes.dictionary(kProperties).value(u"IPAddress"_s), u"192.168.1.20"_s);
+  EXPECT_EQ(fakes.dictionary(kProperties).value(u"Password"_s), QByteArray("archived"));
+  EXPECT_EQ(fakes.dictionary(kMachinePreferences), kCarried);
+  for (const QString &bundle : bundles) {
+    EXPECT_FALSE(fakes.files.exists(bundle)) << bundle.toStdString();
+  }
+}
+
 TEST_F(CarryOverTest, LeavesThisBundleAlone) {
   fakes.files.put(u"/Applications/Sonorel/Sonorel.app/Contents/Info.plist"_s, "this");
   receipt(u"./Applications/Sonorel"_s);

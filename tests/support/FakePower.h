@@ -23,6 +23,12 @@ public:
     ++acknowledged;
     isDelayed = message == PowerMessage::CanSystemSleep;
   }
+  // The first half of a SystemWillSleep: what is under way is to end. The message waits for its turn.
+  void announce() {
+    if (registered) {
+      m_handlers.hurry();
+    }
+  }
   void wake() {
     if (registered) {
       isDelayed = true;
