@@ -204,6 +204,14 @@ TEST_F(PictureItemsTest, AFailedCopyLeavesNothingHalf) {
   EXPECT_EQ(bench.view.lastLog, u"\"1.jpg\" could not be transferred.\n"_s + kEnded);
 }
 
+TEST_F(PictureItemsTest, OneWhoseFileWentForAnotherIsNotOnTheShare) {
+  bench.processes.failAt(3, exited(1));
+  albums(
+      {album(u"A"_s, {picture(u"/p/Else/1.jpg"_s), picture(u"/p/Trip/1.jpg"_s), picture(u"/q/Trip/1.jpg"_s, "x")})});
+  EXPECT_EQ(photos(), QStringList{u"Else/1.jpg"_s});
+  EXPECT_EQ(records(), (QStringList{u"/p/Else/1.jpg Y"_s, u"/p/Trip/1.jpg N"_s, u"/q/Trip/1.jpg N"_s, u"end"_s}));
+}
+
 TEST_F(PictureItemsTest, AFailedCopyOfWhatStandsInTheAlbumAnywayCounts) {
   picture(kPhoto + u"1.jpg"_s, "other picture");
   picture(kPhoto + u"Trip/1.jpg"_s);

@@ -69,6 +69,7 @@ TEST(TrackTitle, WithoutTagsTheFileNameLosesItsBeginning) {
   EXPECT_EQ(getTitleOfTrack(u"/m/abcd.mp3"_s, TrackTags()), u"d"_s);
   EXPECT_EQ(getTitleOfTrack(u"/m/abc.mp3"_s, TrackTags()), u"bc"_s);
   EXPECT_EQ(getTitleOfTrack(u"/m/a.mp3"_s, TrackTags()), u"a"_s);
+  EXPECT_EQ(getTitleOfTrack(u"/m/ab\U0001F3B5cd.mp3"_s, TrackTags()), u"cd"_s) << "no half of a pair";
 }
 
 TEST(TrackTexts, AreWhatTheNewStyleNameHolds) {

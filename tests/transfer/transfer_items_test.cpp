@@ -175,4 +175,19 @@ TEST_F(TransferItemsTest, ADifferentFileUnderAnyOfTheNamesDoesNotCount) {
   EXPECT_EQ(bench.view.lastLog, u"\"01.mp3\" could not be transferred."_s);
 }
 
+// Two tracks of equal tags share one place; when the second one takes it and does not arrive, neither is there.
+TEST_F(TransferItemsTest, ATrackWhoseFileWentForAnotherIsNotOnTheShare) {
+  const QString first = bench.song(u"/m/A/B/01.mp3"_s, waterloo());
+  const QString second = bench.song(u"/m/A/B/02.mp3"_s, waterloo(), 200'001);
+  const QString third = bench.song(u"/m/A/B/03.mp3"_s, {});
+  bench.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
+    return request.arguments.value(1) == second ? std::optional(exited(1)) : std::nullopt;
+  };
+  bench.drop(u"Party"_s, {third, first, second});
+  EXPECT_EQ(bench.musicTree(), QStringList{u"A/B/(03).mp3"_s});
+  EXPECT_EQ(bench.sentRecords[0].songTransferFlag, u"Y"_s);
+  EXPECT_EQ(bench.sentRecords[1].songTransferFlag, u"N"_s);
+  EXPECT_EQ(bench.sentRecords[2].songTransferFlag, u"N"_s);
+}
+
 } // namespace sonorel::test
