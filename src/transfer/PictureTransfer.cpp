@@ -85,8 +85,20 @@ bool PictureTransfer::replace(const QString &source, const QString &file) {
   if (!removed) {
     return copyOver(source, file);
   }
+  // Nothing stands there any more: no album may show it, whichever source it was.
+  auto lost = qScopeGuard([this, &file, name = lastPathComponent(file)] {
+    const QList<PlaylistInfo> records = m_tools.board.records(true);
+    for (const PlaylistInfo &one : records) {
+      if (one.songTransferFlag == u"Y" && one.destinationSongName.endsWith(name) &&
+          serverCandidates(one.destinationSongName).constFirst() == file) {
+        m_tools.board.updateRecords(true, one.sourceSongPath,
+                                    [](PlaylistInfo &taken) { taken.songTransferFlag = u"N"_s; });
+      }
+    }
+  });
   const bool copied = m_server.copyInPlaceOfRemoved(source, file);
   if (copied) {
+    lost.dismiss();
     record(source);
   }
   return copied;

@@ -133,7 +133,11 @@ QString getTitleOfTrack(const QString &sourcePath, const std::optional<TrackTags
     }
   }
   const QString name = nameWithoutExtension(sourcePath);
-  return name.mid(name.size() >= 4 ? 3 : name.size() / 2); // as a rule a track number stands in front
+  qsizetype cut = name.size() >= 4 ? 3 : name.size() / 2; // as a rule a track number stands in front
+  if (cut > 0 && name[cut].isLowSurrogate()) {
+    ++cut; // half a pair has no bytes
+  }
+  return name.mid(cut);
 }
 
 QString truncateFileName(const QString &name) {

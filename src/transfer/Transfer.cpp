@@ -24,6 +24,21 @@ QString relativeTo(const QString &literal, const QString &path) {
   return pieces[1];
 }
 
+// As a record names the place of a file.
+QString placeOf(const QString &file) {
+  return relativeTo(kMusicFolderLiteral.toString(), file).replace(u"/"_s, kSeparatorMark.toString());
+}
+
+// Nothing stands there any more: no list may show it, whichever source it was.
+void takeBack(TransferBoard &board, const QString &place) {
+  const QList<PlaylistInfo> records = board.records(false);
+  for (const PlaylistInfo &record : records) {
+    if (record.songTransferFlag == u"Y" && record.destinationSongName == place) {
+      board.updateRecords(false, record.sourceSongPath, [](PlaylistInfo &lost) { lost.songTransferFlag = u"N"_s; });
+    }
+  }
+}
+
 } // namespace
 
 struct Transfer::Track {
@@ -156,11 +171,16 @@ bool Transfer::settleOn(const Track &track, const QString &file, bool useFolderH
   if (!removed && isFolder(m_tools.files, file)) {
     return false;
   }
+  auto lost = qScopeGuard([&board = m_tools.board, place = placeOf(file)] { takeBack(board, place); });
+  if (!removed) {
+    lost.dismiss();
+  }
   if (m_tools.clock.sleep(kPauseAfterRemoval, m_server.stop())) {
     artworkAction(track, file, useFolderHierarchy);
   }
   const bool copied = removed ? m_server.copyInPlaceOfRemoved(track.source, file) : m_server.copy(track.source, file);
   if (copied) {
+    lost.dismiss();
     record(track, file);
   }
   return copied;
@@ -219,9 +239,7 @@ void Transfer::playlistInfoUpdate(const QString &sourcePath, bool photos) {
     m_pictures.playlistInfoUpdate(sourcePath);
     return;
   }
-  QString place =
-      relativeTo(kMusicFolderLiteral.toString(), m_isNonAsciiFileTransferred ? m_nonAsciiFileName : m_asciiFileName);
-  place.replace(u"/"_s, kSeparatorMark.toString());
+  const QString place = placeOf(m_isNonAsciiFileTransferred ? m_nonAsciiFileName : m_asciiFileName);
   m_tools.board.updateRecords(false, sourcePath, [&place](PlaylistInfo &record) {
     record.songTransferFlag = u"Y"_s;
     record.destinationSongName = place;

@@ -135,6 +135,21 @@ TEST_F(SaveArtwork, APngInTheTrackBecomesAJpeg) {
   }
 }
 
+// The table of a JPEG tells its quality: at 90 the coarsest step of the brightness is 24, at 89 it is 27.
+TEST_F(SaveArtwork, AConvertedPictureLosesLittle) {
+  picture(u"blue.png"_s, u"blue"_s);
+  ASSERT_EQ(save(track(u"a.mp3"_s, u"blue.png"_s)).status, 0);
+  const QByteArray head = QByteArray::fromHex("ffdb004300"); // 64 steps of one byte follow
+  const QByteArray jpeg = saved();
+  const qsizetype at = jpeg.indexOf(head);
+  ASSERT_GE(at, 0);
+  const QByteArray steps = jpeg.mid(at + head.size(), 64);
+  ASSERT_EQ(steps.size(), 64);
+  for (const char step : steps) {
+    EXPECT_LE(static_cast<quint8>(step), 24);
+  }
+}
+
 TEST_F(SaveArtwork, WhatShinesThroughIsWhite) {
   picture(u"album/cover.png"_s, u"black@0.0"_s, u"64x48,format=rgba"_s);
   ASSERT_EQ(save(track(u"a.mp3"_s)).status, 0);

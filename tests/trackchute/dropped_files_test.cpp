@@ -77,9 +77,15 @@ TEST_F(DroppedFilesTest, ArgumentsKeepTheirOrderAndOddNames) {
   EXPECT_EQ(found.paths, (QStringList{path(u"two\nlines.mp3"_s), path(u"-rf.mp3"_s)}));
 }
 
-TEST_F(DroppedFilesTest, PicturesAreNoticed) {
-  const auto found = expandDroppedFiles(std::vector{file("a.mp3"), file("Cover.JPG")});
-  EXPECT_TRUE(found.holdsPictures);
+TEST_F(DroppedFilesTest, PicturesAndFilmsAreNoticed) {
+  for (const std::string extension : {"jpeg", "jpg", "gif", "tiff", "tif", "png", "bmp", "avi", "mpeg", "mpg", "m1v",
+                                      "mpe", "asf", "wmv", "JPG", "WMV"}) {
+    EXPECT_TRUE(expandDroppedFiles(std::vector{file("a.mp3"), file("b." + extension)}).holdsPictures) << extension;
+  }
+  for (const std::string extension :
+       {"mp3", "flac", "wma", "aac", "mp4", "wav", "m4a", "webloc", "url", "jp", "txt"}) {
+    EXPECT_FALSE(expandDroppedFiles(std::vector{file("c." + extension)}).holdsPictures) << extension;
+  }
 }
 
 TEST_F(DroppedFilesTest, WhatIsNoRegularFileIsRefused) {

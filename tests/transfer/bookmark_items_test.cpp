@@ -9,6 +9,7 @@ namespace {
 
 const QString kFolder = u"/Volumes/VB-SHARE$/Favorites/Mac/"_s;
 const QString kEnded = u"The transfer has ended."_s;
+const QString kLost = u"The connection to the product was lost. These items were not transferred:\n"_s;
 const QString kNotSupported = u" was not transferred because this kind of file or bookmark is not supported."_s;
 
 class BookmarkItemsTest : public testing::Test {
@@ -22,6 +23,12 @@ protected:
   }
   void pairs(const QStringList &titles, const QStringList &urls) {
     bench.intake.handleSafariDragAndDrop({{}, {{u"Titles"_s, titles}, {u"Urls"_s, urls}}});
+  }
+  void expectLost(const QString &rest) const {
+    EXPECT_EQ(bench.view.lastLog, kLost + rest);
+    EXPECT_TRUE(bench.view.calls.contains(u"setProgressBar 100"_s));
+    EXPECT_EQ(bench.view.callsStartingWith(u"setDockIcon"_s),
+              (QStringList{u"setDockIcon Transfer"_s, u"setDockIcon Connect"_s, u"setDockIcon Disconnect"_s}));
   }
   QStringList folder() const {
     QStringList names;
@@ -108,6 +115,7 @@ TEST_F(BookmarkItemsTest, OneThatCannotBeWrittenEndsTheTransfer) {
   EXPECT_EQ(bench.view.lastLog, u"\"b.url\" could not be transferred.\nb.url\nc.url\n\n"_s + kEnded);
   EXPECT_EQ(bench.view.icon, u"Connect"_s);
   EXPECT_TRUE(bench.view.calls.contains(u"setProgressBar 100"_s));
+  EXPECT_TRUE(bench.view.calls.contains(u"windowFrontCentre"_s));
   EXPECT_EQ(bench.view.transfersCompleted, 1);
 }
 
@@ -128,8 +136,10 @@ TEST_F(BookmarkItemsTest, AShareThatIsGoneIsReportedAsNotWritten) {
 
 TEST_F(BookmarkItemsTest, ABookmarkFileIsConvertedAndCopied) {
   bench.files.put(u"/m/Page.webloc"_s, "<plist/>");
+  bench.files.put(u"/private/tmp/Page.webloc"_s, "x");
   bench.drop(u"Finder"_s, {u"/m/Page.webloc"_s});
   EXPECT_EQ(bench.files.bytes(kFolder + u"Page.url"_s), kText);
+  EXPECT_FALSE(bench.files.exists(u"/private/tmp/Page.webloc"_s)) << "the drag file";
   EXPECT_EQ(bench.files.mode(kFolder.chopped(1)), 0755U);
   EXPECT_FALSE(bench.files.exists(u"/m/Page.url"_s));
   EXPECT_TRUE(bench.files.exists(u"/m/Page.webloc"_s));
@@ -144,6 +154,13 @@ TEST_F(BookmarkItemsTest, TheConverterEndsWithTheTransferItServes) {
   EXPECT_FALSE(bench.scripts.stop.stop_requested());
   stop.request_stop();
   EXPECT_TRUE(bench.scripts.stop.stop_requested());
+}
+
+TEST_F(BookmarkItemsTest, ACompanionOfTheCopyIsRemoved) {
+  bench.files.put(kFolder + u"._Page.url"_s, "x");
+  bench.files.put(u"/m/Page.url"_s, kText);
+  bench.drop(u"Finder"_s, {u"/m/Page.url"_s});
+  EXPECT_EQ(folder(), QStringList{u"Page.url"_s});
 }
 
 TEST_F(BookmarkItemsTest, ADroppedUrlFileIsCopiedAndGoes) {
@@ -209,11 +226,47 @@ TEST_F(BookmarkItemsTest, ACopyThatFailsLeavesNothingHalfAndNothingBehind) {
 TEST_F(BookmarkItemsTest, AnExceptionGoesOnWithTheNextItemWhileConnected) {
   bench.files.put(u"/m/Page.url"_s, kText);
   bench.files.put(u"/m/Next.url"_s, kText);
+  bench.files.put(u"/private/tmp/Page.url"_s, "x");
   bench.deliver(u"Finder"_s, {u"/m/Page.url"_s, u"/m/Next.url"_s});
   bench.files.failPath(kFolder + u"Page.url"_s, FailureKind::Unknown);
   bench.run();
   EXPECT_EQ(folder(), QStringList{u"Next.url"_s});
+  EXPECT_FALSE(bench.files.exists(u"/private/tmp/Page.url"_s)) << "the drag file";
   EXPECT_TRUE(bench.files.exists(u"/m/Page.url"_s));
+}
+
+TEST_F(BookmarkItemsTest, AnExceptionWithoutTheShareEndsWithTheList) {
+  bench.files.put(u"/m/Page.url"_s, kText);
+  bench.deliver(u"Finder"_s, {u"/m/Page.url"_s, u"/m/Next.url"_s});
+  bench.files.failPath(kFolder + u"Page.url"_s, FailureKind::Unknown);
+  bench.files.beforeOperation = [this](int) {
+    if (bench.files.log().constLast() == u"presence "_s + kFolder + u"Page.url"_s) {
+      bench.files.unmount(kMountPoint.toString());
+    }
+  };
+  bench.run();
+  expectLost(u"Page.url\nNext.url\n"_s);
+}
+
+TEST_F(BookmarkItemsTest, AShareThatIsLostDuringTheConversionEndsWithTheList) {
+  bench.scripts.onConvert = [this](const QString &) {
+    bench.files.unmount(kMountPoint.toString());
+    return u"no answer"_s;
+  };
+  bench.files.put(u"/m/Page.webloc"_s, "<plist/>");
+  bench.drop(u"Finder"_s, {u"/m/Page.webloc"_s, u"/m/Next.url"_s});
+  expectLost(u"Page.webloc\nNext.url\n"_s);
+}
+
+TEST_F(BookmarkItemsTest, AShareThatIsLostDuringACancelIsNotTold) {
+  bench.scripts.onConvert = [this](const QString &) {
+    bench.board.isCancel = true;
+    bench.files.unmount(kMountPoint.toString());
+    return u"no answer"_s;
+  };
+  bench.files.put(u"/m/Page.webloc"_s, "<plist/>");
+  bench.drop(u"Finder"_s, {u"/m/Page.webloc"_s, u"/m/Next.url"_s});
+  EXPECT_EQ(bench.view.lastLog, u"The transfer was cancelled."_s);
 }
 
 TEST_F(BookmarkItemsTest, AFullDiskIsTold) {
@@ -229,8 +282,7 @@ TEST_F(BookmarkItemsTest, TheRestIsListedOncePerBookmark) {
   pairs({u"a"_s, u"b"_s}, {u"http://1/"_s, u"http://2/"_s});
   bench.files.unmount(kMountPoint.toString());
   bench.run();
-  EXPECT_EQ(bench.view.lastLog,
-            u"The connection to the product was lost. These items were not transferred:\ngone.mp3\na.url\nb.url\n"_s);
+  EXPECT_EQ(bench.view.lastLog, kLost + u"gone.mp3\na.url\nb.url\n"_s);
 }
 
 } // namespace sonorel::test

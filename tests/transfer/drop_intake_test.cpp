@@ -128,8 +128,11 @@ TEST_F(DropIntakeTest, MissingFilesAreLeftOutRadioIsQueued) {
 
 TEST_F(DropIntakeTest, NothingIsQueuedWhileNotConnected) {
   bench.files.unmount(kMountPoint.toString());
+  bench.view.progress = 50;
   bench.deliver(u"Party"_s, {file(u"/m/1.mp3"_s)});
   EXPECT_EQ(bench.board.count(), 0);
+  EXPECT_EQ(bench.view.progress, 0);
+  EXPECT_TRUE(bench.view.calls.contains(u"windowFrontCentre"_s));
   EXPECT_EQ(bench.view.tab, Tab::Connection);
   EXPECT_EQ(bench.view.icon, u"Disconnect"_s);
   EXPECT_EQ(bench.dropsFinished, 1U);
@@ -142,6 +145,7 @@ TEST_F(DropIntakeTest, ADropDuringACancelIsLostWhole) {
   EXPECT_EQ(names(), QStringList{u"Party /m/1.mp3"_s});
   EXPECT_EQ(bench.view.lastLog,
             u"The running transfer is still being cancelled. Please drop the items again in a moment."_s);
+  EXPECT_TRUE(bench.view.calls.contains(u"windowFrontCentre"_s));
   EXPECT_EQ(bench.dropsFinished, 1U);
 }
 

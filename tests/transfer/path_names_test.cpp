@@ -44,14 +44,20 @@ TEST(PathNames, NameWithoutExtensionAndBack) {
 }
 
 TEST(FileTypes, AreToldByTheExtensionIgnoringCase) {
-  EXPECT_EQ(fileTypeOf(u"MP3"), FileType::Sound);
-  EXPECT_EQ(fileTypeOf(u"m4a"), FileType::Sound);
-  EXPECT_EQ(fileTypeOf(u"mp4"), FileType::Sound);
-  EXPECT_EQ(fileTypeOf(u"WMV"), FileType::PhotoOrVideo);
-  EXPECT_EQ(fileTypeOf(u"jpg"), FileType::PhotoOrVideo);
-  EXPECT_EQ(fileTypeOf(u"webloc"), FileType::Bookmark);
-  EXPECT_EQ(fileTypeOf(u"m4p"), FileType::Invalid);
-  EXPECT_EQ(fileTypeOf(u""), FileType::Invalid);
+  const auto expectAll = [](const QStringList &extensions, FileType type) {
+    for (const QString &extension : extensions) {
+      EXPECT_EQ(fileTypeOf(extension), type) << extension.toStdString();
+      EXPECT_EQ(fileTypeOf(extension.toUpper()), type) << extension.toStdString();
+    }
+  };
+  expectAll({u"mp3"_s, u"flac"_s, u"wma"_s, u"aac"_s, u"mp4"_s, u"wav"_s, u"m4a"_s}, FileType::Sound);
+  expectAll({u"jpeg"_s, u"jpg"_s, u"gif"_s, u"tiff"_s, u"tif"_s, u"png"_s, u"bmp"_s, u"avi"_s, u"mpeg"_s, u"mpg"_s,
+             u"m1v"_s, u"mpe"_s, u"asf"_s, u"wmv"_s},
+            FileType::PhotoOrVideo);
+  expectAll({u"webloc"_s, u"url"_s}, FileType::Bookmark);
+  expectAll({u"ogg"_s, u"opus"_s, u"aiff"_s, u"m4p"_s, u"heic"_s, u"webp"_s, u"mov"_s, u"m4v"_s, u"mkv"_s,
+             u"inetloc"_s, u"mp33"_s, u"mp"_s, u""_s},
+            FileType::Invalid);
 }
 
 } // namespace sonorel

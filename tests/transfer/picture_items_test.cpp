@@ -11,6 +11,7 @@ namespace {
 
 const QString kPhoto = u"/Volumes/VB-SHARE$/Photo/Mac/"_s;
 const QString kEnded = u"The transfer has ended."_s;
+const QString kLost = u"The connection to the product was lost. These items were not transferred:\n"_s;
 
 QVariantMap album(const QString &name, const QStringList &paths) {
   return {{u"albumName"_s, name}, {u"draggedFiles"_s, paths}};
@@ -109,12 +110,38 @@ TEST_F(PictureItemsTest, TheSameAlbumAgainCopiesNothing) {
   EXPECT_EQ(bench.view.lastLog, kEnded);
 }
 
+TEST_F(PictureItemsTest, ALinkedPictureIsCarriedOnce) {
+  const QString link = u"/p/Trip/1.jpg"_s;
+  bench.files.putLink(link, picture(u"/disk/p.jpg"_s));
+  for (int drop = 0; drop < 2; ++drop) {
+    albums({album(u"A"_s, {link})});
+    EXPECT_EQ(photos(), QStringList{u"Trip/1.jpg"_s});
+    EXPECT_EQ(bench.view.lastLog, kEnded);
+  }
+  EXPECT_EQ(bench.files.bytes(kPhoto + u"Trip/1.jpg"_s), QByteArray("picture"));
+  EXPECT_EQ(bench.processes.requests.size(), 1);
+}
+
 TEST_F(PictureItemsTest, AChangedPictureReplacesTheOldOne) {
   const QString path = picture(u"/p/Trip/1.jpg"_s);
   albums({album(u"A"_s, {path})});
   picture(path, "retouched", 2000);
   albums({album(u"A"_s, {path})});
   EXPECT_EQ(bench.files.bytes(kPhoto + u"Trip/1.jpg"_s), QByteArray("retouched"));
+}
+
+TEST_F(PictureItemsTest, WhatCannotBeRemovedIsCopiedOver) {
+  const QString file = kPhoto + u"Trip/1.jpg"_s;
+  picture(file, "other picture");
+  bench.files.beforeOperation = [&](int) {
+    if (bench.files.log().constLast() == u"sameFile /p/Trip/1.jpg"_s) {
+      bench.files.failAt(3, FailureKind::Other); // behind the last looks at both
+    }
+  };
+  albums({album(u"A"_s, {picture(u"/p/Trip/1.jpg"_s)})});
+  EXPECT_TRUE(bench.desktop.logged(file + u" could not be removed: the operation failed: "_s + file));
+  EXPECT_EQ(bench.files.bytes(file), QByteArray("picture"));
+  EXPECT_EQ(records(), (QStringList{u"/p/Trip/1.jpg Y"_s, u"end"_s}));
 }
 
 TEST_F(PictureItemsTest, OnePictureInTwoAlbumsIsCopiedOnceAndRecordedInBoth) {
@@ -177,6 +204,14 @@ TEST_F(PictureItemsTest, AFailedCopyLeavesNothingHalf) {
   EXPECT_EQ(bench.view.lastLog, u"\"1.jpg\" could not be transferred.\n"_s + kEnded);
 }
 
+TEST_F(PictureItemsTest, OneWhoseFileWentForAnotherIsNotOnTheShare) {
+  bench.processes.failAt(3, exited(1));
+  albums(
+      {album(u"A"_s, {picture(u"/p/Else/1.jpg"_s), picture(u"/p/Trip/1.jpg"_s), picture(u"/q/Trip/1.jpg"_s, "x")})});
+  EXPECT_EQ(photos(), QStringList{u"Else/1.jpg"_s});
+  EXPECT_EQ(records(), (QStringList{u"/p/Else/1.jpg Y"_s, u"/p/Trip/1.jpg N"_s, u"/q/Trip/1.jpg N"_s, u"end"_s}));
+}
+
 TEST_F(PictureItemsTest, AFailedCopyOfWhatStandsInTheAlbumAnywayCounts) {
   picture(kPhoto + u"1.jpg"_s, "other picture");
   picture(kPhoto + u"Trip/1.jpg"_s);
@@ -199,9 +234,39 @@ TEST_F(PictureItemsTest, AShareThatIsLostDuringACopyIsToldWithTheRest) {
     return exited(1);
   };
   albums({album(u"A"_s, {picture(u"/p/Trip/1.jpg"_s), picture(u"/p/Trip/2.jpg"_s)})});
-  EXPECT_EQ(bench.view.lastLog,
-            u"The connection to the product was lost. These items were not transferred:\n1.jpg\n2.jpg\n"_s);
+  EXPECT_EQ(bench.view.lastLog, kLost + u"1.jpg\n2.jpg\n"_s);
   EXPECT_EQ(bench.view.icon, u"Disconnect"_s);
+}
+
+TEST_F(PictureItemsTest, AnExceptionWithTheShareThereGoesOnWithTheNextItem) {
+  bench.files.failPath(kPhoto + u"Trip/1.jpg"_s, FailureKind::Unknown);
+  albums({album(u"A"_s, {picture(u"/p/Trip/1.jpg"_s), picture(u"/p/Trip/2.jpg"_s)})});
+  EXPECT_TRUE(bench.files.exists(kPhoto + u"Trip/2.jpg"_s));
+  EXPECT_TRUE(bench.desktop.logged(u"Exception in ---> <AppController><transferToVaultbox> the share does not answer "
+                                   "for /Volumes/VB-SHARE$/Photo/Mac/Trip/1.jpg"_s));
+  EXPECT_EQ(bench.view.lastLog, kEnded);
+}
+
+TEST_F(PictureItemsTest, AnExceptionWithoutTheShareEndsWithTheListAndNoProgress) {
+  bench.processes.onRun = [this](const ToolRequest &) -> std::optional<ToolResult> {
+    bench.files.unmount(kMountPoint.toString());
+    throw Failure(u"no pipe"_s);
+  };
+  albums({album(u"A"_s, {picture(u"/p/Trip/1.jpg"_s), picture(u"/p/Trip/2.jpg"_s)})});
+  EXPECT_EQ(bench.view.lastLog, kLost + u"1.jpg\n2.jpg\n"_s);
+  EXPECT_FALSE(bench.view.calls.contains(u"setProgressBar 100"_s));
+  EXPECT_TRUE(bench.view.calls.contains(u"stopPulse"_s));
+}
+
+// The failed copy is named; the share is no longer looked for.
+TEST_F(PictureItemsTest, AShareThatIsLostDuringACancelIsNotTold) {
+  bench.processes.onRun = [this](const ToolRequest &) {
+    bench.board.isCancel = true;
+    bench.files.unmount(kMountPoint.toString());
+    return exited(1);
+  };
+  albums({album(u"A"_s, {picture(u"/p/Trip/1.jpg"_s), picture(u"/p/Trip/2.jpg"_s)})});
+  EXPECT_EQ(bench.view.lastLog, u"\"1.jpg\" could not be transferred.The transfer was cancelled."_s);
 }
 
 TEST_F(PictureItemsTest, AProductThatWasNeverFilledGetsItsFolders) {
@@ -227,6 +292,12 @@ class VideoItemsTest : public PictureItemsTest {
 protected:
   const QString video = u"/Volumes/VB-SHARE$/Video/Mac/"_s;
 
+  // What becomes of the copy of a film.
+  void whenCopied(const std::function<ToolResult()> &become) {
+    bench.processes.onRun = [this, become](const ToolRequest &request) -> std::optional<ToolResult> {
+      return request.arguments.value(2).startsWith(video) ? std::optional(become()) : std::nullopt;
+    };
+  }
   // The second item is made a film just before it is carried.
   void film(const QString &path) {
     bench.deliver(u"Party"_s, {bench.song(u"/m/A/B/1.mp3"_s, {}), path});
@@ -301,27 +372,46 @@ TEST_F(VideoItemsTest, NothingIsCopiedIntoAFolderOfTheFilmsName) {
 }
 
 TEST_F(VideoItemsTest, AShareThatIsGoneEndsTheTransfer) {
-  bench.processes.onRun = [this](const ToolRequest &request) -> std::optional<ToolResult> {
-    if (request.arguments.value(2).startsWith(video)) {
-      bench.files.unmount(kMountPoint.toString());
-      return exited(1);
-    }
-    return std::nullopt;
-  };
+  whenCopied([this] {
+    bench.files.unmount(kMountPoint.toString());
+    return exited(1);
+  });
   film(picture(u"/m/A/B/x.avi"_s));
-  EXPECT_TRUE(bench.view.lastLog.startsWith(
-      u"The connection to the product was lost. These items were not transferred:\nx.avi\n"_s))
-      << bench.view.lastLog.toStdString();
+  EXPECT_TRUE(bench.view.lastLog.startsWith(kLost + u"x.avi\n"_s)) << bench.view.lastLog.toStdString();
+}
+
+TEST_F(VideoItemsTest, AShareThatIsGoneDuringACancelIsNotTold) {
+  whenCopied([this] {
+    bench.board.isCancel = true;
+    bench.files.unmount(kMountPoint.toString());
+    return exited(1);
+  });
+  film(picture(u"/m/A/B/x.avi"_s));
+  EXPECT_EQ(bench.view.lastLog, u"The transfer was cancelled."_s);
+}
+
+TEST_F(VideoItemsTest, AnExceptionWithTheShareThereEndsNothing) {
+  whenCopied([]() -> ToolResult { throw Failure(u"no pipe"_s); });
+  film(picture(u"/m/A/B/x.avi"_s));
+  EXPECT_TRUE(bench.desktop.logged(u"Exception in ---> <AppController><transferToVaultbox> no pipe"_s));
+  EXPECT_TRUE(bench.view.lastLog.endsWith(kEnded)) << bench.view.lastLog.toStdString();
+}
+
+TEST_F(VideoItemsTest, AnExceptionWithoutTheShareEndsWithTheListAndNoProgress) {
+  whenCopied([this]() -> ToolResult {
+    bench.files.unmount(kMountPoint.toString());
+    throw Failure(u"no pipe"_s);
+  });
+  film(picture(u"/m/A/B/x.avi"_s));
+  EXPECT_TRUE(bench.view.lastLog.startsWith(kLost + u"x.avi\n"_s)) << bench.view.lastLog.toStdString();
+  EXPECT_FALSE(bench.view.calls.contains(u"setProgressBar 100"_s));
 }
 
 TEST_F(VideoItemsTest, AFilmThatASleepBreaksOffIsTheFirstOfTheListAfterTheWake) {
-  bench.processes.onRun = [this](const ToolRequest &request) -> std::optional<ToolResult> {
-    if (!request.arguments.value(2).startsWith(video)) {
-      return std::nullopt;
-    }
+  whenCopied([this] {
     bench.board.manualSleepWasConnected = true;
     return ToolResult{ToolEnding::Stopped, -1, {}};
-  };
+  });
   film(picture(u"/m/A/B/x.avi"_s));
   EXPECT_EQ(bench.board.state(), TransferState::Aborted);
   EXPECT_EQ(bench.board.entriesFrom(bench.board.fileIndex),

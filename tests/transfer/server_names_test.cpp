@@ -64,6 +64,31 @@ TEST_F(ServerNames, EachEarlierNameIsFoundAndRecorded) {
   }
 }
 
+// Earlier versions have placed names of this length shortened.
+TEST_F(ServerNames, AnEarlierNameThatIsTooLongIsFoundShortened) {
+  const QString longName(226, u'x');
+  const QString parenthesised = u'(' + QString(218, u'x') + u").mp3"_s;
+  const QString longTitle(215, u't');
+  struct Case {
+    QString ownName;
+    QString title;
+    QString standing;
+    QString recorded;
+  };
+  const QList<Case> cases{
+      {longName, u"Waterloo"_s, parenthesised, parenthesised},
+      {longName, u"Waterloo"_s, u"ABBA/Gold/"_s + parenthesised, u"ABBA@@@@@Gold@@@@@"_s + parenthesised},
+      {u"01"_s, longTitle, u'(' + longTitle + u").mp3"_s, u'(' + longTitle + u").mp3"_s},
+  };
+  for (const Case &one : cases) {
+    Drops fresh;
+    fresh.bench.files.put(kMusic + one.standing, QByteArray(200'000, 'm'), 1000);
+    fresh.treeAfter(u"/m/ABBA/Gold/"_s + one.ownName + u".mp3"_s, tagged(u"ABBA"_s, u"Gold"_s, one.title));
+    EXPECT_EQ(fresh.recorded(), one.recorded);
+    EXPECT_FALSE(fresh.hasCopied()) << one.standing.toStdString();
+  }
+}
+
 TEST_F(ServerNames, TheFlatLevelWinsOverTheFolders) {
   bench.files.put(kMusic + kWaterloo, QByteArray(200'000, 'm'), 1000);
   logWhenFoundAs(u"01 own.mp3"_s);

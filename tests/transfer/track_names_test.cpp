@@ -1,5 +1,7 @@
 #include "transfer/TrackNames.h"
 
+#include "core/state/ShareLayout.h"
+
 #include <gtest/gtest.h>
 
 using namespace Qt::Literals::StringLiterals;
@@ -67,6 +69,7 @@ TEST(TrackTitle, WithoutTagsTheFileNameLosesItsBeginning) {
   EXPECT_EQ(getTitleOfTrack(u"/m/abcd.mp3"_s, TrackTags()), u"d"_s);
   EXPECT_EQ(getTitleOfTrack(u"/m/abc.mp3"_s, TrackTags()), u"bc"_s);
   EXPECT_EQ(getTitleOfTrack(u"/m/a.mp3"_s, TrackTags()), u"a"_s);
+  EXPECT_EQ(getTitleOfTrack(u"/m/ab\U0001F3B5cd.mp3"_s, TrackTags()), u"cd"_s) << "no half of a pair";
 }
 
 TEST(TrackTexts, AreWhatTheNewStyleNameHolds) {
@@ -87,6 +90,24 @@ TEST(OlderName, WrapsThePartsAndMarksTheArtist) {
             u"(_Wham!_)-(Gold 1)-(a).mp3"_s);
   EXPECT_EQ(changeSongFileNameOlderWay(u"/m/1 x.mp3"_s, TrackTags()), u"(1 x).mp3"_s);
   EXPECT_EQ(changeSongFileNameOlderWay(u"/m/1_x.mp3"_s, std::nullopt), u"1_x.mp3"_s);
+}
+
+TEST(OlderName, AuthorsAreJoinedAndLoseTheirBackslashes) {
+  EXPECT_EQ(changeSongFileNameOlderWay(u"/m/1.mp3"_s, tagged({u"AC\\DC"_s, u"B_C"_s}, u"x\\y"_s, {})),
+            u"(_ACDC, B C_)-(x\\y)-(1).mp3"_s);
+  EXPECT_EQ(changeSongFileNameOlderWay(u"/m/1 x.mp3"_s, tagged({u"ABBA"_s}, {}, {})), u"(_ABBA_)-(1 x).mp3"_s);
+}
+
+TEST(OlderName, QuotesOfAnAuthorStayUntilTheNameIsCleaned) {
+  const QString name = changeSongFileNameOlderWay(u"/m/1.mp3"_s, tagged({u"\"Weird\" Al"_s}, {}, u"a:b"_s));
+  EXPECT_EQ(name, u"(_\"Weird\" Al_)-(a:b).mp3"_s);
+  EXPECT_EQ(cleanedName(name), u"(__Weird_ Al_)-(a_b).mp3"_s);
+}
+
+TEST(OlderName, OutsideLatin1TheOwnNameIsTakenAndLosesItsUnderscores) {
+  EXPECT_EQ(changeSongFileNameOlderWay(u"/m/a_b.mp3"_s, tagged({u"東京"_s}, {}, u"x"_s)), u"a b.mp3"_s);
+  EXPECT_EQ(changeSongFileNameOlderWay(u"/m/own.mp3"_s, tagged({u"Björk"_s}, {}, u"Jóga"_s)),
+            u"(_Björk_)-(Jóga).mp3"_s);
 }
 
 TEST(NameLimit, NamesBelowItStay) {

@@ -26,6 +26,7 @@ protected:
 } // namespace
 
 TEST_F(TransferDriverTest, CarriesAPlaylistAndSaysSo) {
+  bench.files.put(u"/mainDict.xml"_s, "lists");
   bench.drop(u"@~Party@~"_s, {song(1), song(2)});
   EXPECT_EQ(bench.musicTree().size(), 2);
   EXPECT_EQ(bench.view.lastLog, u"The transfer has ended."_s);
@@ -42,6 +43,7 @@ TEST_F(TransferDriverTest, CarriesAPlaylistAndSaysSo) {
       (QStringList{u"setProgressBar 0"_s, u"setProgressBar 50"_s, u"setProgressBar 100"_s, u"setProgressBar 0"_s}));
   EXPECT_EQ(bench.view.icon, u"Connect"_s);
   EXPECT_EQ(bench.tags.reads(u"/m/A/B/1.mp3"_s), 1);
+  EXPECT_FALSE(bench.files.exists(u"/mainDict.xml"_s));
 }
 
 TEST_F(TransferDriverTest, TheWindowIsToldEveryStepInItsOrder) {
@@ -138,6 +140,9 @@ TEST_F(TransferDriverTest, RadioEntriesAreOnlyReported) {
   EXPECT_EQ(bench.view.lastLog, u"\" One\" was not transferred because it is a radio station.\n"
                                 "\"Two\" was not transferred because it is a radio station."_s);
   EXPECT_TRUE(bench.processes.requests.isEmpty());
+  EXPECT_EQ(bench.view.callsStartingWith(u"setProgressBar"_s),
+            (QStringList{u"setProgressBar 0"_s, u"setProgressBar 0"_s}))
+      << "the start and the ending";
 }
 
 TEST_F(TransferDriverTest, SizesAtTheBorder) {
@@ -156,6 +161,8 @@ TEST_F(TransferDriverTest, SizesAtTheBorder) {
                                 "\"e.WAV\" was not transferred: music files must be at least 128 KB in size.\n"
                                 "\"g.wav\" was not transferred: WAV files must be at least 5 MB in size.\n"
                                 "The transfer has ended."_s);
+  EXPECT_EQ(bench.view.callsStartingWith(u"windowFrontCentre"_s).size(), 4);
+  EXPECT_EQ(bench.view.callsStartingWith(u"setProgressBar"_s).size(), 9) << "the start, each file and the ending";
 }
 
 TEST_F(TransferDriverTest, RejectedItemsSayWhy) {
@@ -170,6 +177,7 @@ TEST_F(TransferDriverTest, RejectedItemsSayWhy) {
             u"\"l.M4A\" was not transferred because Auracore 5 cannot play Apple Lossless files.\n"
             "\"p.m4p\" was not transferred because it is a protected file.\n"
             "\"t.txt\" was not transferred because this kind of file or bookmark is not supported."_s);
+  EXPECT_EQ(bench.view.callsStartingWith(u"windowFrontCentre"_s).size(), 2);
 }
 
 TEST_F(TransferDriverTest, AMissingFileIsReportedAndTheRestGoesOn) {
@@ -191,6 +199,7 @@ TEST_F(TransferDriverTest, AFullDiskEndsTheTransferWithTheList) {
   bench.run();
   EXPECT_EQ(bench.view.lastLog, u"There is not enough free space on Auracore 5. These items were not transferred:\n"
                                 "1.mp3\n2.mp3\nX\n"_s);
+  EXPECT_TRUE(bench.view.calls.contains(u"windowFrontCentre"_s));
   EXPECT_TRUE(bench.view.calls.contains(u"setProgressBar 100"_s));
   EXPECT_EQ(bench.sentRecords.first().songTransferFlag, u"N"_s);
 }

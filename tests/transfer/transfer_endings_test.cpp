@@ -118,12 +118,14 @@ TEST_F(TransferEndingsTest, AMissingFileWithoutTheShareEndsWithTheList) {
   bench.deliver(u"Party"_s, {gone, song(2)});
   bench.files.erase(gone);
   bench.files.unmount(kMountPoint.toString());
+  bench.clock.onSleep = [this] { bench.view.tab = Tab::Connection; }; // looked at while the ending pauses
   bench.run();
   EXPECT_EQ(bench.view.lastLog, u"The connection to the product was lost. These items were not transferred:\n"
                                 "1.mp3\n2.mp3\n"_s);
   EXPECT_EQ(lastCalls(u"setDockIcon"_s, 2), (QStringList{u"setDockIcon Disconnect"_s, u"setDockIcon Disconnect"_s}));
   EXPECT_EQ(lastCalls(u"setProgressBar"_s, 2), (QStringList{u"setProgressBar 100"_s, u"setProgressBar 0"_s}));
   EXPECT_EQ(bench.view.tab, Tab::Transfer);
+  EXPECT_TRUE(bench.view.calls.contains(u"windowFrontCentre"_s));
 }
 
 TEST_F(TransferEndingsTest, AnExceptionWithTheShareThereGoesOnWithTheNextItem) {
@@ -153,6 +155,33 @@ TEST_F(TransferEndingsTest, AnExceptionWithoutTheShareEndsWithTheListAndNoProgre
   EXPECT_TRUE(bench.view.calls.contains(u"stopPulse"_s));
   EXPECT_EQ(bench.view.callsStartingWith(u"setDockIcon"_s),
             (QStringList{u"setDockIcon Transfer"_s, u"setDockIcon Disconnect"_s}));
+}
+
+// The failed copy is named; the share is no longer looked for.
+TEST_F(TransferEndingsTest, AShareThatIsLostDuringACancelIsNotTold) {
+  bench.processes.onRun = [this](const ToolRequest &) {
+    bench.board.isCancel = true;
+    bench.files.unmount(kMountPoint.toString());
+    return exited(1);
+  };
+  bench.drop(u"Party"_s, {song(1), song(2)});
+  EXPECT_EQ(bench.view.lastLog, u"\"1.mp3\" could not be transferred.The transfer was cancelled."_s);
+}
+
+// What cannot be carried at all is told even when nothing is carried any more.
+TEST_F(TransferEndingsTest, RadioEntriesAndMissingFilesAreToldBeforeACancelOrASleepCounts) {
+  const QString told = u"\" One\" was not transferred because it is a radio station.\n"
+                       "\"1.mp3\" was not transferred because the file could not be found."_s;
+  for (const bool sleeps : {false, true}) {
+    const QString gone = song(1);
+    bench.deliver(u"Party"_s, {u"@~Radio One"_s, gone, song(2)});
+    bench.files.erase(gone);
+    (sleeps ? bench.board.manualSleepWasConnected : bench.board.isCancel) = true;
+    bench.run();
+    EXPECT_EQ(bench.view.lastLog, sleeps ? told : told + u"The transfer was cancelled."_s);
+    EXPECT_TRUE(bench.processes.requests.isEmpty());
+  }
+  EXPECT_EQ(bench.board.fileIndex, 2);
 }
 
 TEST_F(TransferEndingsTest, SleepShowsAQuietWindowAndKeepsTheRecords) {
@@ -246,6 +275,27 @@ TEST_F(TransferEndingsTest, PicturesOfAPlaylistAreNamedBeforeTheClosingLine) {
             u"Pictures and videos of the dropped playlist were handled separately from the music.\n"
             "The transfer has ended."_s);
   EXPECT_FALSE(bench.board.takeVideoPresent());
+}
+
+TEST_F(TransferEndingsTest, PicturesOfACancelledPlaylistAreNotNamedByTheNextTransfer) {
+  bench.files.put(u"/m/p.jpg"_s, "x");
+  bench.deliver(u"N0PL@YL!ST"_s, {song(1), u"/m/p.jpg"_s});
+  bench.board.isCancel = true;
+  bench.run();
+  EXPECT_EQ(bench.view.lastLog, u"The transfer was cancelled."_s);
+  bench.drop(u"Party"_s, {song(2)});
+  EXPECT_EQ(bench.view.lastLog, u"The transfer has ended."_s);
+}
+
+TEST_F(TransferEndingsTest, PicturesAreNamedByTheFirstTransferThatPlacesSomething) {
+  bench.files.put(u"/m/p.jpg"_s, "x");
+  bench.processes.failAt(1, exited(1));
+  bench.drop(u"N0PL@YL!ST"_s, {u"/m/p.jpg"_s});
+  EXPECT_EQ(bench.view.lastLog, u"\"p.jpg\" could not be transferred."_s);
+  bench.drop(u"Party"_s, {song(2)});
+  EXPECT_EQ(bench.view.lastLog,
+            u"Pictures and videos of the dropped playlist were handled separately from the music.\n"
+            "The transfer has ended."_s);
 }
 
 TEST_F(TransferEndingsTest, AClearedQueueLeavesTheProgressANumber) {

@@ -49,6 +49,31 @@ TEST_F(TransferItemsTest, AnUnknownFormatIsLoggedAndKeepsItsName) {
   EXPECT_EQ(bench.desktop.lines.count(u"/m/A/B/odd_name.mp3... File has no metadata!"_s), 1);
 }
 
+// What a link leads to is carried, and counts when the track is dropped again.
+TEST_F(TransferItemsTest, ALinkedTrackIsCarriedOnce) {
+  const QString link = u"/m/ABBA/Gold/01.mp3"_s;
+  bench.song(u"/disk/waterloo.mp3"_s, waterloo());
+  bench.files.putLink(link, u"/disk/waterloo.mp3"_s);
+  bench.tags.set(link, waterloo());
+  for (int drop = 0; drop < 2; ++drop) {
+    bench.drop(u"Party"_s, {link});
+    EXPECT_EQ(bench.musicTree(), QStringList{u"ABBA/Gold/ABBA-Gold-Waterloo.mp3"_s});
+    EXPECT_EQ(bench.view.lastLog, u"The transfer has ended."_s);
+  }
+  EXPECT_EQ(bench.processes.programs(), QStringList{u"/bin/cp"_s});
+}
+
+// The disk is asked for the link alone: the copy finds out by itself.
+TEST_F(TransferItemsTest, ALinkedTrackThatDoesNotFitFailsByItself) {
+  const QString link = u"/m/ABBA/Gold/01.mp3"_s;
+  bench.song(u"/disk/waterloo.mp3"_s, waterloo());
+  bench.files.putLink(link, u"/disk/waterloo.mp3"_s);
+  bench.files.setFreeBytes(kMountPoint.toString(), 200'000 - 1);
+  bench.drop(u"Party"_s, {link});
+  EXPECT_EQ(bench.view.lastLog, u"\"01.mp3\" could not be transferred."_s);
+  EXPECT_TRUE(bench.musicTree().isEmpty());
+}
+
 TEST_F(TransferItemsTest, ALosslessTestWithoutTagsIsLogged) {
   bench.files.put(u"/m/A/B/x.m4a"_s, QByteArray(200'000, 'x'));
   bench.drop(u"Party"_s, {u"/m/A/B/x.m4a"_s});
@@ -91,18 +116,53 @@ TEST_F(TransferItemsTest, ATemporaryCopyThatCannotBeRemovedHoldsNothingUp) {
 }
 
 // The flat copy differs, is removed, and its copy fails: another identical copy still means that the track is there.
+struct FailedReplacement {
+  QString dropName;
+  QString path;
+  QString title;
+  QStringList places;
+};
+
 TEST_F(TransferItemsTest, AnIdenticalCopyUnderAnyOfTheNamesCounts) {
-  for (const QString &place :
+  const QString longTitle(190, u't');
+  const QString longName(226, u'x');
+  const QString shortened = u'(' + QString(218, u'x') + u").mp3"_s;
+  const QList<FailedReplacement> cases{
+      {u"Party"_s,
+       u"/m/ABBA/Gold/01.mp3"_s,
+       u"Waterloo"_s,
        {u"ABBA/Gold/ABBA-Gold-Waterloo.mp3"_s, u"ABBA/Gold/01.mp3"_s, u"ABBA/Gold/(01).mp3"_s, u"01.mp3"_s,
-        u"(01).mp3"_s, u"(_ABBA_)-(Gold)-(Waterloo).mp3"_s, u"ABBA/Gold/(_ABBA_)-(Gold)-(Waterloo).mp3"_s}) {
-    TransferWorkbench fresh;
-    const QString song = fresh.song(u"/m/ABBA/Gold/01.mp3"_s, waterloo());
-    fresh.files.put(kMusic + u"ABBA-Gold-Waterloo.mp3"_s, QByteArray(200'001, 'm'), 1000);
-    fresh.files.put(kMusic + place, QByteArray(200'000, 'm'), 1000);
-    fresh.processes.onRun = [](const ToolRequest &) { return exited(1); };
-    fresh.drop(u"Party"_s, {song});
-    EXPECT_EQ(fresh.view.lastLog, u"The transfer has ended."_s) << place.toStdString();
-    EXPECT_EQ(fresh.sent.last(), u"collections"_s);
+        u"(01).mp3"_s, u"(_ABBA_)-(Gold)-(Waterloo).mp3"_s, u"ABBA/Gold/(_ABBA_)-(Gold)-(Waterloo).mp3"_s}},
+      // no track of a playlist: the album's folder alone
+      {u"Finder"_s,
+       u"/m/ABBA/Gold/01.mp3"_s,
+       u"Waterloo"_s,
+       {u"Gold/ABBA-Gold-Waterloo.mp3"_s, u"Gold/01.mp3"_s, u"Gold/(01).mp3"_s,
+        u"Gold/(_ABBA_)-(Gold)-(Waterloo).mp3"_s}},
+      // the artist's folder does not fit before these names
+      {u"Party"_s,
+       u"/m/ABBA, live and again/Gold/01.mp3"_s,
+       longTitle,
+       {u"Gold/ABBA-Gold-"_s + longTitle + u".mp3"_s, u"Gold/01.mp3"_s, u"Gold/(01).mp3"_s,
+        u"Gold/(_ABBA_)-(Gold)-("_s + longTitle + u").mp3"_s}},
+      {u"Party"_s,
+       u"/m/ABBA/Gold/"_s + longName + u".mp3"_s,
+       u"Waterloo"_s,
+       {u"ABBA/Gold/"_s + shortened, shortened}},
+  };
+  for (const FailedReplacement &one : cases) {
+    for (const QString &place : one.places) {
+      TransferWorkbench fresh;
+      TrackTags tags = waterloo();
+      tags.title = one.title;
+      const QString song = fresh.song(one.path, tags);
+      fresh.files.put(kMusic + u"ABBA-Gold-"_s + one.title + u".mp3"_s, QByteArray(200'001, 'm'), 1000);
+      fresh.files.put(kMusic + place, QByteArray(200'000, 'm'), 1000);
+      fresh.processes.onRun = [](const ToolRequest &) { return exited(1); };
+      fresh.drop(one.dropName, {song});
+      EXPECT_EQ(fresh.view.lastLog, u"The transfer has ended."_s) << place.toStdString();
+      EXPECT_EQ(fresh.sent.last(), u"collections"_s);
+    }
   }
 }
 
@@ -113,6 +173,21 @@ TEST_F(TransferItemsTest, ADifferentFileUnderAnyOfTheNamesDoesNotCount) {
   bench.processes.onRun = [](const ToolRequest &) { return exited(1); };
   bench.drop(u"Party"_s, {song});
   EXPECT_EQ(bench.view.lastLog, u"\"01.mp3\" could not be transferred."_s);
+}
+
+// Two tracks of equal tags share one place; when the second one takes it and does not arrive, neither is there.
+TEST_F(TransferItemsTest, ATrackWhoseFileWentForAnotherIsNotOnTheShare) {
+  const QString first = bench.song(u"/m/A/B/01.mp3"_s, waterloo());
+  const QString second = bench.song(u"/m/A/B/02.mp3"_s, waterloo(), 200'001);
+  const QString third = bench.song(u"/m/A/B/03.mp3"_s, {});
+  bench.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
+    return request.arguments.value(1) == second ? std::optional(exited(1)) : std::nullopt;
+  };
+  bench.drop(u"Party"_s, {third, first, second});
+  EXPECT_EQ(bench.musicTree(), QStringList{u"A/B/(03).mp3"_s});
+  EXPECT_EQ(bench.sentRecords[0].songTransferFlag, u"Y"_s);
+  EXPECT_EQ(bench.sentRecords[1].songTransferFlag, u"N"_s);
+  EXPECT_EQ(bench.sentRecords[2].songTransferFlag, u"N"_s);
 }
 
 } // namespace sonorel::test

@@ -69,6 +69,21 @@ TEST_F(TransferTest, NothingIsRemovedWhenTheReplacementCannotFollow) {
   EXPECT_TRUE(bench.processes.requests.isEmpty());
 }
 
+TEST_F(TransferTest, WhatCannotBeRemovedIsCopiedOver) {
+  const QString target = kMusic + u"ABBA/Gold/ABBA-Gold-Waterloo.mp3"_s;
+  bench.files.put(target, "older", 900);
+  bench.board.replaceRecords(false, {{u"P"_s, source, {}, {}, u"N"_s}});
+  bench.files.beforeOperation = [&](int) {
+    if (bench.files.log().constLast() == u"sameFile "_s + source) {
+      bench.files.failAt(2, FailureKind::Other); // behind the last look at the target
+    }
+  };
+  EXPECT_TRUE(place(source));
+  EXPECT_TRUE(bench.desktop.logged(target + u" could not be removed: the operation failed: "_s + target));
+  EXPECT_EQ(bench.files.bytes(target).size(), 200'000);
+  EXPECT_EQ(bench.board.records(false).first().songTransferFlag, u"Y"_s);
+}
+
 TEST_F(TransferTest, AnInterruptedReplacementIsFinishedWhenThatIsSoonDone) {
   const QString target = kMusic + u"ABBA/Gold/ABBA-Gold-Waterloo.mp3"_s;
   for (const bool inThePause : {true, false}) {
