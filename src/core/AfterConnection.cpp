@@ -58,6 +58,7 @@ void AfterConnection::storeCredentials(const QString &address) {
 }
 
 void AfterConnection::readDeviceName() {
+  m_session.setConnectedAddress(m_session.IPAddressString());
   const QString name = m_deviceName.getDeviceName();
   m_session.setDeviceName(name);
   m_interface.setDeviceName(name);

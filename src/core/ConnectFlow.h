@@ -79,12 +79,13 @@ public:
   // The share may be mounted although its product does not answer: it would be served again when the product is back,
   // by a program that outlives this one.
   void leaveLostShare();
+  // Tells the user that a transfer keeps the product connected.
+  void refuseDisconnect();
 
 private:
   void connect();
   void showFailure();
   void disconnectAndShow(bool resetWindow);
-  void refuseDisconnect();
   void removeMainDictionary();
 
   ConnectionTools m_tools;

@@ -89,6 +89,8 @@ ProductSelection::Hooks ShareRoles::selectionHooks() {
   hooks.isConnected = [this] { return connectFlow.isConnected(); };
   hooks.onConnect = [this] { connect(); };
   hooks.onDisconnect = [this] { connectFlow.onDisconnect(); };
+  hooks.workerRuns = [this] { return driver.isAtWork(); };
+  hooks.refuseDisconnect = [this] { connectFlow.refuseDisconnect(); };
   hooks.showPasswordPanel = [this](bool shown) { roles.interface.showPasswordPanel(shown); };
   hooks.isPasswordPanelOpen = [this] { return roles.interface.state().passwordWanted; };
   return hooks;

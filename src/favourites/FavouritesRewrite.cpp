@@ -31,7 +31,7 @@ FavouritesRewrite::FavouritesRewrite(RewriteTools tools, ShareFolders folders, Q
 
 QString productKey(const Session &session) {
   const QString hardware = session.hardwareAddress();
-  const QString key = hardware.isEmpty() ? session.IPAddressString() : hardware;
+  const QString key = hardware.isEmpty() ? session.connectedAddress() : hardware;
   // "_" in front keeps "", "." and ".." from meaning something else.
   return u'_' + cleanedName(key.toLower()).left(kLongestKey);
 }

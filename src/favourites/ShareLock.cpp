@@ -46,9 +46,6 @@ bool ShareLock::tryCreate() {
     if (failure.kind() == FailureKind::Exists) {
       return false;
     }
-    if (failure.kind() == FailureKind::DiskFull) {
-      m_tools.files.removeFile(m_path); // made, but empty: it would keep everybody out for a minute
-    }
     throw;
   }
 }

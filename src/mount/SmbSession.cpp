@@ -1,5 +1,6 @@
 #include "mount/SmbSession.h"
 
+#include "mount/SambaSettings.h"
 #include "mount/SharePath.h"
 #include "mount/Sockets.h"
 
@@ -104,8 +105,9 @@ SMBCCTX *SmbSession::openContext() {
   if (::smbc_init_context(raw) == nullptr) {
     return nullptr;
   }
-  // Nothing of this machine's own settings: they might allow passwords in clear, or refuse old products.
-  ::smbc_setConfiguration(raw, "/dev/null");
+  if (!useOwnSambaSettings(raw)) {
+    return nullptr;
+  }
   ::smbc_setOptionProtocols(raw, "NT1", "SMB3");
   ::smbc_setTimeout(raw, static_cast<int>(std::chrono::milliseconds(kRequestTimeOut).count()));
   m_context = std::move(context);

@@ -22,13 +22,18 @@ void ProductSelection::onProductSelection(const ProductRow &row) {
   }
   if (m_hooks.isConnected()) {
     // The mark alone does not tell: it stays on a product whose connection was refused.
-    if (marked->wasActive && connectionAddress(marked->record) == m_session.IPAddressString()) {
+    if (marked->wasActive && connectionAddress(marked->record) == m_session.connectedAddress()) {
       return;
     }
     m_hooks.onDisconnect();
     if (m_hooks.isConnected()) {
       return;
     }
+  } else if (m_hooks.workerRuns()) {
+    // The share is silent or was lost just now: the worker ends with the product that it began with.
+    m_strings.reload();
+    m_hooks.refuseDisconnect();
+    return;
   }
   m_session.setIPAddressString(connectionAddress(marked->record));
   m_session.setPasswordString(marked->password);

@@ -18,6 +18,8 @@ public:
     std::function<bool()> isConnected; // a fresh look
     std::function<void()> onConnect;
     std::function<void()> onDisconnect;
+    std::function<bool()> workerRuns;            // a transfer's thread is at work
+    std::function<void()> refuseDisconnect;      // tells the user
     std::function<void(bool)> showPasswordPanel; // opened with an empty field, or closed
     std::function<bool()> isPasswordPanelOpen;
   };

@@ -28,6 +28,41 @@ protected:
     fakes.serviceBrowser.answer(service);
     fakes.loop.runPosted();
   }
+  // Connected to a product by its address, with another one, without a password, below it in the list.
+  void startConnectedWithAnother() {
+    const QVariantMap byHand{{u"Detection Type"_s, u"1"_s}};
+    QVariantMap first = byHand;
+    first.insert({{u"IP Address"_s, u"192.168.1.20"_s},
+                  {u"Is Selected"_s, u"Yes"_s},
+                  {u"Password"_s, fakes.propertyLists.archive(u"p@ss"_s)}});
+    QVariantMap second = byHand;
+    second.insert({{u"IP Address"_s, u"192.168.1.30"_s}, {u"Is Selected"_s, u"No"_s}});
+    fakes.putDictionary(fakes.paths.productsDetailsDictFilePath,
+                        {{u"Selected Devices"_s, QVariantList{first, second}}});
+    start();
+    ASSERT_TRUE(state().connected);
+  }
+  void select(int row) {
+    controller->selectProduct(row, state().selectedProducts.at(row));
+    fakes.loop.runPosted();
+  }
+  // The products that were mounted, by their addresses.
+  QStringList mounted() const {
+    QStringList addresses;
+    for (const ToolRequest &request : fakes.processes.requests) {
+      if (request.program == u"/sbin/mount"_s) {
+        addresses.append(request.arguments.at(2).section(u'@', 1).section(u'/', 0, 0));
+      }
+    }
+    return addresses;
+  }
+  QStringList questions() const {
+    QStringList open;
+    for (const Question &question : fakes.userInterface.questions) {
+      open.append(question.message + u'|' + question.informativeText);
+    }
+    return open;
+  }
   QVariantMap list() { return fakes.dictionary(fakes.paths.productsDetailsDictFilePath); }
   UserInterfaceState state() { return fakes.userInterface.last(); }
 };
@@ -156,4 +191,55 @@ TEST_F(ControllerProductsTest, SaysNothingOfWaitingWhenNothingWasWoken) {
   };
   start();
   EXPECT_EQ(shown, QString());
+}
+
+TEST_F(ControllerProductsTest, ProductChosenWhileTheShareWasSilentIsNotTakenForTheConnectedOne) {
+  startConnectedWithAnother();
+  fakes.files.setUnknown(kPoint, true);
+  select(1);
+  ASSERT_TRUE(state().passwordWanted);
+  controller->cancelPassword();
+  fakes.files.setUnknown(kPoint, false);
+  fakes.loop.runPosted();
+  select(1);
+  EXPECT_TRUE(state().passwordWanted) << "it was only chosen: the first one is still the one connected to";
+  controller->enterPassword(u"secret"_s);
+  fakes.loop.runPosted();
+  EXPECT_EQ(mounted(), QStringList({u"192.168.1.20"_s, u"192.168.1.30"_s}));
+}
+
+TEST_F(ControllerProductsTest, ChoiceDuringATransferIsRefusedAlsoWhileTheShareIsSilentOrLost) {
+  startConnectedWithAnother();
+  deliver(u"Party"_s, {song(u"One"_s)});
+  fakes.files.setUnknown(kPoint, true);
+  select(1);
+  const auto refusal =
+      u"Auracore 5 cannot be disconnected now.|A transfer is running. Wait until it has finished, or "
+      u"cancel it, and then disconnect."_s;
+  EXPECT_EQ(questions(), QStringList({refusal}));
+  EXPECT_FALSE(state().passwordWanted);
+  fakes.files.unmount(kPoint);
+  select(1);
+  EXPECT_EQ(questions(), QStringList({refusal, refusal}));
+  EXPECT_FALSE(state().passwordWanted);
+  carry();
+  controller->connect();
+  fakes.loop.runPosted();
+  EXPECT_EQ(mounted(), QStringList({u"192.168.1.20"_s, u"192.168.1.20"_s})) << "what was to be connected to stays";
+}
+
+TEST_F(ControllerProductsTest, FavouritesAreKeptForTheProductConnectedNotForTheOneChosen) {
+  const QString addressFile = kSystemFolder + u"MacIPAdress.orv"_s;
+  fakes.files.mount(kPoint);
+  fakes.files.erase(addressFile);
+  fakes.files.unmount(kPoint);
+  startConnectedWithAnother();
+  fakes.files.setUnknown(kPoint, true);
+  select(1);
+  controller->cancelPassword();
+  fakes.files.setUnknown(kPoint, false);
+  deliver(u"Party"_s, {song(u"One"_s)});
+  carry();
+  EXPECT_TRUE(fakes.files.exists(u"/Users/anna/Backup/_192.168.1.20"_s));
+  EXPECT_FALSE(fakes.files.exists(u"/Users/anna/Backup/_192.168.1.30"_s));
 }

@@ -264,9 +264,10 @@ TEST_F(Rewrite, NothingIsRecoveredOntoAShareThatIsNotThere) {
 TEST_F(Rewrite, EachProductHasItsOwnBackup) {
   EXPECT_EQ(client->rewrite.backupFolderOfProduct(), u"/Client/Backup/_00-11-22-33-44-55"_s);
   client->session.setHardwareAddress(QString());
-  client->session.setIPAddressString(u"192.168.1.7"_s);
+  client->session.setConnectedAddress(u"192.168.1.7"_s);
+  client->session.setIPAddressString(u"192.168.1.8"_s); // chosen, not connected yet
   EXPECT_EQ(client->rewrite.backupFolderOfProduct(), u"/Client/Backup/_192.168.1.7"_s);
-  client->session.setIPAddressString(u"../../etc:x"_s);
+  client->session.setConnectedAddress(u"../../etc:x"_s);
   EXPECT_EQ(client->rewrite.backupFolderOfProduct(), u"/Client/Backup/_.._.._etc_x"_s);
 }
 

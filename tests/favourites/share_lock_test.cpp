@@ -118,7 +118,12 @@ TEST_F(Lock, ALockThatSomebodyTookOverIsNoLongerHeldAndNotRemoved) {
 
 TEST_F(Lock, AFullDiskLeavesNoEmptyLockBehind) {
   files.setFreeBytes(u"/Volumes/VB-SHARE$"_s, 3);
-  EXPECT_THROW(ShareLock(tools(), kServerLock, kOwn, {}), Failure);
+  try {
+    const ShareLock lock(tools(), kServerLock, kOwn, {});
+    ADD_FAILURE() << "locked without a mark";
+  } catch (const Failure &failure) {
+    EXPECT_EQ(failure.kind(), FailureKind::DiskFull) << failure.reason().toStdString();
+  }
   EXPECT_FALSE(files.exists(kServerLock));
 }
 

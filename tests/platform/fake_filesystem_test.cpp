@@ -85,6 +85,8 @@ TEST_F(FakeFileSystemTest, FullDiskLeavesAPartInPlaceAndNothingBeside) {
   EXPECT_EQ(files.volume(kShare)->freeBytes, 4U);
   EXPECT_EQ(kindOf([&] { files.writeAtomically(kShare + u"/old"_s, "abcdefgh"); }), FailureKind::DiskFull);
   EXPECT_EQ(files.tree(kShare), (QMap<QString, QByteArray>{{u"old"_s, "123456"}}));
+  EXPECT_EQ(kindOf([&] { files.createExclusively(kShare + u"/new"_s, "abcdefgh"); }), FailureKind::DiskFull);
+  EXPECT_EQ(files.tree(kShare), (QMap<QString, QByteArray>{{u"old"_s, "123456"}}));
   EXPECT_EQ(kindOf([&] { files.write(kShare + u"/new"_s, "abcdefgh"); }), FailureKind::DiskFull);
   EXPECT_EQ(files.tree(kShare), (QMap<QString, QByteArray>{{u"new"_s, "abcd"}, {u"old"_s, "123456"}}));
   files.removeFile(kShare + u"/new"_s);

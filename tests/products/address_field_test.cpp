@@ -14,11 +14,13 @@ TEST(AddressFieldTest, AddressPassesUnchanged) {
 
 TEST(AddressFieldTest, SixteenthCharacterIsDeleted) {
   EXPECT_EQ(controlTextDidChange(u"192.168.100.2001"_s), u"192.168.100.200"_s);
+  EXPECT_EQ(controlTextDidChange(u"12345678901234567"_s), u"1234567890123456"_s) << "one at a time";
 }
 
 TEST(AddressFieldTest, FourthFullStopIsUndone) {
   EXPECT_EQ(controlTextDidChange(u"10.0.0.1."_s), u"10.0.0.1"_s);
   EXPECT_EQ(controlTextDidChange(u"10.0.0."_s), u"10.0.0."_s);
+  EXPECT_EQ(controlTextDidChange(u"1.2.3.4.5"_s), u"1.2.3.4.5"_s) << "it does not end with the full stop";
 }
 
 TEST(AddressFieldTest, EachRuleDeletesOneCharacter) {

@@ -148,6 +148,19 @@ TEST_F(BonjourDiscoveryTest, SelectedRecordWithoutPlaceOrSerialNumberStays) {
   EXPECT_EQ(selected(), QVariantList({noSerial, noPlace}));
 }
 
+TEST_F(BonjourDiscoveryTest, OnlyTheFirstWholeRecordOfTheSelectedIsRenewed) {
+  const auto noSerial = detected(u"Old"_s, u"00-1A-2B-3C-4D-5E"_s);
+  const auto whole = passive(detected(u"Old"_s, u"00-1A-2B-3C-4D-5E"_s, u"S1"_s));
+  const auto wholeToo = active(detected(u"Older"_s, u"00-1A-2B-3C-4D-5E"_s, u"S1"_s));
+  put(u"Selected Devices"_s, {noSerial, whole, wholeToo});
+  announce(published(kDen, u"10.0.0.7"_s, texts("S1")));
+  ASSERT_EQ(selected().size(), 3);
+  EXPECT_EQ(selected().at(0), noSerial);
+  EXPECT_EQ(selected().at(1).toMap().value(u"IP Address"_s), u"10.0.0.7"_s);
+  EXPECT_EQ(selected().at(1).toMap().value(u"Is Selected"_s), u"No"_s);
+  EXPECT_EQ(selected().at(2), wholeToo);
+}
+
 TEST_F(BonjourDiscoveryTest, RemovedProductLeavesByItsAddressElseByItsSerialNumber) {
   announce(published(kDen, u"10.0.0.7"_s, texts("S1")));
   announce(published(u"attic [2]"_s, u"10.0.0.8"_s, texts("S2")));
@@ -158,6 +171,25 @@ TEST_F(BonjourDiscoveryTest, RemovedProductLeavesByItsAddressElseByItsSerialNumb
   browser.vanish(named(u"attic [2]"_s));
   EXPECT_TRUE(detectedDevices().isEmpty()) << "the serial number is that of the last text record";
   EXPECT_TRUE(tables.detected.isEmpty());
+}
+
+TEST_F(BonjourDiscoveryTest, RemovalTakesTheFirstOfTheAddressBeforeAnyOfTheSerialNumber) {
+  announce(published(kDen, u"10.0.0.7"_s, texts("S1")));
+  const auto sameSerial = detected(u"A"_s, u"other"_s, u"S1"_s);
+  const auto sameAddress = detected(u"B"_s, u"00-1A-2B-3C-4D-5E"_s, u"S9"_s);
+  const auto sameAddressToo = detected(u"C"_s, u"00-1A-2B-3C-4D-5E"_s, u"S8"_s);
+  put(u"Detected Devices"_s, {sameSerial, sameAddress, sameAddressToo});
+  browser.vanish(named(kDen));
+  EXPECT_EQ(detectedDevices(), QVariantList({sameSerial, sameAddressToo}));
+}
+
+TEST_F(BonjourDiscoveryTest, RemovalBySerialNumberTakesTheFirst) {
+  announce(published(kDen, u"10.0.0.7"_s, texts("S1")));
+  const auto first = detected(u"A"_s, u"other"_s, u"S1"_s);
+  const auto second = detected(u"B"_s, u"another"_s, u"S1"_s);
+  put(u"Detected Devices"_s, {first, second});
+  browser.vanish(named(kDen));
+  EXPECT_EQ(detectedDevices(), QVariantList{second});
 }
 
 TEST_F(BonjourDiscoveryTest, RemovalWithoutAFileWritesNone) {

@@ -56,6 +56,16 @@ TEST_F(ProductListConnectionTest, RefreshesTheActiveRecordAndRemembersTheConnect
   EXPECT_EQ(files.mode(path), 0600U);
 }
 
+TEST_F(ProductListConnectionTest, NewConnectionIsRememberedBehindTheEarlierOnes) {
+  const auto other = with(byHand(u"10.0.0.1"_s), u"Password"_s, encrypt(lists, u"other"_s));
+  const auto otherType = with(other, u"Detection Type"_s, u"0"_s);
+  const auto sameAddress = with(otherType, u"IP Address"_s, u"10.0.0.2"_s);
+  put({{u"Selected Devices"_s, QVariantList{active(byHand(u"10.0.0.2"_s))}},
+       {u"Earlier Connected Devices"_s, QVariantList{other, otherType, sameAddress}}});
+  products.updateProductInfoInProductsLists(u"10.0.0.2"_s);
+  EXPECT_EQ(earlier(), QVariantList({other, otherType, sameAddress, updated(byHand(u"10.0.0.2"_s))}));
+}
+
 TEST_F(ProductListConnectionTest, SameAddressAndTypeIsUpdatedNotDuplicated) {
   put({{u"Selected Devices"_s, QVariantList{active(byHand(u"10.0.0.2"_s))}},
        {u"Earlier Connected Devices"_s, QVariantList{with(byHand(u"10.0.0.2"_s), u"Detection Type"_s, u"0"_s),

@@ -21,6 +21,7 @@ protected:
   ProductRecord second;
   bool connected = false;
   bool disconnectWorks = true;
+  bool workerRuns = false;
   bool panelOpen = false;
   QStringList did;
   ProductSelection selection{products,
@@ -31,12 +32,14 @@ protected:
                               [this] {
                                 did.append(
                                     u"connect %1 %2"_s.arg(session.IPAddressString(), session.PasswordString()));
+                                session.setConnectedAddress(session.IPAddressString());
                                 connected = true;
                               },
                               [this] {
                                 did.append(u"disconnect"_s);
                                 connected = connected && !disconnectWorks;
                               },
+                              [this] { return workerRuns; }, [this] { did.append(u"refuse"_s); },
                               [this](bool shownNow) {
                                 did.append(shownNow ? u"panel"_s : u"no panel"_s);
                                 panelOpen = shownNow;
@@ -56,7 +59,7 @@ TEST_F(ProductSelectionTest, ConnectsToTheChosenProduct) {
 TEST_F(ProductSelectionTest, DisconnectsFromTheOtherFirst) {
   putActiveAndOther();
   connected = true;
-  session.setIPAddressString(u"10.0.0.1"_s);
+  session.setConnectedAddress(u"10.0.0.1"_s);
   selection.onProductSelection({1, {}});
   EXPECT_EQ(did, QStringList({u"disconnect"_s, u"connect 10.0.0.2 two"_s}));
 }
@@ -64,15 +67,36 @@ TEST_F(ProductSelectionTest, DisconnectsFromTheOtherFirst) {
 TEST_F(ProductSelectionTest, ProductThatIsConnectedAlreadyIsLeftConnected) {
   putActiveAndOther();
   connected = true;
-  session.setIPAddressString(u"10.0.0.1"_s);
+  session.setConnectedAddress(u"10.0.0.1"_s);
   selection.onProductSelection({0, {}});
   EXPECT_EQ(did, QStringList());
+}
+
+TEST_F(ProductSelectionTest, ProductThatWasOnlyChosenIsConnectedTo) {
+  putActiveAndOther();
+  connected = true;
+  session.setConnectedAddress(u"10.0.0.2"_s);
+  session.setIPAddressString(u"10.0.0.1"_s); // chosen while the other one did not answer
+  selection.onProductSelection({0, {}});
+  EXPECT_EQ(did, QStringList({u"disconnect"_s, u"connect 10.0.0.1 one"_s}));
+}
+
+TEST_F(ProductSelectionTest, ChoiceIsRefusedWhileTheWorkerIsAtWorkOnAShareThatIsSilent) {
+  putActiveAndOther();
+  workerRuns = true;
+  session.setIPAddressString(u"10.0.0.1"_s);
+  session.setPasswordString(u"one"_s);
+  selection.onProductSelection({1, {}});
+  EXPECT_EQ(did, QStringList({u"refuse"_s}));
+  EXPECT_EQ(session.IPAddressString(), u"10.0.0.1"_s);
+  EXPECT_EQ(session.PasswordString(), u"one"_s);
 }
 
 TEST_F(ProductSelectionTest, RefusedDisconnectStopsAndTheNextChoiceTriesAgain) {
   putActiveAndOther();
   connected = true;
   disconnectWorks = false;
+  session.setConnectedAddress(u"10.0.0.1"_s);
   session.setIPAddressString(u"10.0.0.1"_s);
   selection.onProductSelection({1, {}});
   EXPECT_EQ(did, QStringList({u"disconnect"_s}));

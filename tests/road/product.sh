@@ -9,11 +9,12 @@ fi
 export LC_ALL=C.UTF-8 LANGUAGE=
 standin=$(cd "$(dirname "${BASH_SOURCE[0]}")/../product" && pwd)/standin
 skip_road() {
-  [ "$(id -u)" -ne 0 ] || [ ! -e /dev/fuse ] || fail "$1"
+  ! "$(dirname "$standin")/../lacks-nothing" || fail "$1"
   printf '%s: Skipped\n%s\n' "$0" "$1"
   exit 77
 }
 missing=$("$standin" possible) || skip_road "$missing"
+[ "$(id -u)" -ne 0 ] || unshare --mount true 2>/dev/null || skip_road "no namespaces for this user"
 
 point=$XDG_RUNTIME_DIR/sonorel/Volumes/VB-SHARE\$
 share=$root/product/share

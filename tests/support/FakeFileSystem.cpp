@@ -125,9 +125,16 @@ void FakeFileSystem::createExclusively(const QString &path, const QByteArray &by
     fail(FailureKind::Exists, path);
   }
   make(real, FileKind::File, 0644);
-  step("write", path);
-  requireWritable(real);
-  fill(real, existingFile(real), bytes);
+  try {
+    step("write", path);
+    requireWritable(real);
+    fill(real, existingFile(real), bytes);
+  } catch (const Failure &e) {
+    if (e.kind() != FailureKind::Unknown) {
+      drop(real);
+    }
+    throw;
+  }
 }
 
 void FakeFileSystem::sync(const QString &path) {

@@ -190,7 +190,7 @@ Client::Client(World &in)
   m_strings.setLanguageFile(u"StringsEnglish"_s);
   m_session.setDeviceName(world.product);
   m_session.setUUID(u"{00000000-0000-0000-0000-0000000000AA}"_s);
-  m_session.setIPAddressString(u"10.0.0.5"_s);
+  m_session.setConnectedAddress(u"10.0.0.5"_s);
   m_intake.setReady();
 }
 

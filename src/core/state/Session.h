@@ -24,6 +24,9 @@ public:
   void setIPAddressString(const QString &address) { set(m_IPAddressString, address); }
   [[nodiscard]] QString PasswordString() const { return get(m_PasswordString); }
   void setPasswordString(const QString &password) { set(m_PasswordString, password); }
+  // Outlasts a choice of another product: only a new connection changes it.
+  [[nodiscard]] QString connectedAddress() const { return get(m_connectedAddress); }
+  void setConnectedAddress(const QString &address) { set(m_connectedAddress, address); }
   // The hardware address read from this share during this connection; empty when none was valid.
   [[nodiscard]] QString hardwareAddress() const { return get(m_hardwareAddress); }
   void setHardwareAddress(const QString &address) { set(m_hardwareAddress, address); }
@@ -44,6 +47,7 @@ private:
   QString m_UUID;
   QString m_IPAddressString;
   QString m_PasswordString;
+  QString m_connectedAddress;
   QString m_hardwareAddress;
 };
 

@@ -66,6 +66,17 @@ TEST_F(Mounting, EndsWhenTheShareAnswers) {
   EXPECT_EQ(programs().size(), 1U);
 }
 
+// As every product is addressed. The namespace of this program is a machine of its own, where the port is free.
+TEST_F(Mounting, UsesTheUsualPortWithoutOneInTheUrl) {
+  if (::geteuid() != 0) {
+    GTEST_SKIP() << "only root can make a product on the usual port";
+  }
+  const StandIn usual(folder() / "usual", {"--port", "445", "--name", "Usual 1"});
+  const Ended result = mount("//vaultbox:p%40ss%3B100%25:x@127.0.0.1/VB-SHARE$");
+  ASSERT_EQ(result.status, 0) << result.output;
+  EXPECT_EQ(bytes(point() / "System/OrvProductName.orv"), "Usual 1\n5.03.00.2387\n");
+}
+
 TEST_F(Mounting, KeepsNothingOpenThatItWasStartedWith) {
   put(folder() / "file", "x");
   const Ended result = run({"/bin/sh", "-c", R"(exec 9<"$0"; exec "$@")", (folder() / "file").string(),

@@ -38,6 +38,10 @@ private:
 
 } // namespace
 
+TEST(AvahiServiceBrowserOptions, ServiceHasFiveSecondsToBeResolved) {
+  EXPECT_EQ(AvahiServiceBrowser::Options{}.patience, 5s);
+}
+
 TEST_F(AvahiServiceBrowserTest, ServiceOnManyInterfacesIsAddedOnceAndRemovedWithTheLast) {
   bench.network.interfaces.insert(kDen, {1, 2, 3});
   findDen();
