@@ -20,28 +20,29 @@ protected:
   ProductRecord first;
   ProductRecord second;
   bool connected = false;
+  bool workerRuns = false;
   bool disconnectWorks = true;
   bool panelOpen = false;
   QStringList did;
-  ProductSelection selection{products,
-                             session,
-                             strings,
-                             view,
-                             {[this] { return connected; },
-                              [this] {
-                                did.append(
-                                    u"connect %1 %2"_s.arg(session.IPAddressString(), session.PasswordString()));
-                                connected = true;
-                              },
-                              [this] {
-                                did.append(u"disconnect"_s);
-                                connected = connected && !disconnectWorks;
-                              },
-                              [this](bool shownNow) {
-                                did.append(shownNow ? u"panel"_s : u"no panel"_s);
-                                panelOpen = shownNow;
-                              },
-                              [this] { return panelOpen; }}};
+  ProductSelection selection{
+      products,
+      session,
+      strings,
+      view,
+      {[this] { return connected; }, [this] { return workerRuns; },
+       [this] {
+         did.append(u"connect %1 %2"_s.arg(session.IPAddressString(), session.PasswordString()));
+         connected = true;
+       },
+       [this] {
+         did.append(u"disconnect"_s);
+         connected = connected && !disconnectWorks;
+       },
+       [this](bool shownNow) {
+         did.append(shownNow ? u"panel"_s : u"no panel"_s);
+         panelOpen = shownNow;
+       },
+       [this] { return panelOpen; }}};
 };
 
 } // namespace
@@ -67,6 +68,18 @@ TEST_F(ProductSelectionTest, ProductThatIsConnectedAlreadyIsLeftConnected) {
   session.setIPAddressString(u"10.0.0.1"_s);
   selection.onProductSelection({0, {}});
   EXPECT_EQ(did, QStringList());
+}
+
+TEST_F(ProductSelectionTest, IsRefusedWhileATransferRunsAlsoWhenItsShareDoesNotAnswer) {
+  putActiveAndOther();
+  session.setIPAddressString(u"10.0.0.1"_s);
+  session.setPasswordString(u"one"_s);
+  workerRuns = true;
+  selection.onProductSelection({1, u"10.0.0.2 * "_s});
+  EXPECT_EQ(did, QStringList());
+  EXPECT_EQ(view.calls.filter(u"alert"_s).size(), 1);
+  EXPECT_EQ(session.IPAddressString(), u"10.0.0.1"_s);
+  EXPECT_EQ(session.PasswordString(), u"one"_s);
 }
 
 TEST_F(ProductSelectionTest, RefusedDisconnectStopsAndTheNextChoiceTriesAgain) {
