@@ -87,6 +87,7 @@ ConnectionTools ShareRoles::makeConnectionTools() {
 ProductSelection::Hooks ShareRoles::selectionHooks() {
   ProductSelection::Hooks hooks;
   hooks.isConnected = [this] { return connectFlow.isConnected(); };
+  hooks.workerRuns = [this] { return driver.isAtWork(); };
   hooks.onConnect = [this] { connect(); };
   hooks.onDisconnect = [this] { connectFlow.onDisconnect(); };
   hooks.showPasswordPanel = [this](bool shown) { roles.interface.showPasswordPanel(shown); };

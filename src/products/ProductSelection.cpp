@@ -30,6 +30,11 @@ void ProductSelection::onProductSelection(const ProductRow &row) {
       return;
     }
   }
+  if (m_hooks.workerRuns()) {
+    // Its share does not answer, or is gone. What it hands in is kept for the product that stands in the session.
+    refuseDisconnect();
+    return;
+  }
   m_session.setIPAddressString(connectionAddress(marked->record));
   m_session.setPasswordString(marked->password);
   if (marked->password.isEmpty()) {
@@ -37,6 +42,12 @@ void ProductSelection::onProductSelection(const ProductRow &row) {
   } else {
     m_hooks.onConnect();
   }
+}
+
+void ProductSelection::refuseDisconnect() {
+  m_strings.reload();
+  m_view.alert(withProductName(m_strings.text(u"ErrorDisconnect1"_s), m_session.deviceName()),
+               m_strings.text(u"ErrorDisconnect2"_s));
 }
 
 void ProductSelection::OkEnterPasswordPanel(const QString &password) {

@@ -16,6 +16,7 @@ public:
   // What the connect flow and the window do.
   struct Hooks {
     std::function<bool()> isConnected; // a fresh look
+    std::function<bool()> workerRuns;  // the transfer's thread is at work
     std::function<void()> onConnect;
     std::function<void()> onDisconnect;
     std::function<void(bool)> showPasswordPanel; // opened with an empty field, or closed
@@ -36,6 +37,7 @@ public:
 private:
   // The active product only while nothing is connected.
   [[nodiscard]] ProductList::Active mayGo() const;
+  void refuseDisconnect();
   [[nodiscard]] bool endsConnection(); // false when the disconnect was refused
   void askToRemove(const QString &helpAnchor, std::function<void()> remove);
 
