@@ -24,25 +24,25 @@ protected:
   bool disconnectWorks = true;
   bool panelOpen = false;
   QStringList did;
-  ProductSelection selection{
-      products,
-      session,
-      strings,
-      view,
-      {[this] { return connected; }, [this] { return workerRuns; },
-       [this] {
-         did.append(u"connect %1 %2"_s.arg(session.IPAddressString(), session.PasswordString()));
-         connected = true;
-       },
-       [this] {
-         did.append(u"disconnect"_s);
-         connected = connected && !disconnectWorks;
-       },
-       [this](bool shownNow) {
-         did.append(shownNow ? u"panel"_s : u"no panel"_s);
-         panelOpen = shownNow;
-       },
-       [this] { return panelOpen; }}};
+  ProductSelection selection{products,
+                             session,
+                             strings,
+                             view,
+                             {[this] { return connected; }, [this] { return workerRuns; },
+                              [this] {
+                                did.append(
+                                    u"connect %1 %2"_s.arg(session.IPAddressString(), session.PasswordString()));
+                                connected = true;
+                              },
+                              [this] {
+                                did.append(u"disconnect"_s);
+                                connected = connected && !disconnectWorks;
+                              },
+                              [this](bool shownNow) {
+                                did.append(shownNow ? u"panel"_s : u"no panel"_s);
+                                panelOpen = shownNow;
+                              },
+                              [this] { return panelOpen; }}};
 };
 
 } // namespace
