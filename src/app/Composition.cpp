@@ -46,7 +46,10 @@ Composition::~Composition() {
 }
 
 void Composition::start() {
-  m_loop.post([this] { m_controller.start(); });
+  m_loop.post([this] {
+    m_desktop.renewLoginItems();
+    m_controller.start();
+  });
   m_thread = std::thread([this] { m_loop.run(); });
 }
 

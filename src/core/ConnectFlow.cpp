@@ -142,7 +142,7 @@ void ConnectFlow::onDisconnect() {
   try {
     m_parts.strings.reload();
     if (!isConnected()) {
-      if (!transferRuns()) {
+      if (!transferRuns() || m_parts.board.manualSleepWasConnected) {
         leaveLostShare();
       }
       m_parts.interface.setProgressBar(0);

@@ -18,7 +18,8 @@ void SleepAndWake::powerMessage(PowerMessage message) {
     }
     m_hooks.onDisconnect();
   } else if (m_countCanSleepEvent == 0) {
-    m_board.manualSleepWasConnected = m_hooks.isConnected();
+    // A share under a transfer that does not answer just now is mounted as well.
+    m_board.manualSleepWasConnected = m_hooks.isConnected() || m_board.isCarrying();
     if (m_board.manualSleepWasConnected) {
       m_hooks.endTransfer(kPatienceWithTransfer);
     }

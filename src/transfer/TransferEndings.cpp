@@ -77,6 +77,7 @@ void TransferDriver::endForSleep() {
   m_view.stopPulse();
   m_view.setDockIcon(m_hooks.isConnected() ? kConnectImage : kDisconnectImage);
   m_view.setEnableDisableCancelBtn(false);
+  m_view.setHighlightCancelBtn(false);
   m_view.setLanguageEnabled(true);
   m_view.setProgressBar(0);
   const quint32 drops = m_tools.board.abort();

@@ -113,6 +113,7 @@ TEST_F(ControllerSleepTest, ListsWhatWasNotTransferredAndCarriesItWhenItIsDroppe
   EXPECT_EQ(shown().currentTab, 1);
   EXPECT_EQ(shown().progress, 0);
   EXPECT_FALSE(shown().cancelEnabled);
+  EXPECT_FALSE(shown().cancelHighlighted);
   EXPECT_TRUE(shown().languageEnabled);
   controller->connect();
   fakes.loop.runPosted();
@@ -138,6 +139,29 @@ TEST_F(ControllerSleepTest, TransferThatDoesNotEndInTimeIsLeft) {
   controller->connect();
   fakes.loop.runPosted();
   EXPECT_TRUE(shown().connected);
+}
+
+TEST_F(ControllerSleepTest, TransferOntoAShareThatDoesNotAnswerIsBrokenOffAndTheShareLeft) {
+  startConnected();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s), song(u"Two"_s)});
+  fakes.files.setUnknown(kPoint, true);
+  sleep();
+  EXPECT_FALSE(fakes.files.isMounted(kPoint)) << "it would be served again after the wake";
+  EXPECT_FALSE(shown().transferring);
+  EXPECT_EQ(finished, 1U);
+  wake();
+  EXPECT_EQ(shown().messageLog, u"The connection to the product was lost. These items were not transferred:\n"
+                                u"One.mp3\nTwo.mp3\n"_s);
+  EXPECT_EQ(shown().currentTab, 1);
+}
+
+TEST_F(ControllerSleepTest, ShareThatDoesNotAnswerIsLeftAlsoUnderATransferThatDoesNotEndInTime) {
+  startConnected();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s)});
+  fakes.files.setUnknown(kPoint, true);
+  fakes.worker.hangs = true;
+  sleep();
+  EXPECT_FALSE(fakes.files.isMounted(kPoint));
 }
 
 TEST_F(ControllerSleepTest, MachineThatSleepsWhileTheClientEndsIsNotDelayed) {

@@ -231,6 +231,39 @@ TEST_F(ControllerStatesTest, DisconnectWaitsForACancelledTransferBeforeItUnmount
   EXPECT_FALSE(shown().transferring);
 }
 
+// Its share answers no more; what the worker hands in is for the product that it was carried to all the same.
+TEST_F(ControllerStatesTest, ProductCannotBeChangedUnderATransferWhoseShareDoesNotAnswer) {
+  const auto product = [this](const QString &address, const QString &isSelected) {
+    return QVariantMap{{u"Is Selected"_s, isSelected},
+                       {u"Detection Type"_s, u"1"_s},
+                       {u"IP Address"_s, address},
+                       {u"Password"_s, fakes.propertyLists.archive(u"p@ss"_s)}};
+  };
+  fakes.putDictionary(fakes.paths.productsDetailsDictFilePath,
+                      {{u"Selected Devices"_s,
+                        QVariantList{product(u"192.168.1.20"_s, u"Yes"_s), product(u"192.168.1.30"_s, u"No"_s)}}});
+  start();
+  ASSERT_TRUE(shown().connected);
+  deliver(u"@~Evening@~"_s, {song(u"One"_s), song(u"Two"_s)});
+  int copies = 0;
+  fakes.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (request.program != u"/bin/cp"_s || ++copies != 2) {
+      return std::nullopt;
+    }
+    fakes.files.setUnknown(kPoint, true);
+    controller->selectProduct(1, shown().selectedProducts.value(1));
+    fakes.loop.runPosted();
+    return exited(1, "gone\n");
+  };
+  carry();
+  ASSERT_EQ(fakes.userInterface.questions.size(), 1);
+  EXPECT_EQ(fakes.userInterface.questions.first().message, u"Auracore 5 cannot be disconnected now."_s);
+  EXPECT_EQ(mounts(), 1);
+  const QStringList kept = fakes.files.tree(values.backupFolder).keys().filter(u"unwritten"_s);
+  ASSERT_EQ(kept.size(), 1);
+  EXPECT_TRUE(kept.first().startsWith(u"_192.168.1.20/"_s)) << qPrintable(kept.first());
+}
+
 TEST_F(ControllerStatesTest, FailureOfAnAnswerIsLogged) {
   startConnected();
   controller->removeProduct(0, shown().selectedProducts.first());

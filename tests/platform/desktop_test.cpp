@@ -105,6 +105,30 @@ TEST_F(LinuxDesktopTest, OneEntryOverReinstallations) {
   }
 }
 
+TEST_F(LinuxDesktopTest, EntryOfAnEarlierInstallationStartsThisOneAndKeepsWhatTheUserChose) {
+  LinuxDesktop earlier(
+      {folder.path(), u"/opt/old/sonoreld"_s, [](const QString &path) { return std::optional<QString>(path); }});
+  EXPECT_TRUE(earlier.setLoginItems({{u"/opt/other"_s, false}, {kApp, true}}));
+  const QByteArray other = content(u"sonorel.desktop"_s);
+  put(u"sonorel-2.desktop"_s, content(u"sonorel-2.desktop"_s) + "X-GNOME-Autostart-enabled=false\n");
+  put(u"sonorel-notes.desktop"_s, "[Desktop Entry]\nExec=notes\n");
+  desktop.renewLoginItems();
+  EXPECT_EQ(content(u"sonorel-2.desktop"_s), QByteArray("[Desktop Entry]\n"
+                                                        "Type=Application\n"
+                                                        "Name=Sonorel\n"
+                                                        "Exec=\"/opt/new place/sonoreld\"\n"
+                                                        "X-Sonorel-Path=/Applications/Sonorel/Sonorel.app\n"
+                                                        "X-Sonorel-Hide=true\n"
+                                                        "X-GNOME-Autostart-enabled=false\n"));
+  EXPECT_EQ(content(u"sonorel.desktop"_s), other);
+  EXPECT_EQ(content(u"sonorel-notes.desktop"_s), QByteArray("[Desktop Entry]\nExec=notes\n"));
+}
+
+TEST_F(LinuxDesktopTest, EntryThatTheUserRemovedIsNotMadeAnew) {
+  desktop.renewLoginItems();
+  EXPECT_FALSE(QFile::exists(autostart(u"sonorel.desktop"_s)));
+}
+
 TEST_F(LinuxDesktopTest, FailsWhereTheFolderCannotBeMade) {
   QFile file(folder.filePath(u"autostart"_s));
   ASSERT_TRUE(file.open(QIODevice::WriteOnly));

@@ -55,6 +55,20 @@ TEST(PathMap, LeadsTheFoldersOfTheRowsThemselves) {
   EXPECT_EQ(host(u"/private/tmp"_s), u"/home/anna/.local/share/sonorel/Temporary"_s);
 }
 
+TEST(PathMap, DataFolderBelowARowIsItself) {
+  for (const QString &data : {u"/home/anna/Library/Data/sonorel"_s, u"/private/tmp/sonorel"_s}) {
+    Roots roots;
+    roots.home = u"/home/anna"_s;
+    roots.data = data;
+    const PathMap map(roots);
+    EXPECT_EQ(map.host(data + u"/client.lock"_s), data + u"/client.lock"_s);
+    EXPECT_EQ(map.host(u"/home/anna/Library/a"_s), data + u"/Home/Library/a"_s);
+    EXPECT_EQ(map.host(u"/private/tmp/a"_s), data + u"/Temporary/a"_s);
+    EXPECT_EQ(map.fromOutside(data + u"/Home/Library/a"_s), std::nullopt);
+  }
+  EXPECT_TRUE(standardMap().fromOutside(u"/home/anna/.local/share/sonorel/a.mp3"_s));
+}
+
 TEST(PathMap, MatchesWholeComponentsOnly) {
   EXPECT_EQ(host(u"/VolumesX/a"_s), u"/VolumesX/a"_s);
   EXPECT_EQ(host(u"/Library2"_s), u"/Library2"_s);

@@ -20,8 +20,8 @@ protected:
   ProductRecord first;
   ProductRecord second;
   bool connected = false;
-  bool disconnectWorks = true;
   bool workerRuns = false;
+  bool disconnectWorks = true;
   bool panelOpen = false;
   QStringList did;
   ProductSelection selection{products,

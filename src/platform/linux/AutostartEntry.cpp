@@ -6,6 +6,7 @@ namespace sonorel {
 
 namespace {
 
+constexpr QStringView kExecKey = u"Exec=";
 constexpr QStringView kPathKey = u"X-Sonorel-Path=";
 constexpr QStringView kHideKey = u"X-Sonorel-Hide=";
 
@@ -50,14 +51,28 @@ QString quotedCommand(const QString &command) {
   return escapedValue(u'"' + quoted + u'"');
 }
 
+QString execLine(const QString &command) {
+  return kExecKey.toString() + quotedCommand(command);
+}
+
 } // namespace
 
 QByteArray encodeAutostartEntry(const LoginItem &item, const QString &command) {
   QString entry = u"[Desktop Entry]\nType=Application\nName=Sonorel\n"_s;
-  entry += u"Exec="_s + quotedCommand(command) + u'\n';
+  entry += execLine(command) + u'\n';
   entry += kPathKey.toString() + escapedValue(item.path) + u'\n';
   entry += kHideKey.toString() + (item.hide ? u"true\n"_s : u"false\n"_s);
   return entry.toUtf8();
+}
+
+QByteArray withCommand(const QByteArray &bytes, const QString &command) {
+  QList<QByteArray> lines = bytes.split('\n');
+  for (QByteArray &line : lines) {
+    if (line.startsWith(kExecKey.toUtf8())) {
+      line = execLine(command).toUtf8();
+    }
+  }
+  return lines.join('\n');
 }
 
 std::optional<LoginItem> decodeAutostartEntry(const QByteArray &bytes) {

@@ -20,12 +20,26 @@ namespace {
 
 constexpr qint64 kEntryLimit = 64 * 1024;
 
-std::optional<LoginItem> entryIn(const QString &path) {
+// Empty for what is no entry of ours.
+QByteArray entryBytes(const QString &path) {
   QFile file(path);
-  if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
-    return std::nullopt;
+  if (!QFileInfo(path).isFile() || file.size() > kEntryLimit || !file.open(QIODevice::ReadOnly)) {
+    return {};
   }
-  return decodeAutostartEntry(file.read(kEntryLimit));
+  return file.read(kEntryLimit);
+}
+
+std::optional<LoginItem> entryIn(const QString &path) {
+  return decodeAutostartEntry(entryBytes(path));
+}
+
+bool writeEntry(const QString &path, const QByteArray &bytes) {
+  QSaveFile entry(path);
+  return entry.open(QIODevice::WriteOnly) && entry.write(bytes) == bytes.size() && entry.commit();
+}
+
+bool isOfClient(const LoginItem &item) {
+  return item.path.endsWith(u"/Sonorel.app");
 }
 
 // One call, so that lines of several threads do not mix.
@@ -76,7 +90,8 @@ bool LinuxDesktop::setLoginItems(const std::vector<LoginItem> &items) {
   QStringList wanted;
   for (std::size_t i = 0; i < items.size(); ++i) {
     wanted.append(i == 0 ? u"sonorel.desktop"_s : u"sonorel-%1.desktop"_s.arg(i + 1));
-    written = writeEntry(folder.filePath(wanted.constLast()), items[i]) && written;
+    const QByteArray bytes = encodeAutostartEntry(items[i], commandOf(items[i]));
+    written = writeEntry(folder.filePath(wanted.constLast()), bytes) && written;
   }
   const QStringList names = folder.entryList({u"sonorel*.desktop"_s}, QDir::Files, QDir::Name);
   for (const QString &name : names) {
@@ -87,14 +102,8 @@ bool LinuxDesktop::setLoginItems(const std::vector<LoginItem> &items) {
   return written;
 }
 
-bool LinuxDesktop::writeEntry(const QString &file, const LoginItem &item) const {
-  QSaveFile entry(file);
-  const QByteArray bytes = encodeAutostartEntry(item, commandOf(item));
-  return entry.open(QIODevice::WriteOnly) && entry.write(bytes) == bytes.size() && entry.commit();
-}
-
 QString LinuxDesktop::commandOf(const LoginItem &item) const {
-  if (item.path.endsWith(u"/Sonorel.app")) {
+  if (isOfClient(item)) {
     return m_places.client;
   }
   return m_places.hostPath(item.path).value_or(item.path);
@@ -111,6 +120,20 @@ void LinuxDesktop::removeAgentLoginItems() {
   for (const QString &name : {u"trackchute.desktop"_s, u"com.orv.TrackChute.desktop"_s}) {
     if (folder.exists(name) && !folder.remove(name)) {
       log(u"the autostart entry %1 could not be removed"_s.arg(folder.filePath(name)));
+    }
+  }
+}
+
+// The program may have been installed elsewhere since the client registered itself, which it does once.
+void LinuxDesktop::renewLoginItems() {
+  const QDir folder(autostartFolder());
+  for (const QString &name : folder.entryList({u"sonorel*.desktop"_s}, QDir::Files)) {
+    const QString path = folder.filePath(name);
+    const QByteArray bytes = entryBytes(path);
+    const auto item = decodeAutostartEntry(bytes);
+    const QByteArray renewed = item && isOfClient(*item) ? withCommand(bytes, m_places.client) : bytes;
+    if (renewed != bytes && !writeEntry(path, renewed)) {
+      log(u"the autostart entry %1 could not be renewed"_s.arg(path));
     }
   }
 }

@@ -24,6 +24,9 @@ public:
   // One autostart entry for each item; entries that are not ours stay.
   [[nodiscard]] bool setLoginItems(const std::vector<LoginItem> &items) override;
   void removeAgentLoginItems() override;
+  // Entries of an earlier installation of the client start this one from now on. One that the user removed stays
+  // away.
+  void renewLoginItems();
   [[nodiscard]] qint64 spaceNumber() override;
   [[nodiscard]] QString systemLanguage() override;
   [[nodiscard]] bool openDocument(const QString &path) override;
@@ -34,7 +37,6 @@ public:
 private:
   [[nodiscard]] QString autostartFolder() const;
   [[nodiscard]] QString commandOf(const LoginItem &item) const;
-  [[nodiscard]] bool writeEntry(const QString &file, const LoginItem &item) const;
 
   Places m_places;
   DesktopNumber m_desktopNumber;

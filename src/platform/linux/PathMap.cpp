@@ -60,6 +60,9 @@ PathMap::PathMap(Roots roots) : m_roots(std::move(roots)) {
   m_rows.append({resources, m_roots.resources});
   m_rows.append({kAppData, m_roots.scripts});
   m_rows.append({kTemporary, m_roots.data + u"/Temporary"_s});
+  if (rowOf(m_roots.data) != nullptr) {
+    m_rows.prepend({m_roots.data, m_roots.data}); // not led elsewhere a second time
+  }
 }
 
 std::optional<QString> PathMap::cleaned(const QString &path) {

@@ -42,6 +42,10 @@ protected:
 
 } // namespace
 
+TEST_F(LogindPowerTest, LetsGoBeforeLogindWaitsNoLonger) {
+  EXPECT_EQ(LogindPower::kPatience, 4s) << "logind itself waits five seconds";
+}
+
 TEST_F(LogindPowerTest, MachineWithoutABusCountsAsRegistered) {
   LogindPower power(QDBusConnection::connectToBus(u"unix:path=/nonexistent/bus"_s, u"power"_s), loop, desktop);
   EXPECT_TRUE(power.registerForNotifications(handlers()));
