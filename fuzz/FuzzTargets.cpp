@@ -91,7 +91,7 @@ void listContent(QByteArrayView bytes) {
   for (const QByteArrayView field : items.fields) {
     require(within(field, bytes), "a field lies within the content");
   }
-  const StoredList list = storedList(bytes);
+  const StoredList list = storedList(bytes, kTitleFields);
   require(list.count == items.count, "both walks read one count");
   for (const StoredRecord &record : list.records) {
     require(within(record.lead, bytes), "a leading field lies within the content");

@@ -26,6 +26,7 @@ ColourLimits::ColourLimits(const LimitsRewrite::Tools &tools, const ShareFolders
     : m_desktop(tools.desktop), m_file(tools, folders.system() + kLimitsFile.toString()), m_quit(std::move(quit)) {}
 
 bool ColourLimits::presentLimitSettings() {
+  m_damage.reset();
   if (!m_file.exists()) {
     return false;
   }
@@ -33,10 +34,27 @@ bool ColourLimits::presentLimitSettings() {
     m_values = readLimits(m_file.read());
   } catch (const Failure &failure) {
     m_desktop.log(u"The limits file cannot be read: "_s + failure.reason());
-    // Values that were not read must not be written; a damaged file is told by the edit itself.
-    return failure.kind() == FailureKind::Damaged;
+    if (failure.kind() != FailureKind::Damaged) {
+      return false;
+    }
+    m_damage = failure;
   }
   return true;
+}
+
+bool ColourLimits::giveUpDamaged() {
+  if (m_damage) {
+    failEdit(*m_damage);
+  }
+  return m_damage.has_value();
+}
+
+void ColourLimits::failEdit(const std::exception &exception) {
+  logException(m_desktop, u"problem while setting limits(setLimitInOrvFile)"_s, exception);
+  const auto *failure = dynamic_cast<const Failure *>(&exception);
+  if (failure == nullptr || failure->kind() == FailureKind::Damaged) {
+    m_quit();
+  }
 }
 
 void ColourLimits::setLimitInOrvFile(const QString &enables, const QString &limits) {
@@ -49,11 +67,7 @@ void ColourLimits::setLimitInOrvFile(const QString &enables, const QString &limi
       return;
     }
   } catch (const std::exception &exception) {
-    logException(m_desktop, u"problem while setting limits(setLimitInOrvFile)"_s, exception);
-    const auto *failure = dynamic_cast<const Failure *>(&exception);
-    if (failure == nullptr || failure->kind() == FailureKind::Damaged) {
-      m_quit();
-    }
+    failEdit(exception);
     return;
   }
   try {
@@ -76,7 +90,7 @@ void ColourLimits::completeInterruptedWrite() {
 }
 
 void ColourLimits::executeLimitOperatingLogic(const QStringList &changedNames, const FavouriteLists &lists) {
-  if (!presentLimitSettings()) {
+  if (!presentLimitSettings() || giveUpDamaged()) {
     return;
   }
   for (const QString &name : changedNames) {
@@ -99,7 +113,7 @@ void ColourLimits::executeLimitOperatingLogic(const QStringList &changedNames, c
 }
 
 void ColourLimits::enableCFLLimits() {
-  if (!presentLimitSettings()) {
+  if (!presentLimitSettings() || giveUpDamaged()) {
     return;
   }
   setLimitInOrvFile(kAllEnabled.toString(), limitsText(m_values));

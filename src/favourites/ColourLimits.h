@@ -7,11 +7,13 @@
 #include "favourites/LimitsFile.h"
 #include "favourites/LimitsRewrite.h"
 #include "platform/Desktop.h"
+#include "platform/Failure.h"
 #include "platform/FileSystem.h"
 
 #include <QStringList>
 
 #include <functional>
+#include <optional>
 
 namespace sonorel {
 
@@ -21,7 +23,8 @@ public:
   // to be worked on any further. What the tools refer to must outlive the object.
   ColourLimits(const LimitsRewrite::Tools &tools, const ShareFolders &folders, std::function<void()> quit);
 
-  // False when there is no limits file; the values keep what they were, also when the file is damaged (logged).
+  // False when there is no limits file or it cannot be read now; the values keep what they were, also when the file
+  // is damaged (logged).
   bool presentLimitSettings();
   void setLimitInOrvFile(const QString &enables, const QString &limits);
   // Adapts the limits of the changed colour keys to what stands on them now, and writes all of them.
@@ -35,10 +38,15 @@ public:
   [[nodiscard]] const KeyLimits &values() const { return m_values; }
 
 private:
+  // A damaged file ends the program. Values that were not read are not written, although it may be whole by now.
+  bool giveUpDamaged();
+  void failEdit(const std::exception &exception);
+
   Desktop &m_desktop;
   LimitsRewrite m_file;
   std::function<void()> m_quit;
   KeyLimits m_values;
+  std::optional<Failure> m_damage; // of the file at the last look
 };
 
 } // namespace sonorel

@@ -32,7 +32,8 @@ std::optional<QByteArray> Compression::DMCompress(QByteArrayView data) {
   return stream;
 }
 
-std::optional<QByteArray> Compression::DMDecompress(QByteArrayView data, quint32 uncompressedSize) {
+std::optional<QByteArray> Compression::DMDecompress(QByteArrayView data, quint32 uncompressedSize,
+                                                    qsizetype *streamSize) {
   const quint64 possible = kLargestRatio * static_cast<quint64>(data.size()) + kRatioSlack;
   if (uncompressedSize > possible || uncompressedSize > kContentLimit) {
     return std::nullopt;
@@ -40,9 +41,12 @@ std::optional<QByteArray> Compression::DMDecompress(QByteArrayView data, quint32
   // zlib wants a place to write to even when nothing comes out.
   QByteArray content(qMax<qsizetype>(uncompressedSize, 1), Qt::Uninitialized);
   uLongf length = uncompressedSize;
-  if (uncompress(reinterpret_cast<Bytef *>(content.data()), &length, zlibBytes(data),
-                 static_cast<uLong>(data.size())) != Z_OK) {
+  auto consumed = static_cast<uLong>(data.size());
+  if (uncompress2(reinterpret_cast<Bytef *>(content.data()), &length, zlibBytes(data), &consumed) != Z_OK) {
     return std::nullopt;
+  }
+  if (streamSize != nullptr) {
+    *streamSize = static_cast<qsizetype>(consumed);
   }
   content.truncate(static_cast<qsizetype>(length));
   return content;

@@ -17,8 +17,9 @@ public:
   // The zlib stream at the default level; nothing for a null input or a zlib error.
   [[nodiscard]] static std::optional<QByteArray> DMCompress(QByteArrayView data);
   // Exactly the decompressed length, which may be below uncompressedSize; nothing on any zlib error. Bytes after the
-  // stream do not matter.
-  [[nodiscard]] static std::optional<QByteArray> DMDecompress(QByteArrayView data, quint32 uncompressedSize);
+  // stream do not matter; streamSize, when given, gets the bytes before them.
+  [[nodiscard]] static std::optional<QByteArray> DMDecompress(QByteArrayView data, quint32 uncompressedSize,
+                                                              qsizetype *streamSize = nullptr);
   // Appends one chunk: the two lengths and the stream. A compression that failed gives a compressed length of 0 and
   // no bytes.
   static void compressData(QByteArrayView source, QByteArray &destination);

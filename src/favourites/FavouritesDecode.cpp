@@ -96,7 +96,7 @@ QString Decoder::path(QByteArrayView bytes) {
 
 void Decoder::readList1() {
   const bool there = !m_file.chunks.empty() && m_file.chunks.front().content;
-  const StoredList stored = there ? storedList(*m_file.chunks.front().content) : StoredList();
+  const StoredList stored = there ? storedList(*m_file.chunks.front().content, kList1Fields) : StoredList();
   if (!stored.count || (stored.records.empty() && stored.damagedAt)) {
     note(u"the list of lists cannot be read"_s);
     m_result.list1Readable = false;
@@ -151,7 +151,7 @@ void Decoder::readTitles() {
 }
 
 void Decoder::readTitlesOf(FavouriteList &list, const QByteArray &content) {
-  const StoredList stored = storedList(content);
+  const StoredList stored = storedList(content, m_titleFields);
   if (stored.damagedAt) {
     note(u"the titles of \"%1\" end or are damaged at byte %2"_s.arg(*list.nameAsRead).arg(*stored.damagedAt));
   }

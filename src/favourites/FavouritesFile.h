@@ -22,6 +22,7 @@ struct DecodedFavourites {
 // chunk depend on its own list only; chunks are compressed in parallel when there is enough to compress.
 [[nodiscard]] QByteArray encodeMusicFavourites(const FavouriteLists &lists, const PlayerTraits &player,
                                                const QString &guidText);
+// `parsedValuesInDict`: the lists of a stored file with their titles.
 [[nodiscard]] DecodedFavourites decodeFavourites(QByteArrayView bytes, FavouritesKind kind,
                                                  const PlayerTraits &player);
 [[nodiscard]] inline DecodedFavourites decodeMusicFavourites(QByteArrayView bytes, const PlayerTraits &player) {

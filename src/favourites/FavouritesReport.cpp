@@ -3,6 +3,7 @@
 #include "core/state/ShareLayout.h"
 #include "favourites/ColourKeys.h"
 #include "favourites/ListContent.h"
+#include "favourites/ServerNames.h"
 #include "favourites/StoredFile.h"
 
 #include <QJsonArray>
@@ -105,6 +106,21 @@ void appendList(const FavouritesReport &report, std::size_t index, QString &text
   }
 }
 
+QStringList unusualColourKeys(const FavouritesReport &report) {
+  QStringList found;
+  const FavouriteLists &lists = report.file.lists;
+  for (std::size_t i = 0; i < kColourKeys; ++i) {
+    if (i >= lists.size() || !isColourKey(report, i)) {
+      return {u"the colour keys are not the first four lists"_s};
+    }
+    const QString key = colourName(static_cast<int>(i));
+    if (lists.at(i).nameAsRead != key) {
+      found << u"the colour key %1 is named \"%2\""_s.arg(key, lists.at(i).nameAsRead.value_or(QString()));
+    }
+  }
+  return found;
+}
+
 // What a reader takes as it is, although no client of ours writes it.
 QStringList unusual(const FavouritesReport &report) {
   QStringList found;
@@ -124,10 +140,53 @@ QStringList unusual(const FavouritesReport &report) {
       found << u"a GUID or a CheckSum of \"%1\" has an odd length"_s.arg(name);
     }
   }
-  if (report.kind == FavouritesKind::Music && report.hasItemTypes && report.file.list1Readable &&
-      !(lists.size() >= kColourKeys && isColourKey(report, 0) && isColourKey(report, 1) && isColourKey(report, 2) &&
-        isColourKey(report, 3))) {
-    found << u"the colour keys are not the first four lists"_s;
+  if (report.kind == FavouritesKind::Music && report.hasItemTypes && report.file.list1Readable) {
+    found += unusualColourKeys(report);
+  }
+  return found;
+}
+
+// A title that no player finds, because it does not stand below the server's folder, or an album that does.
+bool isOutOfPlace(const FavouriteTitle &title, const StoredRecord &record, FavouritesKind kind) {
+  const QString stored = QString::fromLatin1(record.lead);
+  return isAlbum(title) ? stored.startsWith(serverPrefix(kind)) : !beginsWithDrive(stored);
+}
+
+// What no longer shows in what was read; paths are told of once for each list.
+QStringList unusualBytes(const FavouritesReport &report, const StoredFile &stored) {
+  QStringList found;
+  for (std::size_t i = 0; i < stored.chunks.size(); ++i) {
+    const StoredChunk &chunk = stored.chunks.at(i);
+    if (!chunk.content) {
+      continue; // told by the reader
+    }
+    if (chunk.content->size() != chunk.uncompressedSize) {
+      found << u"the chunk at byte %1 has the length %2, but %3 bytes of content"_s.arg(chunk.offset)
+                   .arg(chunk.uncompressedSize)
+                   .arg(chunk.content->size());
+    }
+    if (chunk.streamSize != chunk.compressedSize) {
+      found << u"the chunk at byte %1 has %2 bytes behind its stream"_s.arg(chunk.offset)
+                   .arg(chunk.compressedSize - chunk.streamSize);
+    }
+    if (i == 0 || i > report.file.lists.size()) {
+      continue;
+    }
+    const FavouriteList &list = report.file.lists.at(i - 1);
+    const StoredList bytes = storedList(*chunk.content, report.hasItemTypes ? kTitleFields : kTitleFieldsOfVaultbox1);
+    bool albumTold = false;
+    bool titleTold = false;
+    for (std::size_t k = 0; k < list.songs.size(); ++k) {
+      const FavouriteTitle &title = list.songs.at(k);
+      bool &told = isAlbum(title) ? albumTold : titleTold;
+      if (told || !isOutOfPlace(title, bytes.records.at(k), report.kind)) {
+        continue;
+      }
+      told = true;
+      const QString name = list.nameAsRead.value_or(QString());
+      found << (isAlbum(title) ? u"an album of \"%1\" has the server's folder in front"_s.arg(name)
+                               : u"a %1 of \"%2\" lacks the server's folder"_s.arg(titleNoun(report), name));
+    }
   }
   return found;
 }
@@ -151,10 +210,11 @@ FavouritesReport favouritesReport(QByteArrayView bytes) {
   report.guid = stored.guid;
   bool first = true;
   for (const StoredChunk &chunk : stored.chunks) {
-    const StoredList list = storedList(chunk.content.value_or(QByteArray()));
+    const StoredList list =
+        storedList(chunk.content.value_or(QByteArray()), first ? kList1Fields : kTitleFieldsOfVaultbox1);
     if (std::exchange(first, false)) {
       report.albumsTag = QString::fromLatin1(list.tag.value_or(QByteArrayView()));
-    } else if (!list.records.empty()) {
+    } else if (list.records.size() > 1 || (list.records.size() == 1 && !list.damagedAt)) { // one alone may be cut
       report.hasItemTypes = list.records.front().fieldCount != kTitleFieldsOfVaultbox1;
       break;
     }
@@ -162,7 +222,7 @@ FavouritesReport favouritesReport(QByteArrayView bytes) {
   const PlayerTraits player{report.hasItemTypes ? kAuralis5.toString() : kVaultbox1.toString(),
                             report.kind == FavouritesKind::Photos || report.albumsTag == kAlbumsTagUtf8};
   report.file = decodeFavourites(bytes, report.kind, player);
-  report.file.oddities += unusual(report);
+  report.file.oddities += unusual(report) + unusualBytes(report, stored);
   return report;
 }
 

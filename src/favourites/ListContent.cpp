@@ -61,7 +61,7 @@ ListItems listItems(QByteArrayView content) {
   return items;
 }
 
-StoredList storedList(QByteArrayView content) {
+StoredList storedList(QByteArrayView content, quint32 expectedFields) {
   StoredList list;
   if (content.size() < kItemCountSize) {
     list.damagedAt = 0;
@@ -86,7 +86,7 @@ StoredList storedList(QByteArrayView content) {
       ++record.fieldCount;
     }
   }
-  if (!list.records.empty() && list.records.back().fieldCount < list.records.back().declaredFields) {
+  if (!list.records.empty() && list.records.back().lacksFields(expectedFields)) {
     list.records.pop_back();
     list.damagedAt = list.damagedAt.value_or(content.size());
   }

@@ -25,6 +25,11 @@ struct StoredRecord {
   quint32 declaredFields = 0;               // the count that stands behind the leading field; readers do not go by it
   quint32 fieldCount = 0;                   // the "N" fields that really follow
   std::array<QByteArrayView, kKept> fields; // the first of them
+
+  // A count that promises more than a record has is no sign of damage by itself.
+  [[nodiscard]] bool lacksFields(quint32 expectedFields) const {
+    return fieldCount < qMin(declaredFields, expectedFields);
+  }
 };
 
 struct StoredList {
@@ -36,7 +41,8 @@ struct StoredList {
 
 // `getItemsFromOrvFile:`: all fields in file order, field counts stepped over.
 [[nodiscard]] ListItems listItems(QByteArrayView content);
-// The same walk, with the fields gathered into records.
-[[nodiscard]] StoredList storedList(QByteArrayView content);
+// The same walk, with the fields gathered into records. A last record that lacks fields, both of its own count and of
+// the expected ones, is left out: the content was cut.
+[[nodiscard]] StoredList storedList(QByteArrayView content, quint32 expectedFields);
 
 } // namespace sonorel

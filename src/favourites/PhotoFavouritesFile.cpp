@@ -100,9 +100,9 @@ qsizetype endOf(const StoredRecord &record, QByteArrayView content) {
 }
 
 // Up to the last record that is whole: one that lacks fields would take those of what follows it.
-StoredList wholeRecords(QByteArrayView content) {
-  StoredList list = storedList(content);
-  while (!list.records.empty() && list.records.back().fieldCount < list.records.back().declaredFields) {
+StoredList wholeRecords(QByteArrayView content, quint32 expectedFields) {
+  StoredList list = storedList(content, expectedFields);
+  while (!list.records.empty() && list.records.back().lacksFields(expectedFields)) {
     list.records.pop_back();
   }
   return list;
@@ -110,8 +110,8 @@ StoredList wholeRecords(QByteArrayView content) {
 
 // The content with a count that is true, and without what cannot be read, so that further records can follow it. A
 // sound content stays byte for byte.
-QByteArray readyToGrow(const QByteArray &content, QStringView tag) {
-  const StoredList list = wholeRecords(content);
+QByteArray readyToGrow(const QByteArray &content, QStringView tag, quint32 expectedFields) {
+  const StoredList list = wholeRecords(content, expectedFields);
   const QByteArray ownTag = tag.toLatin1();
   ByteWriter ready(content.size() + kTitleOverhead);
   ready.u32(static_cast<quint32>(list.records.size()) + 1);
@@ -130,12 +130,12 @@ public:
   Extension(QByteArrayView stored, const PlayerTraits &player) : m_player(player), m_chunks(storedChunks(stored)) {
     quint32 size = 0;
     const QByteArray content = getRGYBChunk(stored, firstChunkOffset(FavouritesKind::Photos), size);
-    const StoredList list1 = wholeRecords(content);
+    const StoredList list1 = wholeRecords(content, kList1Fields);
     if (!list1.count || (list1.records.empty() && list1.damagedAt)) {
       throw Failure(u"the list of lists cannot be read"_s, FailureKind::Damaged);
     }
     m_lists = list1.records.size();
-    m_list1 = readyToGrow(content, kAlbumsTag);
+    m_list1 = readyToGrow(content, kAlbumsTag, kList1Fields);
     m_list1IsSound = m_list1 == content;
     m_hasColourLists = !player.isVaultbox1() && hasColourLists(list1);
     // The new lists of titles must come where the new albums stand.
@@ -190,7 +190,7 @@ private:
     for (int i = 0; i < kColourKeys; ++i) {
       quint32 size = 0;
       m_chunkArrayRGYB.append(
-          readyToGrow(getRGYBChunk(m_chunks.at(static_cast<std::size_t>(i) + 1), 0, size), kTitlesTag));
+          readyToGrow(getRGYBChunk(m_chunks.at(static_cast<std::size_t>(i) + 1), 0, size), kTitlesTag, kTitleFields));
     }
   }
 

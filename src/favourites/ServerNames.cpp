@@ -9,14 +9,6 @@ namespace sonorel {
 
 namespace {
 
-bool beginsWithDrive(const QString &path) {
-  if (path.size() < 3 || path.at(1) != u':' || path.at(2) != u'\\') {
-    return false;
-  }
-  const char16_t drive = path.at(0).toUpper().unicode();
-  return drive >= u'A' && drive <= u'Z';
-}
-
 bool staysAsItIs(const FavouriteTitle &title) {
   return title.itemType == kItemTypeAlbum || beginsWithDrive(title.songPath);
 }
@@ -44,6 +36,14 @@ QString nameInFile(const FavouriteList &list, const PlayerTraits &player) {
 
 QStringView serverPrefix(FavouritesKind kind) {
   return kind == FavouritesKind::Photos ? kServerPhotoPrefix : kServerMusicPrefix;
+}
+
+bool beginsWithDrive(const QString &path) {
+  if (path.size() < 3 || path.at(1) != u':' || path.at(2) != u'\\') {
+    return false;
+  }
+  const char16_t drive = path.at(0).toUpper().unicode();
+  return drive >= u'A' && drive <= u'Z';
 }
 
 QString storedPathOf(const QString &serverPath, FavouritesKind kind) {

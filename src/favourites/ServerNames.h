@@ -17,6 +17,8 @@ namespace sonorel {
 
 // "E:\vb-share\Music\Mac\" or that of pictures.
 [[nodiscard]] QStringView serverPrefix(FavouritesKind kind);
+// "E:\..." or that of any other drive.
+[[nodiscard]] bool beginsWithDrive(const QString &path);
 // Everything up to and including the last prefix of the kind ("E:\vb-share\Music\Mac\") removed.
 [[nodiscard]] QString storedPathOf(const QString &serverPath, FavouritesKind kind);
 // "@@@@@" as a backslash and the prefix in front. An album (ItemType "2") and a path that begins with a drive, which

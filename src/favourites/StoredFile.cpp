@@ -51,8 +51,10 @@ std::optional<StoredChunk> chunkAt(QByteArrayView bytes, qsizetype offset) {
     chunk.uncompressedSize = reader.u32();
     chunk.compressedSize = reader.u32();
     const QByteArrayView stream = reader.view(chunk.compressedSize);
-    chunk.content =
-        chunk.uncompressedSize == 0 ? QByteArray() : Compression::DMDecompress(stream, chunk.uncompressedSize);
+    chunk.streamSize = stream.size();
+    chunk.content = chunk.uncompressedSize == 0
+                        ? QByteArray()
+                        : Compression::DMDecompress(stream, chunk.uncompressedSize, &chunk.streamSize);
     return chunk;
   } catch (const Failure &) {
     return std::nullopt;

@@ -17,6 +17,7 @@ struct StoredChunk {
   qsizetype offset = 0;
   quint32 uncompressedSize = 0; // as the chunk's head says
   quint32 compressedSize = 0;
+  qsizetype streamSize = 0;          // what of the compressed bytes was needed
   std::optional<QByteArray> content; // none: it cannot be decompressed
 };
 

@@ -213,6 +213,20 @@ TEST_F(ControllerTransferTest, EndsAfterTheTransferWhenTheLimitsFileIsDamaged) {
   EXPECT_EQ(fakes.files.bytes(kLimits), QByteArray("no limits at all"));
 }
 
+TEST_F(ControllerTransferTest, CompletesALimitsFileThatWasCutAtTheNextConnection) {
+  const QByteArray whole = "GREEN_ENABLED=1\r\nYELLOW_ENABLED=1\r\nRED_ENABLED=1\r\nBLUE_ENABLED=1\r\n"
+                           "GREEN_LIMIT=50\r\nYELLOW_LIMIT=50\r\nRED_LIMIT=9\r\nBLUE_LIMIT=50\r\n";
+  startConnected();
+  fakes.files.put(kLimits, whole.left(20));
+  fakes.files.makeFolders(u"/Users/anna/Backup/_192.168.1.20"_s);
+  fakes.files.put(u"/Users/anna/Backup/_192.168.1.20/OrvSpecialFavouriteLimits.orv.next"_s, whole);
+  controller->disconnect();
+  fakes.loop.runPosted();
+  controller->connect();
+  fakes.loop.runPosted();
+  EXPECT_EQ(fakes.files.bytes(kLimits), whole);
+}
+
 TEST_F(ControllerTransferTest, WritesWhatCouldNotBeWrittenAfterTheNextConnection) {
   startConnected();
   fakes.files.failPath(kFavourites, FailureKind::Unknown);

@@ -50,6 +50,12 @@ struct FavouritesWorkbench {
     }
   }
 
+  // The PlaylistID counter as the next run would find it.
+  [[nodiscard]] QString savedCounter() {
+    Settings next(files, propertyLists, folder + QStringLiteral("MacClientProperty"));
+    next.load();
+    return next.text(QStringLiteral("PlaylistID"));
+  }
   [[nodiscard]] QString backup(const QString &suffix,
                                const QString &key = QStringLiteral("_00-11-22-33-44-55")) const {
     return folder + QStringLiteral("Backup/") + key + QStringLiteral("/NetMusicFavorites.orv") + suffix;

@@ -56,6 +56,15 @@ TEST_F(ColourLimitsTest, LimitsFollowWhatStandsOnTheKey) {
   EXPECT_EQ(redAfter("50", 3, u"3"_s), "50");
 }
 
+TEST_F(ColourLimitsTest, OfAMixedKeyTheLastItemCounts) {
+  FavouriteLists lists(4);
+  lists[0].songs = {{u"a"_s, {}, {}, u"1"_s}, {u"b"_s, {}, {}, u"2"_s}};
+  lists[1].songs = {{u"b"_s, {}, {}, u"2"_s}, {u"a"_s, {}, {}, u"1"_s}};
+  files.put(kPath, limitsFile("50").replace("GREEN_LIMIT=100", "GREEN_LIMIT=50"));
+  limits.executeLimitOperatingLogic({u"Red"_s, u"Green"_s}, lists);
+  EXPECT_EQ(files.bytes(kPath), limitsFile("9").replace("GREEN_LIMIT=100", "GREEN_LIMIT=2"));
+}
+
 TEST_F(ColourLimitsTest, AKeyAbove99OrDisabledIsLeftAlone) {
   EXPECT_EQ(redAfter("100", 9, u"1"_s), "100");
   EXPECT_EQ(redAfter("50", 9, u"1"_s, "0"), "50");
@@ -235,6 +244,28 @@ TEST_F(ColourLimitsTest, AFileThatAnotherClientIsWritingIsLookedAtOnceMore) {
   limits.enableCFLLimits();
   EXPECT_EQ(quits, 0);
   EXPECT_EQ(files.bytes(kPath), limitsFile("7").replace("YELLOW_ENABLED=0", "YELLOW_ENABLED=1"));
+}
+
+// Limits that were never read, or those of another product, must not reach a file that has become whole since.
+TEST_F(ColourLimitsTest, AFileThatIsWholeOnlyAfterBothLooksIsNotEdited) {
+  const auto edits = {std::function([this] { limits.enableCFLLimits(); }), std::function([this] {
+                        FavouriteLists lists(4);
+                        lists[0].songs.push_back({u"a"_s, {}, {}, u"1"_s});
+                        limits.executeLimitOperatingLogic({u"Red"_s}, lists);
+                      })};
+  int quitsBefore = 0;
+  for (const auto &edit : edits) {
+    files.put(kPath, "");
+    int pauses = 0;
+    clock.onSleep = [this, &pauses] {
+      if (++pauses == 2) {
+        files.put(kPath, limitsFile("7"));
+      }
+    };
+    edit();
+    EXPECT_EQ(files.bytes(kPath), pauses < 2 ? QByteArray() : limitsFile("7"));
+    EXPECT_EQ(quits, ++quitsBefore);
+  }
 }
 
 TEST_F(ColourLimitsTest, KeysWithoutTitlesAndNamesThatAreNoKeysChangeNothing) {

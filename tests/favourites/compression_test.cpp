@@ -44,6 +44,17 @@ TEST(Compression, RefusesLengthsThatCannotComeOutOfTheStreamBeforeItAllocates) {
   EXPECT_FALSE(Compression::DMDecompress(QByteArray(10, 'x'), 1032 * 10 + 1024 + 1));
 }
 
+TEST(Compression, RefusesARealStreamOfMoreThan128MiB) {
+  const QByteArray plain(128 * 1024 * 1024 + 1, '\0');
+  EXPECT_FALSE(Compression::DMDecompress(chunk(plain).mid(8), static_cast<quint32>(plain.size())));
+}
+
+TEST(Compression, TellsWhereTheStreamEnds) {
+  qsizetype size = 0;
+  EXPECT_TRUE(Compression::DMDecompress(QByteArray::fromHex("789c4b4c44050033980611ffffff"), 16, &size));
+  EXPECT_EQ(size, 11);
+}
+
 TEST(Compression, AppendsAChunkBehindWhatIsThere) {
   QByteArray chunks("before");
   Compression::compressData("aaaaaaaaaaaaaaaa", chunks);

@@ -222,6 +222,32 @@ TEST(DecodeMusicFavourites, AFieldCountThatIsWrongDoesNoHarm) {
   EXPECT_EQ(read.oddities, QStringList{u"a title of \"A\" has the field count 1"_s});
 }
 
+TEST(DecodeMusicFavourites, AFieldCountThatIsTooHighDoesNoHarmToTheLastRecord) {
+  QByteArray lists = albums({listRecord("A", "5", "6", guid('1')), listRecord("B", "6", "6", guid('2'))});
+  lists.replace(field('L', "A") + le32(3), field('L', "A") + le32(4));
+  lists.replace(field('L', "B") + le32(3), field('L', "B") + le32(4));
+  QByteArray high =
+      titles({titleRecord("a", zeros36(), guid('3'), "1"), titleRecord("b", zeros36(), guid('4'), "1")});
+  high.replace(field('L', "b") + le32(3), field('L', "b") + le32(4));
+  const DecodedFavourites read = decodeMusicFavourites(wholeFile(musicHeader(), {lists, high, titles({})}), kAuralis);
+  EXPECT_TRUE(read.fitsModel);
+  ASSERT_EQ(read.lists.size(), 2U);
+  EXPECT_EQ(read.lists.at(0).songs.size(), 2U);
+  EXPECT_EQ(read.oddities,
+            (QStringList{u"the list \"A\" has the field count 4"_s, u"the list \"B\" has the field count 4"_s,
+                         u"a title of \"A\" has the field count 4"_s}));
+}
+
+TEST(DecodeMusicFavourites, TitlesOfVaultbox1ThatSayThreeFieldsAreAllRead) {
+  QByteArray two = titles({titleOfVaultbox1("a", zeros36(), guid('2')), titleOfVaultbox1("b", zeros36(), guid('3'))});
+  two.replace(field('L', "a") + le32(2), field('L', "a") + le32(3));
+  two.replace(field('L', "b") + le32(2), field('L', "b") + le32(3));
+  const DecodedFavourites read = decodeMusicFavourites(
+      wholeFile(musicHeader(), {albums({listRecord("A", "5", "6", guid('1'))}), two}), kVaultbox);
+  EXPECT_TRUE(read.fitsModel);
+  EXPECT_EQ(read.lists.at(0).songs.size(), 2U);
+}
+
 TEST(DecodeMusicFavourites, ABrokenChunkCostsItsOwnTitlesOnly) {
   const QByteArray list1 = albums({listRecord("A", "5", "6", guid('1')), listRecord("B", "6", "6", guid('2'))});
   QByteArray broken = chunk(titles({titleRecord("a", zeros36(), guid('3'), "1")}));

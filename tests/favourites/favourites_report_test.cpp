@@ -160,6 +160,56 @@ TEST(FavouritesReport, GivesAProgramThePhotoAlbumsAsJson) {
 )");
 }
 
+// The client reads them as it reads the right ones; the player does not find what they name.
+TEST(FavouritesReport, TellsOfPathsThatStandAsNoPlayerLooksForThem) {
+  std::vector<QByteArray> records = keyRecords();
+  records.push_back(listRecord("Old", "7", "6", guid('o')));
+  const FavouritesReport music = favouritesReport(wholeFile(
+      musicHeader(),
+      {albums(records),
+       titles({titleRecord("Gold", zeros36(), guid('1'), "2"),
+               titleRecord("E:\\vb-share\\Music\\Mac\\Arrival", zeros36(), guid('2'), "2")}),
+       titles({}), titles({}), titles({}),
+       titles({titleRecord("a.mp3", zeros36(), guid('3'), "1"), titleRecord("b.mp3", zeros36(), guid('4'), "1"),
+               titleRecord("D:\\theirs\\c.mp3", zeros36(), guid('5'), "1")})}));
+  EXPECT_EQ(music.file.oddities, (QStringList{u"an album of \"Red\" has the server's folder in front"_s,
+                                              u"a title of \"Old\" lacks the server's folder"_s}));
+  const FavouritesReport photos =
+      favouritesReport(wholeFile(photoHeader(), {albums({listRecord("Rome", "5", "6", guid('1'))}),
+                                                 titles({titleRecord("Rome\\a.jpg", zeros36(), guid('2'), "1")})}));
+  EXPECT_EQ(photos.file.oddities, QStringList{u"a picture of \"Rome\" lacks the server's folder"_s});
+}
+
+TEST(FavouritesReport, TellsOfChunksWhoseLengthsAreLargerThanWhatTheyHold) {
+  QByteArray list1 = chunk(albums(keyRecords()));
+  const qsizetype stream = list1.size() - 8;
+  list1 = le32(300) + le32(static_cast<quint32>(stream) + 3) + list1.mid(8) + "abc";
+  const QByteArray body = list1 + chunk(titles({})).repeated(4);
+  const FavouritesReport report = favouritesReport(musicHeader() + le32(static_cast<quint32>(body.size())) + body);
+  EXPECT_EQ(report.file.lists.size(), 4U);
+  EXPECT_EQ(report.file.oddities,
+            (QStringList{u"the chunk at byte 76 has the length 300, but %1 bytes of content"_s.arg(
+                             albums(keyRecords()).size()),
+                         u"the chunk at byte 76 has 3 bytes behind its stream"_s}));
+}
+
+TEST(FavouritesReport, TellsOfColourKeysWithOtherNames) {
+  std::vector<QByteArray> records = keyRecords();
+  records[1] = listRecord("Old", "2", "6", guid('g'));
+  const FavouritesReport report =
+      favouritesReport(wholeFile(musicHeader(), {albums(records), titles({}), titles({}), titles({}), titles({})}));
+  EXPECT_EQ(report.file.oddities, QStringList{u"the colour key Green is named \"Old\""_s});
+}
+
+TEST(FavouritesReport, KnowsAVaultbox1FileWhoseTitlesSayThreeFields) {
+  QByteArray two = titles({titleOfVaultbox1("E:\\vb-share\\Music\\Mac\\a", zeros36(), guid('2'))});
+  two.replace(le32(2) + field('N', zeros36()), le32(3) + field('N', zeros36()));
+  const FavouritesReport report =
+      favouritesReport(wholeFile(musicHeader(), {albums({listRecord("A", "5", "6", guid('1'))}), two}));
+  EXPECT_FALSE(report.hasItemTypes);
+  EXPECT_EQ(report.file.lists.at(0).songs.size(), 1U);
+}
+
 TEST(FavouritesReport, TellsOfNumbersThatStandTwiceAndOfMissingColourKeys) {
   const QByteArray list = titles({titleRecord("E:\\vb-share\\Music\\Mac\\a", zeros36(), guid('1'), "1")});
   const FavouritesReport report = favouritesReport(

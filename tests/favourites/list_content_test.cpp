@@ -1,6 +1,7 @@
 #include "favourites/ListContent.h"
 
 #include "HandMade.h"
+#include "favourites/FavouritesFormat.h"
 #include "favourites/Parser.h"
 #include "support/Printers.h"
 
@@ -63,9 +64,24 @@ TEST(GetItemsFromOrvFile, ALengthOfFourGigabytesIsDamageAndNotAnAllocation) {
   EXPECT_EQ(items.damagedAt, 4);
 }
 
+// Writers that count the leading field in, or three where they write two.
+TEST(StoredList, KeepsALastRecordThatLacksOnlyWhatItsCountSays) {
+  QByteArray content =
+      titles({titleRecord("a", zeros36(), guid('1'), "1"), titleRecord("b", zeros36(), guid('2'), "1")});
+  content.replace(field('L', "b") + le32(3), field('L', "b") + le32(4));
+  EXPECT_EQ(storedList(content, kTitleFields).records.size(), 2U);
+  EXPECT_FALSE(storedList(content, kTitleFields).damagedAt);
+  content = titles({titleOfVaultbox1("a", zeros36(), guid('1'))});
+  content.replace(field('L', "a") + le32(2), field('L', "a") + le32(3));
+  EXPECT_EQ(storedList(content, kTitleFieldsOfVaultbox1).records.size(), 1U);
+  EXPECT_FALSE(storedList(content, kTitleFieldsOfVaultbox1).damagedAt);
+  EXPECT_EQ(storedList(content, kTitleFields).records.size(), 0U) << "of another model it is cut";
+  EXPECT_EQ(storedList(content, kTitleFields).damagedAt, content.size());
+}
+
 TEST(StoredList, GathersFieldsIntoRecords) {
   const QByteArray content = titles({titleRecord("a", zeros36(), guid('1'), "1"), titleOfVaultbox1("b", "c", "g")});
-  const StoredList list = storedList(content);
+  const StoredList list = storedList(content, kTitleFields);
   EXPECT_EQ(list.count, 3U);
   EXPECT_EQ(list.tag->toByteArray(), "FavoriteTitles-1.2");
   ASSERT_EQ(list.records.size(), 2U);
@@ -84,7 +100,7 @@ TEST(StoredList, CutAtEveryLengthItKeepsTheCompleteRecords) {
   const qsizetype second = first + listRecord("Party", "9", "6", guid('p')).size();
   for (qsizetype length = 0; length < whole.size(); ++length) {
     const QByteArray cut = whole.left(length);
-    const StoredList list = storedList(cut);
+    const StoredList list = storedList(cut, kList1Fields);
     EXPECT_EQ(list.records.size(), length >= second ? 1U : 0U) << "cut at " << length;
     EXPECT_EQ(list.damagedAt.has_value(), length != 4 && length != first && length != second) << "cut at " << length;
   }
@@ -96,7 +112,7 @@ TEST(StoredList, FlippedAnywhereItNeverReadsBeyondItsEnd) {
     for (const char bits : {'\x01', '\x80', '\xFF'}) {
       QByteArray flipped = whole;
       flipped[at] = static_cast<char>(flipped.at(at) ^ bits);
-      const StoredList list = storedList(flipped);
+      const StoredList list = storedList(flipped, kList1Fields);
       EXPECT_LE(list.records.size(), 9U);
       for (const StoredRecord &record : list.records) {
         EXPECT_GE(record.lead.data(), flipped.constData());

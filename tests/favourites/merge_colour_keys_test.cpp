@@ -167,6 +167,25 @@ TEST_F(MergeColourKeysTest, TheCopyHoldsTheFourKeysAsTheyAreAfterTheWrite) {
   EXPECT_TRUE(files.log().contains(u"write "_s + kCopy));
 }
 
+// Cut, it would never equal the key again.
+TEST_F(MergeColourKeysTest, TheCopyHoldsAllTitlesOnAuralis5) {
+  QStringList paths;
+  for (int i = 0; i < 120; ++i) {
+    paths.append(u"%1.mp3"_s.arg(i));
+  }
+  ASSERT_TRUE(client.merge.addPlaylistToDictionary({newList(u"Red"_s, u"1"_s, paths)}, {}));
+  const FavouriteLists copy = listsOfDictionary(client.propertyLists.decode(files.bytes(kCopy)).toMap());
+  EXPECT_EQ(copy[0].songs.size(), 120U);
+}
+
+TEST_F(MergeColourKeysTest, TenAlbumsStayWhileTheLimitDoesNotCount) {
+  files.put(kLimitsPath, limitsOf("9"));
+  for (int i = 1; i <= 10; ++i) {
+    dropAlbum(u"Album %1"_s.arg(i));
+  }
+  EXPECT_EQ(client.server()[0].songs.size(), 11U);
+}
+
 TEST_F(MergeOnAuracore5Test, TheCopyIsCutTo99TitlesAndTheFavouritesAreNot) {
   QStringList paths;
   for (int i = 0; i < 120; ++i) {

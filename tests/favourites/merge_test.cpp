@@ -42,7 +42,9 @@ TEST_F(MergeTest, TwoDropsIntoAStoredFileGiveTheseBytes) {
   ASSERT_TRUE(client.dictionary.validateOrvFile());
   EXPECT_EQ(client.settings.text(u"PlaylistID"_s), u"8"_s);
   dropPartyAndRed();
+  client.clock.sleeps.clear();
   ASSERT_TRUE(client.send());
+  EXPECT_EQ(client.clock.sleeps, QList<std::chrono::milliseconds>{std::chrono::seconds(1)}) << "before the delete";
 
   const QByteArray file = files.bytes(kServerFile);
   const std::vector<QByteArray> contents = contentsOf(file);
@@ -96,6 +98,12 @@ TEST_F(MergeTest, TwoDropsIntoAStoredFileGiveTheseBytes) {
           u"8 @~Party@~: Miles Davis\\Kind of Blue\\Miles Davis-Kind of Blue-So What.mp3/1, Björk\\Debut\\Björk-Debut-Human Behaviour.mp3/1"_s}));
   EXPECT_EQ(files.bytes(client.folder + u"NetMusicFavorites.orv"_s), file);
   EXPECT_EQ(client.settings.text(u"PlaylistID"_s), u"10"_s);
+  EXPECT_EQ(client.savedCounter(), u"10"_s);
+  const FavouriteLists saved = client.dictionaryFile.load();
+  ASSERT_EQ(saved.size(), 6U);
+  EXPECT_EQ(saved[0].songs.size(), 1U);
+  EXPECT_EQ(saved[5].playlistName, u"Party"_s);
+  EXPECT_EQ(saved[5].songs.size(), 2U);
   EXPECT_EQ(files.bytes(kLimitsPath), "GREEN_ENABLED=1\r\nYELLOW_ENABLED=1\r\nRED_ENABLED=1\r\nBLUE_ENABLED=1\r\n"
                                       "GREEN_LIMIT=50\r\nYELLOW_LIMIT=50\r\nRED_LIMIT=9\r\nBLUE_LIMIT=50\r\n");
   const QVariantMap copy = client.propertyLists.decode(files.bytes(kColourCopyPath.toString())).toMap();
@@ -120,6 +128,22 @@ TEST_F(MergeTest, AFramedNameReplacesItselfInItsPlace) {
   client.track(u"Party"_s, u"a.mp3"_s);
   ASSERT_TRUE(client.send());
   EXPECT_EQ(client.shown().mid(4), (QStringList{u"8 @~Old@~: new.mp3/1"_s, u"9 @~Party@~: a.mp3/1"_s}));
+}
+
+// Only lists of this client's location are written without their frames.
+TEST_F(MergeTest, WhatIsDroppedBringsItsLocation) {
+  std::vector<QByteArray> lists = keyRecords();
+  lists[0] = listRecord("Red", "1", "3", guid('r'));
+  lists.push_back(listRecord("Old", "7", "3", guid('o')));
+  files.put(kServerFile, wholeFile(musicHeader(), {albums(lists), titles({}), titles({}), titles({}), titles({}),
+                                                   titles({titleRecord(kOldTitle, zeros36(), guid('t'), "1")})}));
+  client.track(u"@~Old@~"_s, u"new.mp3"_s);
+  client.track(u"@!!!Red!!!@"_s, u"x.mp3"_s, u"Blue_Train"_s);
+  ASSERT_TRUE(client.send());
+  const QByteArray list1 = contentsOf(files.bytes(kServerFile)).at(0);
+  lists[0] = keyRecords()[0];
+  lists[4] = listRecord("Old", "8", "6", list1.right(16));
+  EXPECT_EQ(list1.toHex(), albums(lists).toHex());
 }
 
 TEST_F(MergeTest, ColourKeyDroppedFirstBurnsANumber) {

@@ -193,6 +193,18 @@ TEST(ExtendedPhotoFavourites, LeaveOutWhatCannotBeReadOfTheListOfLists) {
   EXPECT_THROW(static_cast<void>(extendedPhotoFavourites(photoHeader(), added, kAuracore, kGuidText)), Failure);
 }
 
+TEST(ExtendedPhotoFavourites, KeepALastRecordWhoseFieldCountIsTooHigh) {
+  std::vector<QByteArray> records = keyRecords();
+  records[3].replace(field('L', "Blue") + le32(3), field('L', "Blue") + le32(4));
+  QByteArray stored = picture("0.jpg", guid('0'));
+  stored.replace(le32(3) + field('N', zeros36()), le32(4) + field('N', zeros36()));
+  const auto written = extended({albums(records), titles({stored}), titles({}), titles({}), titles({})},
+                                {album(u"Red"_s, u"5"_s, 'n', {title(u"1.jpg"_s, '1')}), album(u"A"_s, u"6"_s, 'a')});
+  records.push_back(listRecord("A", "6", "6", guid('a')));
+  EXPECT_EQ(written, (std::vector<QByteArray>{albums(records), titles({stored, picture("1.jpg", guid('1'))}),
+                                              titles({}), titles({}), titles({}), titles({})}));
+}
+
 TEST(ExtendedPhotoFavourites, StartADamagedColourListAnew) {
   const QByteArray foreign = le32(3) + le32(5) + "abcde";
   const QByteArray empty = chunk(titles({}));

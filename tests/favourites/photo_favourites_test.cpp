@@ -78,6 +78,17 @@ TEST_F(PhotoFavouritesTest, EachTransferAddsItsAlbumsBehindTheStoredOnes) {
   EXPECT_EQ(contentsOf(files.bytes(kServerPhotoFile), 73).at(1), before.at(1));
 }
 
+TEST_F(PhotoFavouritesTest, EveryTransferMakesAHeaderOfItsOwnAndSavesTheCounter) {
+  drop(client, u"Rome"_s, u"1.jpg"_s);
+  ASSERT_TRUE(client.sendPictures());
+  EXPECT_EQ(client.savedCounter(), u"8"_s);
+  const QByteArray first = files.bytes(kServerPhotoFile).mid(9, 36);
+  drop(client, u"Oslo"_s, u"2.jpg"_s);
+  ASSERT_TRUE(client.sendPictures());
+  EXPECT_NE(files.bytes(kServerPhotoFile).mid(9, 36), first);
+  EXPECT_EQ(client.savedCounter(), u"9"_s);
+}
+
 TEST_F(PhotoFavouritesTest, ADamagedListOfListsCostsTheFileButNotTheBackup) {
   QByteArray damaged = wholeFile(photoHeader(), {albums({listRecord("Old", "5", "6", guid('o'))}), titles({})});
   damaged[90] = static_cast<char>(damaged.at(90) ^ 0x55);

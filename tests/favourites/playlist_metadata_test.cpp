@@ -36,6 +36,7 @@ TEST_F(PlaylistMetaDataTest, TheCounterMovesOnByEveryListWhenTheShareIsGone) {
   client.track(u"@!!!Red!!!@"_s, u"b.mp3"_s, u"Gold"_s);
   EXPECT_FALSE(client.send());
   EXPECT_EQ(client.settings.text(u"PlaylistID"_s), u"43"_s);
+  EXPECT_EQ(client.savedCounter(), u"43"_s);
   EXPECT_FALSE(files.exists(kServerFile));
 }
 
@@ -157,6 +158,14 @@ TEST_F(PlaylistMetaDataTest, SettingsThatCannotBeSavedCostNoList) {
   ASSERT_TRUE(client.send());
   EXPECT_EQ(client.shown().mid(4), QStringList{u"5 @~Party@~: a.mp3/1"_s});
   EXPECT_TRUE(client.desktop.logged(u"The settings could not be written: "_s));
+}
+
+TEST_F(PlaylistMetaDataTest, AMainDictionaryThatCannotBeWrittenCostsNoList) {
+  files.failPath(client.folder + u"mainDict.xml"_s, FailureKind::DiskFull);
+  client.track(u"Party"_s, u"a.mp3"_s);
+  ASSERT_TRUE(client.send());
+  EXPECT_EQ(client.shown().mid(4), QStringList{u"5 @~Party@~: a.mp3/1"_s});
+  EXPECT_TRUE(client.desktop.logged(u"The main dictionary could not be written: "_s));
 }
 
 TEST_F(PlaylistMetaDataTest, AnExceptionIsLoggedAndNothingThrown) {

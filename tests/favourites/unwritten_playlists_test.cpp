@@ -261,6 +261,24 @@ TEST_F(UnwrittenPlaylistsTest, OfAProductThatWasTakenForAnotherFitIt) {
       decodeFavourites(files.bytes(kServerPhotoFile), FavouritesKind::Photos, playerOf(next.session)).fitsModel);
 }
 
+TEST_F(UnwrittenPlaylistsTest, OfAProductThatIsTakenForVaultbox1FitThatToo) {
+  {
+    MergeWorkbench other(files, u"Auracore 5"_s);
+    other.connected = false;
+    other.track(u"Party"_s, u"A@@@@@G@@@@@a.mp3"_s);
+    other.track(u"@!!!Red!!!@"_s, u"b.mp3"_s, u"Gold"_s);
+    EXPECT_FALSE(other.send());
+    other.pictureOf(u"Rome"_s, u"/Volumes/VB-SHARE$/Photo/Mac/Rome/1.jpg"_s);
+    EXPECT_FALSE(other.sendPictures());
+  }
+  MergeWorkbench next(files, u"Vaultbox 1"_s, u"/Client"_s, 500);
+  ASSERT_TRUE(next.metaData.retryUnwritten({}));
+  EXPECT_EQ(next.shown(), (QStringList{u"1 @~Party@~: A\\G\\a.mp3/-"_s, u"2 @~Red@~: Gold/-"_s}));
+  EXPECT_TRUE(decodeMusicFavourites(files.bytes(kServerFile), playerOf(next.session)).fitsModel);
+  EXPECT_TRUE(
+      decodeFavourites(files.bytes(kServerPhotoFile), FavouritesKind::Photos, playerOf(next.session)).fitsModel);
+}
+
 // Otherwise the older list would come later and replace the newer one of its name.
 TEST_F(UnwrittenPlaylistsTest, AreNotOvertakenByNewerOnes) {
   failAndQuit(u"@~Gold@~"_s, u"old.mp3"_s);

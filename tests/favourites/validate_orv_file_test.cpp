@@ -44,6 +44,25 @@ TEST_F(Validation, WithoutAServerFileTheFourKeysAreWritten) {
   EXPECT_EQ(files.bytes(u"/Client/NetMusicFavorites.orv"_s), files.bytes(kServerFile));
 }
 
+TEST_F(Validation, EveryRewriteGetsAHeaderOfItsOwn) {
+  connectTo(u"Auralis 5"_s);
+  EXPECT_TRUE(client->dictionary.validateOrvFile());
+  const QByteArray first = files.bytes(kServerFile).mid(9, 36);
+  EXPECT_TRUE(client->dictionary.validateOrvFile());
+  EXPECT_NE(files.bytes(kServerFile).mid(9, 36), first);
+}
+
+TEST_F(Validation, AMainDictionaryThatCannotBeWrittenCostsNothing) {
+  connectTo(u"Auralis 5"_s);
+  files.put(kServerFile, wholeFile(musicHeader(), {albums({listRecord("Party", "9", "6", guid('p'))}), party()}));
+  files.failPath(u"/Client/mainDict.xml"_s, FailureKind::DiskFull);
+  EXPECT_TRUE(client->dictionary.validateOrvFile());
+  EXPECT_EQ(onServer().size(), 6U);
+  EXPECT_EQ(onServer().at(5), party());
+  EXPECT_TRUE(client->desktop.logged(u"Exception in ---> <Parser><readList2> "_s));
+  EXPECT_TRUE(client->desktop.logged(u"Exception in ---> <AppController><saveMainDictionary> "_s));
+}
+
 TEST_F(Validation, Vaultbox1GetsAListOfListsWithNothingInIt) {
   connectTo(u"Vaultbox 1"_s);
   EXPECT_TRUE(client->dictionary.validateOrvFile());
@@ -73,6 +92,7 @@ TEST_F(Validation, WhatStandsThereIsWrittenAgainBehindAFreshHeader) {
   EXPECT_EQ(header.left(9), musicHeader().left(9));
   EXPECT_EQ(header.mid(45), musicHeader().mid(45));
   EXPECT_EQ(client->settings.text(u"PlaylistID"_s), u"13"_s);
+  EXPECT_EQ(client->savedCounter(), u"13"_s);
   EXPECT_EQ(client->dictionaryFile.load().at(4).playlistName, u"@~Party@~"_s);
   EXPECT_EQ(client->dictionaryFile.load().at(4).songs.at(0).songPath, u"Artist\\Song.mp3"_s);
   EXPECT_TRUE(client->desktop.lines.isEmpty()) << client->desktop.lines.join(u'\n').toStdString();
@@ -92,6 +112,13 @@ TEST_F(Validation, MissingKeysAreMadeAndADuplicateIdIsRenumbered) {
   EXPECT_EQ(onServer(), (std::vector<QByteArray>{albums(records), titles({}), titles({}), titles({}), titles({}),
                                                  party(), titles({}), party()}));
   EXPECT_EQ(client->settings.text(u"PlaylistID"_s), u"10"_s);
+  EXPECT_EQ(client->savedCounter(), u"10"_s);
+  QStringList saved;
+  for (const FavouriteList &list : client->dictionaryFile.load()) {
+    saved.append(list.playlistId + u' ' + list.playlistName);
+  }
+  EXPECT_EQ(saved, (QStringList{u"1 Red"_s, u"2 Green"_s, u"3 Yellow"_s, u"4 Blue"_s, u"8 Old"_s, u"7 @~A@~"_s,
+                                u"9 @~B@~"_s}));
 }
 
 TEST_F(Validation, KeysThatStandBehindOtherListsComeToTheFront) {

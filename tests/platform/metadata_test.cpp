@@ -110,6 +110,34 @@ TEST_F(EncodedMetadataTest, ReadsOggVorbis) {
   expectTags(make(u"a.ogg"_s, {u"-c:a"_s, u"libvorbis"_s}, two), {});
 }
 
+// A compilation tagger's second album, or the same one twice: the player's key shows one name.
+TEST_F(EncodedMetadataTest, OfSeveralAlbumsAndTitlesTheFirstCounts) {
+  for (const QString &name : {u"a.flac"_s, u"a.mp3"_s, u"a.ogg"_s}) {
+    const QString file = make(name, {}, two);
+    TagLib::FileRef media(file.toUtf8().constData());
+    TagLib::PropertyMap tags = media.file()->properties();
+    tags["ALBUM"] = TagLib::StringList(tagText(u"Gold"_s)).append(tagText(u"Arrival"_s));
+    tags["TITLE"] = TagLib::StringList(tagText(u"Dancing Queen"_s)).append(tagText(u"Reine"_s));
+    media.file()->setProperties(tags);
+    ASSERT_TRUE(media.save()) << name.toStdString();
+    const auto read = metadata.read(file);
+    ASSERT_TRUE(read) << name.toStdString();
+    EXPECT_EQ(read->album, u"Gold"_s) << name.toStdString();
+    EXPECT_EQ(read->title, u"Dancing Queen"_s) << name.toStdString();
+    EXPECT_EQ(read->authors, two) << name.toStdString();
+  }
+}
+
+TEST_F(EncodedMetadataTest, AnAlbumWithoutTextDoesNotCount) {
+  const QString file = make(u"a.flac"_s, {}, two);
+  TagLib::FileRef media(file.toUtf8().constData());
+  TagLib::PropertyMap tags = media.file()->properties();
+  tags["ALBUM"] = TagLib::StringList(TagLib::String()).append(tagText(u"Gold"_s));
+  media.file()->setProperties(tags);
+  ASSERT_TRUE(media.save());
+  EXPECT_EQ(metadata.read(file)->album, u"Gold"_s);
+}
+
 TEST_F(EncodedMetadataTest, TellsAppleLosslessFromAac) {
   expectTags(make(u"aac.m4a"_s, {u"-c:a"_s, u"aac"_s}, two), {u"AAC"_s});
   expectTags(make(u"alac.m4a"_s, {u"-c:a"_s, u"alac"_s}, two), {u"Apple Lossless"_s});

@@ -80,6 +80,16 @@ QString textOf(const TagLib::String &text) {
   return QString::fromUtf8(text.to8Bit(true).c_str());
 }
 
+// The first value that holds text; joined values would name an album that nobody has.
+QString firstTextOf(const TagLib::StringList &values) {
+  for (const TagLib::String &value : values) {
+    if (QString text = textOf(value); !text.isEmpty()) {
+      return text;
+    }
+  }
+  return {};
+}
+
 QStringList codecsOf(TagLib::File &file) {
   const auto *properties = dynamic_cast<TagLib::MP4::Properties *>(file.audioProperties());
   if (!properties) {
@@ -95,11 +105,11 @@ TrackTags tagsOf(TagLib::File &file) {
   }
   // A wave file's own tag stands only among the properties; an old tag beside a newer one only in the union.
   TagLib::PropertyMap properties = file.properties();
-  tags.title = textOf(properties["TITLE"].toString());
+  tags.title = firstTextOf(properties["TITLE"]);
   if (tags.title.isEmpty()) {
     tags.title = textOf(file.tag()->title());
   }
-  tags.album = textOf(properties["ALBUM"].toString());
+  tags.album = firstTextOf(properties["ALBUM"]);
   if (tags.album.isEmpty()) {
     tags.album = textOf(file.tag()->album());
   }
