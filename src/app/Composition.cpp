@@ -68,6 +68,7 @@ ControllerValues Composition::values(const CompositionOptions &options) {
   values.homePath = options.roots.home;
   values.backupFolder = options.roots.data + u"/Backup"_s;
   values.temporaryMark = options.temporaryMark;
+  values.isOutside = [this](const QString &path) { return m_files.map().fromOutside(path) == path; };
   values.dropsFinished = [this](quint32 drops) { dropsFinished(drops); };
   values.initialised = [this](bool initialised) {
     QMetaObject::invokeMethod(

@@ -53,6 +53,8 @@ struct ControllerValues {
   QString bundlePath = QStringLiteral("/Applications/Sonorel/Sonorel.app");
   QString backupFolder;  // the old and new favourites files of each product, no "/" at the end
   QString temporaryMark; // stands in the names of this client's temporary files; empty: not known
+  // False for a path that means something inside the client and that nobody else may name. Any thread.
+  std::function<bool(const QString &)> isOutside = [](const QString &) { return true; };
   // Any thread: that many received drops have found their end.
   std::function<void(quint32)> dropsFinished = [](quint32) {};
   // Controller's thread, once, before the automatic connection: drops are observed and the door may open; false when

@@ -136,6 +136,7 @@ DropIntake::Hooks ShareRoles::intakeHooks() {
     return sonorel::changePhotosPaths(paths, roles.values.homePath, roles.platform.files,
                                       roles.platform.propertyLists, roles.platform.desktop);
   };
+  hooks.isOutside = roles.values.isOutside;
   return hooks;
 }
 

@@ -50,11 +50,6 @@ Drop dropOfBookmarks(const QStringList &titles, const QStringList &urls) {
   return drop;
 }
 
-// The library's own list is no more to be trusted than a drag: its paths have not been cleaned.
-const QString &imageFor(const QString &dropped, const QString &image) {
-  return isPlainPath(image) ? image : dropped;
-}
-
 bool isNotTransferable(const QString &name, const QStringList &paths) {
   return name == u"TV Shows" || name == u"iPod Games" || (paths.isEmpty() && name == kNoPlaylist);
 }
@@ -208,6 +203,11 @@ QString DropIntake::pictureAlbumName(const QString &name) const {
     return pieces[1];
   }
   return colourNameOfMarker(name);
+}
+
+// The library's own list is no more to be trusted than a drag: nobody has looked at its paths yet.
+const QString &DropIntake::imageFor(const QString &dropped, const QString &image) const {
+  return isPlainPath(image) && m_hooks.isOutside(image) ? image : dropped;
 }
 
 // A marker ends each album, whatever its name; tracks stay empty.

@@ -31,6 +31,8 @@ public:
     std::function<QStringList(const QStringList &)> changePhotosPaths = [](const QStringList &paths) {
       return paths;
     };
+    // False for a path that means something inside the client and that nobody else may name.
+    std::function<bool(const QString &)> isOutside = [](const QString &) { return true; };
   };
 
   // All references must outlive the object.
@@ -56,6 +58,7 @@ private:
   // Shown, and the drop is over, when not.
   [[nodiscard]] bool isConnectedOrShown();
   void handleMusic(const Notification &notification);
+  [[nodiscard]] const QString &imageFor(const QString &dropped, const QString &image) const;
   [[nodiscard]] Drop dropOfAlbums(const QVariantList &photoData);
   [[nodiscard]] Drop dropOf(const QString &name, const QStringList &paths);
   void addFile(Drop &drop, const QString &name, const QString &path);

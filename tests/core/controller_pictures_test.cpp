@@ -46,6 +46,19 @@ TEST_F(ControllerPicturesTest, TakesTheLibrarysImageForAThumbnail) {
   EXPECT_FALSE(fakes.files.exists(kPoint + u"/Photo/Mac/Data/1.jpg"_s));
 }
 
+TEST_F(ControllerPicturesTest, LibraryCannotNameTheClientsOwnFiles) {
+  const QVariantMap entry{{u"ImagePath"_s, u"/Library/Own/1.jpg"_s}, {u"ThumbPath"_s, u"/Users/anna/Data/1.jpg"_s}};
+  fakes.putDictionary(u"/Users/anna/Pictures/iPhoto Library/AlbumData.xml"_s,
+                      {{u"Master Image List"_s, QVariantMap{{u"7"_s, entry}}}});
+  picture(u"/Library/Own/1.jpg"_s);
+  values.isOutside = [](const QString &path) { return !path.startsWith(u"/Library/"_s); };
+  startConnected();
+  deliverAlbum(u"Summer"_s, {picture(u"/Users/anna/Data/1.jpg"_s)});
+  carry();
+  EXPECT_TRUE(fakes.files.exists(kPoint + u"/Photo/Mac/Data/1.jpg"_s));
+  EXPECT_FALSE(fakes.files.exists(kPoint + u"/Photo/Mac/Own/1.jpg"_s));
+}
+
 TEST_F(ControllerPicturesTest, WritesADroppedBookmark) {
   startConnected();
   fakes.notifications.deliver(

@@ -104,16 +104,17 @@ TEST_F(AlbumDropTest, TheLibraryIsAskedOnceForAllAlbums) {
 
 // What a library's list says is as foreign as a drag.
 TEST_F(AlbumDropTest, APathOfTheLibraryThatLeadsElsewhereIsNotFollowed) {
-  const QStringList odd{u"relative/1.jpg"_s, u"/Pictures/../2.jpg"_s, u"/Pictures/./3.jpg"_s, u"/Pictures//4.jpg"_s,
-                        u"/Pictures/Roll/5.jpg"_s};
+  const QStringList odd{u"relative/1.jpg"_s,   u"/Pictures/../2.jpg"_s,   u"/Pictures/./3.jpg"_s,
+                        u"/Pictures//4.jpg"_s, u"/Pictures/Roll/5.jpg"_s, u"/Library/Application Support/6.jpg"_s};
   DropIntake::Hooks hooks{[] { return true; }, [] {}, [] {}, [](quint32) {}};
   hooks.changePhotosPaths = [&odd](const QStringList &) { return odd; };
+  hooks.isOutside = [](const QString &path) { return !path.startsWith(u"/Library/"_s); };
   DropIntake intake(bench.files, bench.board, bench.log, bench.strings, bench.session, bench.view, bench.desktop,
                     hooks);
   intake.setReady();
-  const QStringList dropped{u"/t/1.jpg"_s, u"/t/2.jpg"_s, u"/t/3.jpg"_s, u"/t/4.jpg"_s, u"/t/5.jpg"_s};
+  const QStringList dropped{u"/t/1.jpg"_s, u"/t/2.jpg"_s, u"/t/3.jpg"_s, u"/t/4.jpg"_s, u"/t/5.jpg"_s, u"/t/6.jpg"_s};
   intake.handleiPhotoDragAndDrop({{}, {{u"PhotoData"_s, QVariantList{album(u"A"_s, dropped)}}}});
-  EXPECT_EQ(items(), dropped.mid(0, 4) + QStringList{u"/Pictures/Roll/5.jpg"_s});
+  EXPECT_EQ(items(), dropped.mid(0, 4) + QStringList{u"/Pictures/Roll/5.jpg"_s, u"/t/6.jpg"_s});
   EXPECT_EQ(records().first(), u"A /t/1.jpg"_s);
 }
 
