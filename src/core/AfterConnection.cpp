@@ -25,6 +25,7 @@ AfterConnection::AfterConnection(const Files &files, Settings &settings, Session
       m_agentFile(files.files, files.lists, files.desktop, files.paths.dropperPropertyFilePath) {}
 
 void AfterConnection::byUser(const QString &address) {
+  beginSession();
   storeCredentials(address);
   readDeviceName();
   m_interface.setDockIcon(kConnectImage);
@@ -36,6 +37,7 @@ void AfterConnection::byUser(const QString &address) {
 }
 
 void AfterConnection::automatic() {
+  beginSession();
   m_interface.setDockIcon(kConnectImage);
   readDeviceName();
   tellDropAgent();
@@ -57,8 +59,13 @@ void AfterConnection::storeCredentials(const QString &address) {
   m_machinePreferences.write(machine, m_machinePreferences.exists() ? std::nullopt : std::optional(kFolderMode));
 }
 
-void AfterConnection::readDeviceName() {
+// First of all: whatever fails afterwards, the share is there and takes drops.
+void AfterConnection::beginSession() {
   m_session.setConnectedAddress(m_session.IPAddressString());
+  m_session.setHardwareAddress({});
+}
+
+void AfterConnection::readDeviceName() {
   const QString name = m_deviceName.getDeviceName();
   m_session.setDeviceName(name);
   m_interface.setDeviceName(name);

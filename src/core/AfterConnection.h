@@ -45,6 +45,7 @@ public:
 
 private:
   void storeCredentials(const QString &address);
+  void beginSession();
   void readDeviceName();
   void tellDropAgent();
   void checkFavourites();

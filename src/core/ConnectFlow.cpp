@@ -154,7 +154,7 @@ void ConnectFlow::onDisconnect() {
       refuseDisconnect();
     } else {
       m_hooks.awaitTransfer();
-      disconnectAndShow(true);
+      disconnectAndShow(!m_hooks.hasToldOfWaitingDrop());
     }
   } catch (const std::exception &e) {
     logException(m_tools.desktop, u"onDisconnect"_s, e);

@@ -146,7 +146,7 @@ QStringList unusual(const FavouritesReport &report) {
   return found;
 }
 
-// A title that no player finds, because it does not stand below the server's folder, or an album that does.
+// A title that no player finds, because no drive stands in front, or an album with the server's folder in front.
 bool isOutOfPlace(const FavouriteTitle &title, const StoredRecord &record, FavouritesKind kind) {
   const QString stored = QString::fromLatin1(record.lead);
   return isAlbum(title) ? stored.startsWith(serverPrefix(kind)) : !beginsWithDrive(stored);

@@ -11,8 +11,8 @@ namespace sonorel {
 
 namespace {
 
-// Every option that changes what a client says or takes is named: loading a file resets none of the others. The
-// values are Samba's own defaults. The protocols are the session's to set.
+// The options that decide how a client logs in, what it takes from a server and how names are read: loading a file
+// resets none that it does not name. The values are Samba's own defaults. The protocols are the session's to set.
 constexpr std::string_view kSettings = R"([global]
 client ntlmv2 auth = yes
 client lanman auth = no

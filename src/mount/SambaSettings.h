@@ -1,5 +1,5 @@
 // What the mount program wants of Samba, laid over what stands in the user's and this machine's files: those might
-// allow passwords in clear, refuse old products or garble names.
+// allow passwords in clear, refuse old products or garble names. The thread of the context.
 #pragma once
 
 #include <libsmbclient.h>

@@ -60,8 +60,10 @@ void ProductSelection::CancelEnterPasswordPanel() {
 void ProductSelection::RemoveAProductProductsList(const ProductRow &row) {
   if (const auto active = m_products.removeSelectedProduct(row, mayGo())) {
     askToRemove(u"RemoveAProductFromProductList"_s, [this, record = *active] {
-      // Another product may have been chosen since: its connection stays.
-      if (!m_products.isActiveProduct(record) || endsConnection()) {
+      // Another product may have been chosen since. The mark alone does not tell whether it is connected, too.
+      const bool mayBeConnected =
+          m_products.isActiveProduct(record) || connectionAddress(record) == m_session.connectedAddress();
+      if (!mayBeConnected || endsConnection()) {
         m_products.removeSelectedProduct(record);
       }
     });

@@ -21,6 +21,7 @@ TransferDriver::TransferDriver(const TransferTools &tools, Transfer &transfer, M
 void TransferDriver::startTransfer() {
   m_worker.join(); // the last step of an earlier transfer takes the mark away
   m_isAtWork = true;
+  m_hasToldOfWaitingDrop = false;
   auto notStarted = qScopeGuard([this] { m_isAtWork = false; });
   m_worker.start([this](std::stop_token stop) { transferToVaultbox(std::move(stop)); });
   notStarted.dismiss();
@@ -34,7 +35,7 @@ void TransferDriver::transferToVaultbox(std::stop_token stop) {
     try {
       again = runTransfer();
     } catch (const std::exception &exception) {
-      again = goesOnAfter(cleanUpAfterException(exception));
+      again = isTurnOf(cleanUpAfterException(exception));
     }
   }
 }
@@ -56,7 +57,7 @@ bool TransferDriver::runTransfer() {
     return false;
   }
   endTransfer();
-  return goesOnAfter(finishTransferHandler());
+  return isTurnOf(finishTransferHandler());
 }
 
 bool TransferDriver::carryQueue() {

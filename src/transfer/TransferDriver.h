@@ -41,6 +41,8 @@ public:
   void transferToVaultbox(std::stop_token stop);
   // From startTransfer until the worker has done its last step. Any thread.
   [[nodiscard]] bool isAtWork() const { return m_isAtWork; }
+  // The latest transfer ended with a drop that waited and will not be carried; the log says so. Any thread.
+  [[nodiscard]] bool hasToldOfWaitingDrop() const { return m_hasToldOfWaitingDrop; }
 
   // The source fits into the share's free space. Looks whether the share is there at all.
   [[nodiscard]] bool isVaultboxDiskFree(const QString &sourcePath);
@@ -57,7 +59,8 @@ private:
   };
 
   [[nodiscard]] bool runTransfer();
-  [[nodiscard]] bool goesOnAfter(bool dropWaited);
+  // Whether a drop that waited is carried now; one that has no turn any more is ended.
+  [[nodiscard]] bool isTurnOf(bool dropWaited);
   [[nodiscard]] bool carryQueue(); // false: the machine went to sleep
   [[nodiscard]] After carryItem(const QueueEntry &entry);
   [[nodiscard]] After carryByType(const QueueEntry &entry, const Item &item);
@@ -117,6 +120,7 @@ private:
   Hooks m_hooks;
 
   std::atomic<bool> m_isAtWork{false};
+  std::atomic<bool> m_hasToldOfWaitingDrop{false};
 
   // One transfer; worker thread.
   std::stop_token m_stop;

@@ -54,12 +54,14 @@ TransferDriver::After TransferDriver::exceptionInBranch(const std::exception &ex
 // A drop that waited has no turn when the client is disconnected or ends: it is told as not transferred, and the
 // transfer that it had become ends with that. When the machine sleeps its turn comes all the same: it is broken off
 // at its first item and listed after the wake.
-bool TransferDriver::goesOnAfter(bool dropWaited) {
+bool TransferDriver::isTurnOf(bool dropWaited) {
   TransferBoard &board = m_tools.board;
   while (dropWaited && m_stop.stop_requested() && !board.manualSleepWasConnected) {
     board.beginEnding();
     board.fileIndex = 0;
     showWithRemainingList(message(u"Message1"_s));
+    m_hasToldOfWaitingDrop = true;
+    (void)board.takeVideoPresent();
     for (const bool photos : {true, false}) {
       QList<PlaylistInfo> records = board.records(photos);
       records.removeIf([](const PlaylistInfo &record) { return record.songTransferFlag != u"Y"; });

@@ -87,6 +87,7 @@ protected:
   QStringList did;
   std::function<void()> onValidate;
   bool workerRuns = false;
+  bool toldOfWaitingDrop = false;
   int attemptsEnded = 0;
   std::stop_source stop;
   std::atomic<bool> isAuthenticationError{false};
@@ -154,7 +155,8 @@ protected:
                       did.append(QStringLiteral("awaitTransfer"));
                       EXPECT_TRUE(fakes.files.isMounted(point));
                       EXPECT_FALSE(sent(QStringLiteral("ClientDisconnected.orv")));
-                    }}};
+                    },
+                    [this] { return toldOfWaitingDrop; }}};
 };
 
 } // namespace sonorel::test

@@ -69,6 +69,15 @@ TEST_F(DisconnectTest, SleepThatTheUserChoseDisconnectsATransferAndKeepsTheLog) 
   EXPECT_EQ(questions(), QStringList());
 }
 
+TEST_F(DisconnectTest, LogOfADropThatWaitedInVainStays) {
+  beginTransfer();
+  board.isCancel = true;
+  toldOfWaitingDrop = true;
+  disconnect();
+  EXPECT_FALSE(fakes.files.isMounted(point));
+  EXPECT_EQ(shown().messageLog, u"messages"_s);
+}
+
 TEST_F(DisconnectTest, CancelledTransferKeepsNobodyConnectedButHandsInWhatItHasPlaced) {
   beginTransfer();
   board.isCancel = true;

@@ -55,6 +55,16 @@ TEST_F(ConnectTest, StoresAddressPasswordAndNameInTheirFiles) {
                                   {u"Detection Type"_s, u"1"_s}}));
 }
 
+TEST_F(ConnectTest, ProductConnectedIsKnownAlsoWhenNothingCanBeStored) {
+  prepareShare();
+  session.setHardwareAddress(u"00-1A-2B-3C-4D-5E"_s); // of the product before
+  fakes.files.failPath(fakes.paths.PFPath, FailureKind::DiskFull);
+  connect();
+  EXPECT_TRUE(fakes.files.isMounted(point));
+  EXPECT_EQ(session.connectedAddress(), u"10.0.0.2"_s);
+  EXPECT_EQ(session.hardwareAddress(), QString());
+}
+
 TEST_F(ConnectTest, EscapesForTheUrlAndStoresTheTextItself) {
   prepareShare();
   session.setPasswordString(u"p@ss;100%"_s);

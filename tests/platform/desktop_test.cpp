@@ -110,7 +110,8 @@ TEST_F(LinuxDesktopTest, EntryOfAnEarlierInstallationStartsThisOneAndKeepsWhatTh
       {folder.path(), u"/opt/old/sonoreld"_s, [](const QString &path) { return std::optional<QString>(path); }});
   EXPECT_TRUE(earlier.setLoginItems({{u"/opt/other"_s, false}, {kApp, true}}));
   const QByteArray other = content(u"sonorel.desktop"_s);
-  put(u"sonorel-2.desktop"_s, content(u"sonorel-2.desktop"_s) + "X-GNOME-Autostart-enabled=false\n");
+  put(u"sonorel-2.desktop"_s, content(u"sonorel-2.desktop"_s) +
+                                  "X-GNOME-Autostart-enabled=false\n[Desktop Action Own]\nExec=\"/usr/bin/own\"\n");
   put(u"sonorel-notes.desktop"_s, "[Desktop Entry]\nExec=notes\n");
   desktop.renewLoginItems();
   EXPECT_EQ(content(u"sonorel-2.desktop"_s), QByteArray("[Desktop Entry]\n"
@@ -119,9 +120,19 @@ TEST_F(LinuxDesktopTest, EntryOfAnEarlierInstallationStartsThisOneAndKeepsWhatTh
                                                         "Exec=\"/opt/new place/sonoreld\"\n"
                                                         "X-Sonorel-Path=/Applications/Sonorel/Sonorel.app\n"
                                                         "X-Sonorel-Hide=true\n"
-                                                        "X-GNOME-Autostart-enabled=false\n"));
+                                                        "X-GNOME-Autostart-enabled=false\n"
+                                                        "[Desktop Action Own]\n"
+                                                        "Exec=\"/usr/bin/own\"\n"));
   EXPECT_EQ(content(u"sonorel.desktop"_s), other);
   EXPECT_EQ(content(u"sonorel-notes.desktop"_s), QByteArray("[Desktop Entry]\nExec=notes\n"));
+}
+
+TEST_F(LinuxDesktopTest, CommandOfTheUsersOwnIsKept) {
+  const QByteArray own =
+      "[Desktop Entry]\nExec=nice \"/opt/old/sonoreld\"\nX-Sonorel-Path=/Applications/Sonorel/Sonorel.app\n";
+  put(u"sonorel.desktop"_s, own);
+  desktop.renewLoginItems();
+  EXPECT_EQ(content(u"sonorel.desktop"_s), own);
 }
 
 TEST_F(LinuxDesktopTest, EntryThatTheUserRemovedIsNotMadeAnew) {

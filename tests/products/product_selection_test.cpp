@@ -202,11 +202,23 @@ TEST_F(ProductSelectionTest, AnswerMeansTheActiveProductAlsoWhenOthersLackASeria
 TEST_F(ProductSelectionTest, AnswerMeansTheProductAlsoWhenAnotherWasChosenMeanwhile) {
   putActiveAndOther();
   connected = true;
+  session.setConnectedAddress(u"10.0.0.2"_s);
   selection.RemoveAProductProductsList({0, {}});
   put(u"Selected Devices"_s, {passive(first), active(second)});
   view.answer(1);
   EXPECT_EQ(selected(), QVariantList({active(second)}));
   EXPECT_EQ(did, QStringList()) << "the other product stays connected";
+}
+
+TEST_F(ProductSelectionTest, ProductThatIsStillConnectedIsDisconnectedAlsoWhenAnotherIsMarked) {
+  putActiveAndOther();
+  connected = true;
+  session.setConnectedAddress(u"10.0.0.1"_s);
+  selection.RemoveAProductProductsList({0, {}});
+  put(u"Selected Devices"_s, {passive(first), active(second)}); // the choice was refused, the mark stays
+  view.answer(1);
+  EXPECT_EQ(selected(), QVariantList({active(second)}));
+  EXPECT_EQ(did, QStringList({u"disconnect"_s}));
 }
 
 TEST_F(ProductSelectionTest, ActiveProductGoesAtOnceWhileNothingIsConnected) {

@@ -13,7 +13,7 @@ skip_road() {
   printf '%s: Skipped\n%s\n' "$0" "$1"
   exit 77
 }
-missing=$("$standin" possible) || skip_road "$missing"
+missing=$("$standin" possible) || { [ $? -eq 77 ] || fail "${missing:-standin possible failed}"; skip_road "$missing"; }
 [ "$(id -u)" -ne 0 ] || unshare --mount true 2>/dev/null || skip_road "no namespaces for this user"
 
 point=$XDG_RUNTIME_DIR/sonorel/Volumes/VB-SHARE\$

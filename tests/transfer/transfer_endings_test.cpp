@@ -251,9 +251,10 @@ TEST_F(TransferEndingsTest, ADropThatWaitedWhenTheMachineSleepsIsKeptForTheList)
 }
 
 TEST_F(TransferEndingsTest, ADropThatWaitedWhenTheClientIsDisconnectedIsToldAndGone) {
+  bench.files.put(u"/m/p.jpg"_s, "x");
   bench.deliver(u"Party"_s, {song(1)});
   bench.onSend = [&] {
-    bench.deliver(u"Later"_s, {song(2)});
+    bench.deliver(u"Later"_s, {song(2), u"/m/p.jpg"_s});
     bench.board.isCancel = true;
     bench.worker.requestStop();
   };
@@ -262,10 +263,11 @@ TEST_F(TransferEndingsTest, ADropThatWaitedWhenTheClientIsDisconnectedIsToldAndG
   EXPECT_FALSE(bench.board.at(0));
   EXPECT_FALSE(bench.board.hasRecords(false));
   EXPECT_FALSE(bench.board.isCancel);
+  EXPECT_FALSE(bench.board.takeVideoPresent());
   EXPECT_EQ(bench.dropsFinished, 2U);
   EXPECT_EQ(bench.musicTree(), QStringList{u"A/B/A-B-T1.mp3"_s});
   EXPECT_EQ(bench.view.lastLog,
-            u"The connection to the product was lost. These items were not transferred:\n2.mp3\n"_s);
+            u"The connection to the product was lost. These items were not transferred:\n2.mp3\np.jpg\n"_s);
 }
 
 TEST_F(TransferEndingsTest, PicturesOfAPlaylistAreNamedBeforeTheClosingLine) {

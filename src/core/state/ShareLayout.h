@@ -1,6 +1,6 @@
 // The server share as everybody sees it: the fixed literals, the configured folder values and the nine characters
 // that a name on the share never holds. Folder paths are plain concatenations; every value carries its own
-// separators. Pure, any thread.
+// separators. Any thread.
 #pragma once
 
 #include <QString>

@@ -7,6 +7,7 @@ namespace sonorel {
 namespace {
 
 constexpr QStringView kExecKey = u"Exec=";
+constexpr QByteArrayView kOwnExec = "Exec=\""; // a program in quotes and nothing else is ours
 constexpr QStringView kPathKey = u"X-Sonorel-Path=";
 constexpr QStringView kHideKey = u"X-Sonorel-Hide=";
 
@@ -67,8 +68,10 @@ QByteArray encodeAutostartEntry(const LoginItem &item, const QString &command) {
 
 QByteArray withCommand(const QByteArray &bytes, const QString &command) {
   QList<QByteArray> lines = bytes.split('\n');
+  int groups = 0;
   for (QByteArray &line : lines) {
-    if (line.startsWith(kExecKey.toUtf8())) {
+    groups += line.startsWith('[') ? 1 : 0;
+    if (groups == 1 && line.startsWith(kOwnExec) && line.endsWith('"')) {
       line = execLine(command).toUtf8();
     }
   }

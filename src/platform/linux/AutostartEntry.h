@@ -12,7 +12,8 @@ namespace sonorel {
 
 // command is the host path of the program that the entry starts.
 [[nodiscard]] QByteArray encodeAutostartEntry(const LoginItem &item, const QString &command);
-// The entry with that command, and all else as it stands.
+// The entry with that command where an entry of ours has one; all else, a command of the user's own included, as it
+// stands.
 [[nodiscard]] QByteArray withCommand(const QByteArray &bytes, const QString &command);
 // nullopt for an entry that is not one of ours.
 [[nodiscard]] std::optional<LoginItem> decodeAutostartEntry(const QByteArray &bytes);

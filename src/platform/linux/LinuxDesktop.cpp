@@ -20,7 +20,7 @@ namespace {
 
 constexpr qint64 kEntryLimit = 64 * 1024;
 
-// Empty for what is no entry of ours.
+// Empty for what is no readable file of an entry's size.
 QByteArray entryBytes(const QString &path) {
   QFile file(path);
   if (!QFileInfo(path).isFile() || file.size() > kEntryLimit || !file.open(QIODevice::ReadOnly)) {
