@@ -149,12 +149,21 @@ void ConnectFlow::onDisconnect() {
       m_parts.interface.setDockIcon(kDisconnectImage);
     } else if (m_parts.board.manualSleepWasConnected) {
       // It waits for nothing more; the log of a transfer that it breaks off is shown again after the wake.
-      disconnectAndShow(m_parts.board.transferComplete() || m_parts.board.isCancel);
+      const bool resetWindow = m_parts.board.transferComplete() || m_parts.board.isCancel;
+      disconnectAndShow();
+      if (resetWindow) {
+        m_parts.interface.setProgressBar(0);
+        m_parts.log.clear();
+      }
     } else if (transferRuns()) {
       refuseDisconnect();
     } else {
       m_hooks.awaitTransfer();
-      disconnectAndShow(!m_hooks.hasToldOfWaitingDrop());
+      disconnectAndShow();
+      m_parts.interface.setProgressBar(0);
+      if (!m_hooks.takeToldOfWaitingDrop()) {
+        m_parts.log.clear();
+      }
     }
   } catch (const std::exception &e) {
     logException(m_tools.desktop, u"onDisconnect"_s, e);
@@ -169,13 +178,9 @@ void ConnectFlow::refuseDisconnect() {
                           m_parts.strings.text(u"ErrorDisconnect2"_s));
 }
 
-void ConnectFlow::disconnectAndShow(bool resetWindow) {
+void ConnectFlow::disconnectAndShow() {
   disconnect();
   m_parts.interface.setDockIcon(kDisconnectImage);
-  if (resetWindow) {
-    m_parts.interface.setProgressBar(0);
-    m_parts.log.clear();
-  }
 }
 
 void ConnectFlow::leaveLostShare() {

@@ -48,8 +48,8 @@ public:
     std::function<void()> attemptsEnded; // to connect, well or not
     // Ends a cancelled transfer that has not ended yet; what it hands in needs the share.
     std::function<void()> awaitTransfer;
-    // Its worker has just told of a drop that will not be carried: the log stays.
-    std::function<bool()> hasToldOfWaitingDrop = [] { return false; };
+    // It has just told of a drop that will not be carried: the log stays. True once.
+    std::function<bool()> takeToldOfWaitingDrop = [] { return false; };
   };
 
   // mainDictPath: removed at the end of every Connect.
@@ -87,7 +87,7 @@ public:
 private:
   void connect();
   void showFailure();
-  void disconnectAndShow(bool resetWindow);
+  void disconnectAndShow();
   void removeMainDictionary();
 
   ConnectionTools m_tools;

@@ -72,7 +72,7 @@ ShareRoles::ShareRoles(Roles &owner)
                   {[&owner] { owner.system.unmountVBShareUsingApplescript(); },
                    [this](const QString &address) { wakeOnLan.WakeupOnLanAProduct(address); },
                    [this] { return driver.isAtWork(); }, [this] { wakeNotice.end(); }, [this] { awaitTransfer(); },
-                   [this] { return driver.hasToldOfWaitingDrop(); }}),
+                   [this] { return driver.takeToldOfWaitingDrop(); }}),
       automaticConnection(owner.session, owner.interface, automaticHooks()),
       events(connectFlow, connectParts, owner.preferences, owner.platform.clock, owner.platform.desktop,
              eventHooks()),

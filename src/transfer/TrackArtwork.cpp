@@ -2,6 +2,7 @@
 
 #include "platform/Failure.h"
 #include "transfer/PathNames.h"
+#include "transfer/Removal.h"
 #include "transfer/TrackNames.h"
 
 #include <QScopeGuard>
@@ -105,7 +106,7 @@ void TrackArtwork::removeBeside(const Picture &picture, const QString &name) {
     m_tools.files.removeFile(picture.serverFolder + name);
   } catch (const Failure &failure) {
     if (failure.kind() != FailureKind::Absent) {
-      m_tools.desktop.log(u"%1 could not be removed: %2"_s.arg(picture.serverFolder + name, failure.reason()));
+      logNotRemoved(m_tools.desktop, picture.serverFolder + name, failure);
     }
   }
 }

@@ -35,7 +35,7 @@ void TransferDriver::transferToVaultbox(std::stop_token stop) {
     try {
       again = runTransfer();
     } catch (const std::exception &exception) {
-      again = isTurnOf(cleanUpAfterException(exception));
+      again = settleWaitingDrop(cleanUpAfterException(exception));
     }
   }
 }
@@ -57,7 +57,7 @@ bool TransferDriver::runTransfer() {
     return false;
   }
   endTransfer();
-  return isTurnOf(finishTransferHandler());
+  return settleWaitingDrop(finishTransferHandler());
 }
 
 bool TransferDriver::carryQueue() {

@@ -41,8 +41,9 @@ public:
   void transferToVaultbox(std::stop_token stop);
   // From startTransfer until the worker has done its last step. Any thread.
   [[nodiscard]] bool isAtWork() const { return m_isAtWork; }
-  // The latest transfer ended with a drop that waited and will not be carried; the log says so. Any thread.
-  [[nodiscard]] bool hasToldOfWaitingDrop() const { return m_hasToldOfWaitingDrop; }
+  // The latest transfer ended with a drop that waited and will not be carried; the log says so. True once. Any
+  // thread.
+  [[nodiscard]] bool takeToldOfWaitingDrop() { return m_hasToldOfWaitingDrop.exchange(false); }
 
   // The source fits into the share's free space. Looks whether the share is there at all.
   [[nodiscard]] bool isVaultboxDiskFree(const QString &sourcePath);
@@ -59,8 +60,8 @@ private:
   };
 
   [[nodiscard]] bool runTransfer();
-  // Whether a drop that waited is carried now; one that has no turn any more is ended.
-  [[nodiscard]] bool isTurnOf(bool dropWaited);
+  // True when it is to be carried now; one that has no turn any more is ended.
+  [[nodiscard]] bool settleWaitingDrop(bool dropWaited);
   [[nodiscard]] bool carryQueue(); // false: the machine went to sleep
   [[nodiscard]] After carryItem(const QueueEntry &entry);
   [[nodiscard]] After carryByType(const QueueEntry &entry, const Item &item);

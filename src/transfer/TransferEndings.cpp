@@ -54,7 +54,7 @@ TransferDriver::After TransferDriver::exceptionInBranch(const std::exception &ex
 // A drop that waited has no turn when the client is disconnected or ends: it is told as not transferred, and the
 // transfer that it had become ends with that. When the machine sleeps its turn comes all the same: it is broken off
 // at its first item and listed after the wake.
-bool TransferDriver::isTurnOf(bool dropWaited) {
+bool TransferDriver::settleWaitingDrop(bool dropWaited) {
   TransferBoard &board = m_tools.board;
   while (dropWaited && m_stop.stop_requested() && !board.manualSleepWasConnected) {
     board.beginEnding();

@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace sonorel::test {
 
 class ConnectTest : public testing::Test {
@@ -156,7 +158,7 @@ protected:
                       EXPECT_TRUE(fakes.files.isMounted(point));
                       EXPECT_FALSE(sent(QStringLiteral("ClientDisconnected.orv")));
                     },
-                    [this] { return toldOfWaitingDrop; }}};
+                    [this] { return std::exchange(toldOfWaitingDrop, false); }}};
 };
 
 } // namespace sonorel::test

@@ -76,6 +76,11 @@ TEST_F(DisconnectTest, LogOfADropThatWaitedInVainStays) {
   disconnect();
   EXPECT_FALSE(fakes.files.isMounted(point));
   EXPECT_EQ(shown().messageLog, u"messages"_s);
+  EXPECT_EQ(shown().progress, 0);
+  connect();
+  fakes.files.erase(point + u"/System/ClientDisconnected.orv"_s);
+  disconnect();
+  EXPECT_EQ(shown().messageLog, QString()) << "it stays over that disconnect, not over every later one";
 }
 
 TEST_F(DisconnectTest, CancelledTransferKeepsNobodyConnectedButHandsInWhatItHasPlaced) {

@@ -16,6 +16,17 @@ class UnwrittenPlaylistsTest : public testing::Test {
 protected:
   UnwrittenPlaylistsTest() { mountShare(files, u"Auralis 5"_s); }
 
+  // A playlist, an album on a colour key and a picture, kept while the product counted as that one.
+  void keepListsOf(const QString &deviceName) {
+    MergeWorkbench other(files, deviceName);
+    other.connected = false;
+    other.track(u"Party"_s, u"A@@@@@G@@@@@a.mp3"_s);
+    other.track(u"@!!!Red!!!@"_s, u"b.mp3"_s, u"Gold"_s);
+    EXPECT_FALSE(other.send());
+    other.pictureOf(u"Rome"_s, u"/Volumes/VB-SHARE$/Photo/Mac/Rome/1.jpg"_s);
+    EXPECT_FALSE(other.sendPictures());
+  }
+
   // A transfer whose lists could not be written, and the end of the client.
   void failAndQuit(const QString &playlist, const QString &track) {
     MergeWorkbench client(files, u"Auralis 5"_s, u"/Client"_s, m_used += 100);
@@ -243,15 +254,7 @@ TEST_F(UnwrittenPlaylistsTest, ThatStandOnTheServerAlreadyAreNotWrittenTwice) {
 
 // A product whose name cannot be read counts as "Vaultbox 1", whose titles lack a field and whose keys are no keys.
 TEST_F(UnwrittenPlaylistsTest, OfAProductThatWasTakenForAnotherFitIt) {
-  {
-    MergeWorkbench other(files, u"Vaultbox 1"_s);
-    other.connected = false;
-    other.track(u"Party"_s, u"A@@@@@G@@@@@a.mp3"_s);
-    other.track(u"@!!!Red!!!@"_s, u"b.mp3"_s, u"Gold"_s);
-    EXPECT_FALSE(other.send());
-    other.pictureOf(u"Rome"_s, u"/Volumes/VB-SHARE$/Photo/Mac/Rome/1.jpg"_s);
-    EXPECT_FALSE(other.sendPictures());
-  }
+  keepListsOf(u"Vaultbox 1"_s);
   MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 500);
   ASSERT_TRUE(next.metaData.retryUnwritten({}));
   EXPECT_EQ(next.shown().at(0), u"1 Red: Gold/2"_s);
@@ -262,15 +265,7 @@ TEST_F(UnwrittenPlaylistsTest, OfAProductThatWasTakenForAnotherFitIt) {
 }
 
 TEST_F(UnwrittenPlaylistsTest, OfAProductThatIsTakenForVaultbox1FitThatToo) {
-  {
-    MergeWorkbench other(files, u"Auracore 5"_s);
-    other.connected = false;
-    other.track(u"Party"_s, u"A@@@@@G@@@@@a.mp3"_s);
-    other.track(u"@!!!Red!!!@"_s, u"b.mp3"_s, u"Gold"_s);
-    EXPECT_FALSE(other.send());
-    other.pictureOf(u"Rome"_s, u"/Volumes/VB-SHARE$/Photo/Mac/Rome/1.jpg"_s);
-    EXPECT_FALSE(other.sendPictures());
-  }
+  keepListsOf(u"Auracore 5"_s);
   MergeWorkbench next(files, u"Vaultbox 1"_s, u"/Client"_s, 500);
   ASSERT_TRUE(next.metaData.retryUnwritten({}));
   EXPECT_EQ(next.shown(), (QStringList{u"1 @~Party@~: A\\G\\a.mp3/-"_s, u"2 @~Red@~: Gold/-"_s}));

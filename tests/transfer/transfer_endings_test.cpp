@@ -268,6 +268,8 @@ TEST_F(TransferEndingsTest, ADropThatWaitedWhenTheClientIsDisconnectedIsToldAndG
   EXPECT_EQ(bench.musicTree(), QStringList{u"A/B/A-B-T1.mp3"_s});
   EXPECT_EQ(bench.view.lastLog,
             u"The connection to the product was lost. These items were not transferred:\n2.mp3\np.jpg\n"_s);
+  EXPECT_TRUE(bench.driver.takeToldOfWaitingDrop());
+  EXPECT_FALSE(bench.driver.takeToldOfWaitingDrop());
 }
 
 TEST_F(TransferEndingsTest, PicturesOfAPlaylistAreNamedBeforeTheClosingLine) {
