@@ -1,5 +1,6 @@
 #include "trackchute/Poster.h"
 
+#include "core/state/DockImages.h"
 #include "platform/Failure.h"
 #include "platform/linux/BusNames.h"
 #include "platform/linux/NotificationMessage.h"
@@ -17,11 +18,15 @@ namespace {
 
 constexpr int kAnswerTimeout = 30000; // milliseconds; the door answers at once, a busy machine may not
 
-QDBusMessage property(const QString &name) {
+QVariant property(const QString &name) {
   QDBusMessage call =
       QDBusMessage::createMethodCall(kClientService, kClientPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
   call << QString(kClientInterface) << name;
-  return QDBusConnection::sessionBus().call(call, QDBus::Block, kAnswerTimeout);
+  const QDBusMessage reply = QDBusConnection::sessionBus().call(call, QDBus::Block, kAnswerTimeout);
+  if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
+    throw Failure(u"the Sonorel client does not answer: "_s + reply.errorMessage());
+  }
+  return reply.arguments().constFirst().value<QDBusVariant>().variant();
 }
 
 } // namespace
@@ -37,11 +42,7 @@ Poster::Poster() {
 }
 
 QString Poster::deviceName() const {
-  const QDBusMessage reply = property(u"DeviceName"_s);
-  if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
-    return {};
-  }
-  return reply.arguments().constFirst().value<QDBusVariant>().variant().toString();
+  return property(u"DeviceName"_s).toString();
 }
 
 void Poster::postDrag(const QString &object, const QStringList &draggedFiles) {
@@ -62,9 +63,10 @@ void Poster::post(const QString &name, const Notification &notification) {
     throw Failure(u"the session bus did not take the drop"_s);
   }
   // A message on the same connection is answered only after the drop has been delivered.
-  const QDBusMessage reply = property(u"Pending"_s);
-  if (reply.type() != QDBusMessage::ReplyMessage) {
-    throw Failure(u"the Sonorel client does not answer: "_s + reply.errorMessage());
+  static_cast<void>(property(u"Pending"_s));
+  // What waits behind a quit is carried by nobody: the client leaves its product and ends.
+  if (property(u"DockImage"_s).toString() == kQuittingImage) {
+    throw Failure(u"the Sonorel client is quitting, the drop was not taken; drop again when it runs"_s);
   }
 }
 

@@ -14,10 +14,10 @@ public:
   // Throws Failure when there is no session bus or no client on it.
   Poster();
 
-  // The client's `DeviceName`; empty when it does not answer.
+  // The client's `DeviceName`. Throws Failure when it does not answer.
   [[nodiscard]] QString deviceName() const;
   // Each posts one notification and returns when the client has received it. Throws Failure when it is too large for
-  // one notification or when the client does not answer.
+  // one notification, when the client does not answer, or when it is quitting and will not carry the drop.
   void postDrag(const QString &object, const QStringList &draggedFiles);
   void postAlbums(const QVariantList &photoData); // of "albumName" and "draggedFiles"
   void postBookmarks(const QStringList &titles, const QStringList &urls);

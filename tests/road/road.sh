@@ -49,12 +49,16 @@ start_client() {
   client=$!
   waits 30 Busy '(<false>,)'
 }
-end_client() {
-  gdbus call "${door[@]}" --method org.freedesktop.Application.ActivateAction quit '[]' '{}' >/dev/null
+ask_to_quit() { gdbus call "${door[@]}" --method org.freedesktop.Application.ActivateAction quit '[]' '{}' >/dev/null; }
+await_end() {
   local status=0
   wait "$client" || status=$?
   client=
   [ "$status" -eq 0 ] || fail "the client ended with status $status"
+}
+end_client() {
+  ask_to_quit
+  await_end
 }
 kill_client() {
   kill -KILL "$client"
