@@ -1,19 +1,24 @@
 # Sourced by the network tests: two namespaces with two cables between them, in one of them a product's service daemon.
-# Nothing of it can be seen outside, and everything ends with the script. Where namespaces cannot be made the test is
-# skipped (status 77), but never where they must work.
+# Nothing of it can be seen outside, and everything ends with the script. Where namespaces or the daemon cannot be had
+# the test is skipped (status 77), but never where they must work.
 set -euo pipefail
+export PATH=$PATH:/usr/sbin:/sbin # the service daemon is not on everybody's
 
 if [ -z "${SONOREL_NETWORK:-}" ]; then
-  spaces=(unshare --net --mount --pid --fork --kill-child --mount-proc)
-  [ "$(id -u)" -eq 0 ] || spaces+=(--user --map-root-user)
-  if ! reason=$("${spaces[@]}" ip link set lo up 2>&1); then
-    if [ "$(id -u)" -eq 0 ] && unshare --mount true 2>/dev/null; then
-      echo "FAILED: there are namespaces, but not these: $reason" >&2
+  skip_network() { # WHY
+    if "$(dirname "${BASH_SOURCE[0]}")/../lacks-nothing"; then
+      echo "FAILED: what a network test needs must be here: $1" >&2
       exit 1
     fi
-    printf '%s: Skipped\nno network namespaces here: %s\n' "$0" "$reason"
+    printf '%s: Skipped\n%s\n' "$0" "$1"
     exit 77
-  fi
+  }
+  [ "$(id -u)" -eq 0 ] || skip_network "only root: a user's own namespaces lack the accounts that the service daemon takes"
+  for tool in avahi-daemon avahi-publish ip gdbus; do
+    command -v "$tool" >/dev/null || skip_network "$tool is not installed"
+  done
+  spaces=(unshare --net --mount --pid --fork --kill-child --mount-proc)
+  reason=$("${spaces[@]}" ip link set lo up 2>&1) || skip_network "no network namespaces: $reason"
   network=$(mktemp -d "${TMPDIR:-/tmp}/sonorel-network-XXXXXX")
   status=0
   SONOREL_NETWORK=$network "${spaces[@]}" "$0" "$@" || status=$?
@@ -71,7 +76,6 @@ owns_avahi() { # BUS
     --method org.freedesktop.DBus.GetNameOwner org.freedesktop.Avahi >/dev/null 2>&1
 }
 
-command -v avahi-daemon >/dev/null || fail "avahi-daemon is not installed"
 mount -t tmpfs tmpfs /run
 mkdir /run/avahi-daemon
 ip link set lo up
