@@ -8,15 +8,9 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
 
-namespace {
-
-constexpr int kNoAnswer = -1;
-
-} // namespace
-
 InterfaceController::InterfaceController(Loop &loop, UserInterface &userInterface, const TransferBoard &board,
                                          const Strings &strings)
-    : m_loop(loop), m_userInterface(userInterface), m_board(board), m_strings(strings) {}
+    : m_loop(loop), m_userInterface(userInterface), m_board(board), m_strings(strings), m_questions(userInterface) {}
 
 InterfaceController::~InterfaceController() {
   m_loop.cancel(m_pulsatingTimer);
@@ -192,48 +186,27 @@ void InterfaceController::alert(const QString &message, const QString &informati
 }
 
 quint32 InterfaceController::ask(Question question, std::function<void(int)> answered) {
-  question.serial = m_nextSerial++;
-  enqueue([this, question, answered = std::move(answered)] { openQuestion(question, answered); });
+  question.serial = m_questions.newSerial();
+  enqueue([this, question, answered = std::move(answered)] {
+    publish();
+    m_questions.open(question, answered);
+  });
   return question.serial;
 }
 
 void InterfaceController::withdraw(quint32 question) {
-  enqueue([this, question] {
-    if (m_open.erase(question) > 0) {
-      m_userInterface.close(question);
-    }
-  });
-}
-
-void InterfaceController::openQuestion(const Question &question, const std::function<void(int)> &answered) {
-  if (m_ended) {
-    answered(kNoAnswer);
-    return;
-  }
-  publish();
-  m_open[question.serial] = {static_cast<int>(question.buttons.size()), answered};
-  m_userInterface.open(question);
+  enqueue([this, question] { m_questions.withdraw(question); });
 }
 
 void InterfaceController::answerAlert(quint32 serial, int button) {
   flush();
-  const auto found = m_open.find(serial);
-  if (found == m_open.end() || button < 0 || button >= found->second.buttons) {
-    return;
-  }
-  const Open question = std::move(found->second);
-  m_open.erase(found);
-  m_userInterface.close(serial);
-  question.answered(button);
+  m_questions.answer(serial, button);
 }
 
 void InterfaceController::closeQuestions() {
-  m_ended = true;
+  m_questions.refuseFurtherOnes();
   flush();
-  for (const auto &[serial, question] : std::exchange(m_open, {})) {
-    m_userInterface.close(serial);
-    question.answered(kNoAnswer);
-  }
+  m_questions.closeAll();
 }
 
 // --- further values ---

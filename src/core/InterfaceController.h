@@ -3,6 +3,7 @@
 // opened and answered later; nobody waits. Read next: core/state/View.h, platform/UserInterface.h.
 #pragma once
 
+#include "core/OpenQuestions.h"
 #include "core/state/Strings.h"
 #include "core/state/TransferBoard.h"
 #include "core/state/View.h"
@@ -12,9 +13,7 @@
 
 #include <QMap>
 
-#include <atomic>
 #include <chrono>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -73,11 +72,6 @@ public:
   [[nodiscard]] const UserInterfaceState &state() const { return m_state; }
 
 private:
-  struct Open {
-    int buttons = 0;
-    std::function<void(int)> answered;
-  };
-
   using LogText = std::function<QString()>;
 
   void enqueue(std::function<void()> change);
@@ -87,13 +81,12 @@ private:
   void publish();
   void showImage(const QString &image);
   void pulsateImage();
-  void openQuestion(const Question &question, const std::function<void(int)> &answered);
 
   Loop &m_loop;
   UserInterface &m_userInterface;
   const TransferBoard &m_board;
   const Strings &m_strings;
-  std::atomic<quint32> m_nextSerial{1};
+  OpenQuestions m_questions;
 
   std::mutex m_mutex; // guards everything down to the empty line
   std::vector<std::function<void()>> m_wanted;
@@ -107,8 +100,6 @@ private:
   bool m_changed = false;
   Loop::TimerId m_pulsatingTimer = 0;
   bool m_pulsateImageToggler = false;
-  std::map<quint32, Open> m_open;
-  bool m_ended = false;
   bool m_quitAsked = false;
 };
 

@@ -19,7 +19,7 @@ ShareRoles::ShareRoles(Roles &owner)
       selection(products, owner.session, owner.strings, owner.interface, selectionHooks()),
       wakeNotice(owner.strings, owner.log, owner.interface),
       wakeOnLan(products, owner.platform.datagrams, owner.platform.clock, owner.platform.desktop,
-                {[&owner] { return owner.interruption.token(); }, [this] { wakeNotice.show(); }}),
+                {.stop = [&owner] { return owner.interruption.token(); }, .waiting = [this] { wakeNotice.show(); }}),
       discovery(owner.platform.serviceBrowser, products),
       messages(owner.platform.files, owner.platform.desktop, owner.strings, owner.interface, owner.session, folders),
       deviceName(owner.platform.files, owner.platform.propertyLists, owner.platform.desktop, owner.settings,
@@ -59,8 +59,8 @@ ShareRoles::ShareRoles(Roles &owner)
             [this](const QByteArray &emptyList) {
               photoFavourites.createIfMissing(emptyList, roles.interruption.token());
             }),
-      clientAlive(owner.platform.loop,
-                  {[this] { return connectFlow.isConnected(); }, [this] { messages.sendClientAliveMessage(); }}),
+      clientAlive(owner.platform.loop, {.isConnected = [this] { return connectFlow.isConnected(); },
+                                        .sendClientAliveMessage = [this] { messages.sendClientAliveMessage(); }}),
       cleanup(owner.platform.files, owner.platform.clock, owner.platform.desktop, folders,
               owner.values.temporaryMark),
       afterConnection({owner.platform.files, owner.platform.propertyLists, owner.platform.desktop, owner.paths},
@@ -68,11 +68,7 @@ ShareRoles::ShareRoles(Roles &owner)
                       afterConnectionHooks()),
       connectParts{owner.interface, owner.strings, owner.session, owner.board, owner.log,
                    messages,        products,      texts,         clientAlive, afterConnection},
-      connectFlow(connectionTools, connectParts, owner.paths.mainDictPath,
-                  {[&owner] { owner.system.unmountVBShareUsingApplescript(); },
-                   [this](const QString &address) { wakeOnLan.WakeupOnLanAProduct(address); },
-                   [this] { return driver.isAtWork(); }, [this] { wakeNotice.end(); }, [this] { awaitTransfer(); },
-                   [this] { return driver.takeToldOfWaitingDrop(); }}),
+      connectFlow(connectionTools, connectParts, owner.paths.mainDictPath, connectHooks()),
       automaticConnection(owner.session, owner.interface, automaticHooks()),
       events(connectFlow, connectParts, owner.preferences, owner.platform.clock, owner.platform.desktop,
              eventHooks()),
@@ -97,17 +93,35 @@ ProductSelection::Hooks ShareRoles::selectionHooks() {
   return hooks;
 }
 
+ConnectFlow::Hooks ShareRoles::connectHooks() {
+  ConnectFlow::Hooks hooks;
+  hooks.unmountVBShareUsingApplescript = [this] { roles.system.unmountVBShareUsingApplescript(); };
+  hooks.wakeupOnLanAProduct = [this](const QString &address) { wakeOnLan.WakeupOnLanAProduct(address); };
+  hooks.workerRuns = [this] { return driver.isAtWork(); };
+  hooks.attemptsEnded = [this] { wakeNotice.end(); };
+  hooks.awaitTransfer = [this] { awaitTransfer(); };
+  hooks.takeToldOfWaitingDrop = [this] { return driver.takeToldOfWaitingDrop(); };
+  return hooks;
+}
+
 PlaylistMetaData::Hooks ShareRoles::playlistHooks() {
   const AlbumNames names([this](const QString &path) { return metadataCache.tags(path); }, roles.platform.desktop);
-  return {[this] { return isConnected(); }, [names](const QString &path) { return names.albumOf(path); },
-          [this] { return forcedEnd.get_token(); }};
+  PlaylistMetaData::Hooks hooks;
+  hooks.isConnected = [this] { return isConnected(); };
+  hooks.album = [names](const QString &path) { return names.albumOf(path); };
+  hooks.stop = [this] { return forcedEnd.get_token(); };
+  return hooks;
 }
 
 TransferArtwork ShareRoles::transferArtwork() {
-  return {[this](const QString &track, const std::stop_token &stop) { artwork.embedArtworkToTrack(track, stop); },
-          [this](const QString &track, const QString &name, bool hierarchy, const std::stop_token &stop) {
-            artwork.transferStandAloneArtwork(track, name, hierarchy, stop);
-          }};
+  TransferArtwork hooks;
+  hooks.embed = [this](const QString &track, const std::stop_token &stop) {
+    artwork.embedArtworkToTrack(track, stop);
+  };
+  hooks.standAlone = [this](const QString &track, const QString &name, bool hierarchy, const std::stop_token &stop) {
+    artwork.transferStandAloneArtwork(track, name, hierarchy, stop);
+  };
+  return hooks;
 }
 
 TransferDriver::Hooks ShareRoles::driverHooks() {
@@ -184,20 +198,26 @@ AutomaticConnection::Hooks ShareRoles::automaticHooks() {
 }
 
 ApplicationEvents::Hooks ShareRoles::eventHooks() {
-  return {[this] { roles.startUp.performFirstLaunchCheck(); }, [this] { roles.system.killTrackChuteAndLaunch(); },
-          [this] { awaitTransfer(); }, [this] { roles.system.stopObservingSpaces(); },
-          [this] { return roles.interruption.token(); }};
+  ApplicationEvents::Hooks hooks;
+  hooks.performFirstLaunchCheck = [this] { roles.startUp.performFirstLaunchCheck(); };
+  hooks.killTrackChuteAndLaunch = [this] { roles.system.killTrackChuteAndLaunch(); };
+  hooks.awaitTransfer = [this] { awaitTransfer(); };
+  hooks.stopObservingSpaces = [this] { roles.system.stopObservingSpaces(); };
+  hooks.stop = [this] { return roles.interruption.token(); };
+  return hooks;
 }
 
 SleepAndWake::Hooks ShareRoles::sleepHooks() {
-  return {[this] { return connectFlow.isConnected(); },
-          [this](std::chrono::milliseconds limit) {
-            roles.platform.worker.requestStop();
-            if (!roles.platform.worker.joinWithin(limit)) {
-              roles.platform.desktop.log(u"the transfer did not end before the machine sleeps"_s);
-            }
-          },
-          [this] { connectFlow.onDisconnect(); }};
+  SleepAndWake::Hooks hooks;
+  hooks.isConnected = [this] { return connectFlow.isConnected(); };
+  hooks.endTransfer = [this](std::chrono::milliseconds limit) {
+    roles.platform.worker.requestStop();
+    if (!roles.platform.worker.joinWithin(limit)) {
+      roles.platform.desktop.log(u"the transfer did not end before the machine sleeps"_s);
+    }
+  };
+  hooks.onDisconnect = [this] { connectFlow.onDisconnect(); };
+  return hooks;
 }
 
 void ShareRoles::awaitTransfer() {

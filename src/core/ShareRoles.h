@@ -88,6 +88,7 @@ struct ShareRoles {
 private:
   [[nodiscard]] ConnectionTools makeConnectionTools();
   [[nodiscard]] ProductSelection::Hooks selectionHooks();
+  [[nodiscard]] ConnectFlow::Hooks connectHooks();
   [[nodiscard]] PlaylistMetaData::Hooks playlistHooks();
   [[nodiscard]] TransferArtwork transferArtwork();
   [[nodiscard]] TransferDriver::Hooks driverHooks();
