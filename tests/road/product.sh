@@ -30,21 +30,8 @@ trap stop_all EXIT
 
 is_mounted() { grep -qF " $point fuse.sonorel " /proc/self/mounts; }
 mount_programs() { pgrep -f "sonorel-mount $XDG_RUNTIME_DIR" || true; }
-action() { gdbus call "${door[@]}" --method org.freedesktop.Application.ActivateAction "$1" '[]' '{}' >/dev/null; }
-add_product() { # HOST:PORT
-  call AddManualProduct "" "$1" >/dev/null
-  waits 10 AddedProducts "*$1*"
-  call AddAddedProduct 0 "$1" >/dev/null
-  waits 10 SelectedProducts "*$1*"
-}
-select_product() {
-  local text
-  text=$(property SelectedProducts | grep -o "'[^']*'" | head -n1 | tr -d "'")
-  call SelectProduct 0 "$text" >/dev/null
-}
-is_connected_within() { # SECONDS
-  waits "$1" Connected '(<true>,)'
-  waits "$1" Busy '(<false>,)'
+mounted_within() { # SECONDS
+  connected_within "$1"
   is_mounted || fail "connected, but the share is not mounted"
 }
 connect_product() {
@@ -52,12 +39,12 @@ connect_product() {
   select_product
   waits 20 PasswordWanted '(<true>,)'
   call EnterPassword "$password" >/dev/null
-  is_connected_within 40
+  mounted_within 40
 }
 reconnect() {
   action connect
   waits 5 Busy '(<true>,)'
-  is_connected_within 40
+  mounted_within 40
 }
 
 # --- time ---
@@ -98,13 +85,5 @@ lists() { # FAVOURITES-FILE
   [ ! -e "$1" ] || "$bin/sonorel-favourites" "$1" |
     awk 'BEGIN { RS = ""; FS = "\n" } NR > 1 { sub(/^[0-9]+ */, ""); gsub(/\n */, "|"); print }' | sort
 }
-# Name, size, time in seconds and content of all that is kept there but for messages, and what the lists hold.
-product_state() {
-  (
-    cd "$share"
-    find . -type f ! -name '.sonorel-*' ! -name 'Client*.orv' ! -name '*FileCollection.orv' ! -name '*Favorites.orv' \
-      ! -name '*.xml' -printf '%P %s %Ts ' -exec sh -c 'sha256sum <"$1"' sh {} \; | sort
-    [ ! -e System/SonorelCFLContents.xml ] || sed 's/^/colour keys: /' System/SonorelCFLContents.xml
-  )
-  lists "$share/System/NetMusicFavorites.orv"
-}
+# All that it keeps, line by line; equal after equal drops.
+product_state() { "$(dirname "$standin")/state" "$share" "$bin/sonorel-favourites"; }

@@ -35,6 +35,9 @@ cleanup() {
 trap cleanup EXIT
 
 property() { gdbus call "${door[@]}" --method org.freedesktop.DBus.Properties.Get com.orv.Sonorel.Client "$1" 2>/dev/null || true; }
+action() { gdbus call "${door[@]}" --method org.freedesktop.Application.ActivateAction "$1" '[]' '{}' >/dev/null; }
+reopen() { gdbus call "${door[@]}" --method org.freedesktop.Application.Activate '{}' >/dev/null; }
+emit() { gdbus emit --session --object-path /com/orv/TrackChute --signal "com.orv.TrackChute.$1" "${@:2}"; } # SIGNAL ARGUMENT...
 call() { gdbus call "${door[@]}" --method "com.orv.Sonorel.Client.$1" "${@:2}"; }
 waits() { # SECONDS PROPERTY PATTERN
   local end=$((SECONDS + $1))
@@ -44,12 +47,12 @@ waits() { # SECONDS PROPERTY PATTERN
     sleep 0.1
   done
 }
-start_client() {
-  "$bin/sonoreld" >>"$root/client.log" 2>&1 &
+client_command=("$bin/sonoreld") # a road may have a client of its own
+start_client() { # OPTION...
+  "${client_command[@]}" "$@" >>"$root/client.log" 2>&1 &
   client=$!
   waits 30 Busy '(<false>,)'
 }
-ask_to_quit() { gdbus call "${door[@]}" --method org.freedesktop.Application.ActivateAction quit '[]' '{}' >/dev/null; }
 await_end() {
   local status=0
   wait "$client" || status=$?
@@ -57,7 +60,7 @@ await_end() {
   [ "$status" -eq 0 ] || fail "the client ended with status $status"
 }
 end_client() {
-  ask_to_quit
+  action quit
   await_end
 }
 kill_client() {
@@ -70,6 +73,7 @@ install_client() { # an installation of its own, so that stand-ins for other pro
   cp "$bin/sonoreld" "$root/installed/bin/"
   ln -s "$(realpath "$bin/../resources")" "$root/installed/share/sonorel/resources"
   bin=$root/installed/bin
+  client_command=("$bin/sonoreld")
 }
 stand_in() { # NAME: a program of the installation, its text on the standard input
   cat >"$root/installed/bin/$1"
@@ -79,24 +83,45 @@ make_product() { # NAME: the embedded product names itself so
   mkdir -p "$share/System"
   printf '%s\n5.03.00.2387\n' "$1" >"$share/System/OrvProductName.orv"
 }
-connect_embedded() {
-  call AddManualProduct "" embedded >/dev/null
-  waits 10 AddedProducts '*embedded*'
-  call AddAddedProduct 0 embedded >/dev/null
-  waits 10 SelectedProducts '*embedded*'
+add_product() { # HOST
+  call AddManualProduct "" "$1" >/dev/null
+  waits 10 AddedProducts "*$1*"
+  call AddAddedProduct 0 "$1" >/dev/null
+  waits 10 SelectedProducts "*$1*"
+}
+select_product() { # the first of them
   local text
   text=$(property SelectedProducts | grep -o "'[^']*'" | head -n1 | tr -d "'")
   call SelectProduct 0 "$text" >/dev/null
+}
+connected_within() { # SECONDS
+  waits "$1" Connected '(<true>,)'
+  waits "$1" Busy '(<false>,)'
+}
+connect_embedded() {
+  add_product embedded
+  select_product
   waits 20 PasswordWanted '(<true>,)'
   call EnterPassword secret >/dev/null
-  waits 40 Connected '(<true>,)'
-  waits 40 Busy '(<false>,)'
+  connected_within 40
 }
 make_song() { # FILE TITLE ARTIST ALBUM
   mkdir -p "$(dirname "$1")"
   ffmpeg -v error -y -f lavfi -i "sine=frequency=440:duration=${5:-6}" -ac 2 \
     -metadata title="$2" -metadata artist="$3" -metadata album="$4" -b:a 256k "$1"
 }
+make_picture() { # FILE [SIZE]
+  mkdir -p "$(dirname "$1")"
+  ffmpeg -v error -y -f lavfi -i "testsrc=size=${2:-64x48}:rate=1:duration=1" -frames:v 1 "$1"
+}
+# Large and without tags: each keeps its own name, and all are copied.
+make_plain_songs() { # COUNT
+  local i
+  head -c 200000 /dev/zero >"$root/music/0001.mp3"
+  for i in $(seq 2 "$1"); do ln "$root/music/0001.mp3" "$root/music/$(printf %04d "$i").mp3"; done
+}
 idle() { waits "${1:-60}" Pending '(<uint32 0>,)'; waits 10 Transferring '(<false>,)'; }
 music_tree() { (cd "$share/Music" && find . -type f ! -name '.sonorel-*' -printf '%P %s\n' | sort); }
+temporary_files() { find "$share" -name '.sonorel-*'; }
+nothing_temporary_is_left() { [ -z "$(temporary_files)" ] || fail "${1:+$1: }left behind: $(temporary_files)"; } # [WHEN]
 favourites() { "$bin/sonorel-favourites" --json "$share/System/NetMusicFavorites.orv"; }
