@@ -4,7 +4,7 @@
 #include "core/Roles.h"
 #include "core/state/Report.h"
 #include "favourites/AlbumNames.h"
-#include "transfer/PicturePaths.h"
+#include "transfer/PictureLibrary.h"
 
 using namespace Qt::Literals::StringLiterals;
 

@@ -74,7 +74,7 @@ private:
   void reportRadio(const QString &item);
   void reportFailedCopy(const QString &name);
 
-  // --- branches, each in a file of its own ---
+  // --- branches: TransferDriverSounds.cpp, TransferDriverPictures.cpp, TransferDriverBookmarks.cpp ---
   [[nodiscard]] After carrySound(const Item &item);
   [[nodiscard]] After copySound(const Item &item);
   [[nodiscard]] bool isAlreadyOnTheServer(const Item &item);
@@ -88,7 +88,7 @@ private:
   [[nodiscard]] After writeBookmark(const QueueEntry &entry);
   After bookmarkNotWritten(const QString &name);
 
-  // --- ways out ---
+  // --- ways out: TransferDriverEndings.cpp ---
   After shareLost(const QString &iconImageType);
   After diskFull();
   After exceptionInBranch(const std::exception &exception);
