@@ -2,7 +2,7 @@
 
 #include "core/AwaitTransfer.h"
 #include "core/Roles.h"
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "favourites/AlbumNames.h"
 #include "transfer/PictureLibrary.h"
 

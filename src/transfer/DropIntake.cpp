@@ -1,7 +1,7 @@
 #include "transfer/DropIntake.h"
 
 #include "core/state/DockImages.h"
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "transfer/DropBuilding.h"
 #include "transfer/PathNames.h"
 

@@ -1,7 +1,7 @@
 #include "transfer/TransferDriver.h"
 
 #include "core/state/DockImages.h"
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "transfer/PathNames.h"
 #include "transfer/Removal.h"
 

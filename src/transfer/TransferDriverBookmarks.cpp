@@ -1,6 +1,6 @@
 // The driver's branch for bookmarks.
 #include "core/state/DockImages.h"
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "transfer/BookmarkNames.h"
 #include "transfer/TransferDriver.h"
 

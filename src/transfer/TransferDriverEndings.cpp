@@ -1,6 +1,6 @@
 // The driver's ways out.
 #include "core/state/DockImages.h"
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "transfer/TransferDriver.h"
 
 using namespace Qt::Literals::StringLiterals;
