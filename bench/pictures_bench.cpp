@@ -1,7 +1,7 @@
 // Row 7: 20,000 photo paths mapped against a library of 50,000 entries, its list on the disk in the shape and size of
 // a real one.
 #include "bench/RealClient.h"
-#include "transfer/PicturePaths.h"
+#include "transfer/PictureLibrary.h"
 
 #include <algorithm>
 #include <fstream>

@@ -2,7 +2,7 @@
 
 #include "core/Roles.h"
 #include "core/ShippedDefaults.h"
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 
 using namespace Qt::Literals::StringLiterals;
 

@@ -1,7 +1,7 @@
 #include "core/ApplicationEvents.h"
 
 #include "core/state/DockImages.h"
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 
 #include <utility>
 

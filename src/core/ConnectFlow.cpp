@@ -2,7 +2,7 @@
 
 #include "core/EscapeSequences.h"
 #include "core/state/DockImages.h"
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "platform/Failure.h"
 
 #include <QScopeGuard>

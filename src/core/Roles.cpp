@@ -1,6 +1,6 @@
 #include "core/Roles.h"
 
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 
 using namespace Qt::Literals::StringLiterals;
 

@@ -2,9 +2,9 @@
 
 #include "core/AwaitTransfer.h"
 #include "core/Roles.h"
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "favourites/AlbumNames.h"
-#include "transfer/PicturePaths.h"
+#include "transfer/PictureLibrary.h"
 
 using namespace Qt::Literals::StringLiterals;
 

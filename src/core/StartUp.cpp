@@ -1,7 +1,7 @@
 #include "core/StartUp.h"
 
 #include "core/Languages.h"
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "platform/Failure.h"
 
 using namespace Qt::Literals::StringLiterals;

@@ -1,6 +1,6 @@
 #include "core/SystemIntegration.h"
 
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 
 #include <algorithm>
 #include <utility>

@@ -2,7 +2,7 @@
 
 #include "core/Labels.h"
 #include "core/Languages.h"
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "core/state/ShareLayout.h"
 #include "platform/Failure.h"
 

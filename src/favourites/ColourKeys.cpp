@@ -1,6 +1,6 @@
 #include "favourites/ColourKeys.h"
 
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "core/state/ShareLayout.h"
 
 #include <algorithm>

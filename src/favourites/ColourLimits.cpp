@@ -1,6 +1,6 @@
 #include "favourites/ColourLimits.h"
 
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 
 using namespace Qt::Literals::StringLiterals;
 

@@ -1,6 +1,6 @@
 #include "favourites/FavouritesMerge.h"
 
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "favourites/FavouritesFormat.h"
 #include "favourites/Parser.h"
 #include "link/TextEncoding.h"

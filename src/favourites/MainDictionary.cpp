@@ -1,6 +1,6 @@
 #include "favourites/MainDictionary.h"
 
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "platform/Failure.h"
 
 #include <QSet>

@@ -1,6 +1,6 @@
 #include "favourites/Parser.h"
 
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "platform/Failure.h"
 
 using namespace Qt::Literals::StringLiterals;

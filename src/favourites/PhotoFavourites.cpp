@@ -1,6 +1,6 @@
 #include "favourites/PhotoFavourites.h"
 
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "favourites/FavouritesFile.h"
 #include "favourites/MainDictionary.h"
 #include "favourites/PhotoFavouritesFile.h"

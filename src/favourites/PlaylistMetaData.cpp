@@ -1,6 +1,6 @@
 #include "favourites/PlaylistMetaData.h"
 
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "favourites/PhotoListBuilding.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "favourites/ProductVersion.h"
 
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "link/TextEncoding.h"
 #include "platform/Failure.h"
 

@@ -1,6 +1,6 @@
 #include "link/ClientMessages.h"
 
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "link/MessageRecord.h"
 #include "platform/Failure.h"
 

@@ -1,6 +1,6 @@
 #include "products/ProductList.h"
 
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "products/PasswordArchive.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 // Turns the drop agent's notifications into queued work: one drag becomes one Drop, which the board takes whole or
 // refuses whole. Reads no tags, so that a drop of many thousand paths is queued at once; the worker names them.
-// Controller's thread; looks at the dropped files, never at the share beyond asking whether it is there.
+// Controller's thread; looks at the dropped files, never at the share beyond asking whether it is there. Read next:
+// DropBuilding.h for what a drag holds.
 #pragma once
 
 #include "core/state/MessageLog.h"
@@ -58,11 +59,7 @@ private:
   // Shown, and the drop is over, when not.
   [[nodiscard]] bool isConnectedOrShown();
   void handleMusic(const Notification &notification);
-  [[nodiscard]] const QString &imageFor(const QString &dropped, const QString &image) const;
-  [[nodiscard]] Drop dropOfAlbums(const QVariantList &photoData);
-  [[nodiscard]] Drop dropOf(const QString &name, const QStringList &paths);
-  void addFile(Drop &drop, const QString &name, const QString &path);
-  [[nodiscard]] QString pictureAlbumName(const QString &name) const;
+  [[nodiscard]] QStringList imagesOf(const QStringList &dropped) const;
   void handOver(const Drop &drop, Refusal refusal = Refusal::Told);
   void startTransfer();
 

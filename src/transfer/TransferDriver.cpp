@@ -1,7 +1,7 @@
 #include "transfer/TransferDriver.h"
 
 #include "core/state/DockImages.h"
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "transfer/PathNames.h"
 #include "transfer/Removal.h"
 
@@ -14,9 +14,9 @@ namespace sonorel {
 TransferDriver::TransferDriver(const TransferTools &tools, Transfer &transfer, MessageLog &log, Strings &strings,
                                const Session &session, View &view, Worker &worker, ShareFolders folders,
                                QString mainDictPath, Hooks hooks)
-    : m_tools(tools), m_transfer(transfer), m_log(log), m_strings(strings), m_session(session), m_view(view),
-      m_worker(worker), m_folders(std::move(folders)), m_mainDictPath(std::move(mainDictPath)),
-      m_hooks(std::move(hooks)) {}
+    : m_tools(tools), m_transfer(transfer), m_session(session), m_view(view),
+      m_messages(log, strings, view, tools.board), m_worker(worker), m_folders(std::move(folders)),
+      m_mainDictPath(std::move(mainDictPath)), m_hooks(std::move(hooks)) {}
 
 void TransferDriver::startTransfer() {
   m_worker.join(); // the last step of an earlier transfer takes the mark away
@@ -49,7 +49,7 @@ bool TransferDriver::runTransfer() {
   m_transferred = {};
   m_showTransferCompleteMessage = false;
   m_tools.metadata.clear();
-  m_log.startNew();
+  m_messages.startNew();
   m_view.transferStateChanged();
   m_view.setDockIcon(kTransferIcon);
   if (!carryQueue()) {
@@ -88,14 +88,14 @@ TransferDriver::After TransferDriver::carryItem(const QueueEntry &entry) {
   Item item{entry.item, pathExtension(entry.item), lastPathComponent(entry.item)};
   m_transfer.isValidFile(item.extension);
   if (entry.kind == QueueEntry::Kind::Radio) {
-    reportRadio(entry.item);
+    m_messages.reportRadio(entry.item);
     return After::NextItem;
   }
   if (!m_transfer.isBookmarkFileType() && m_tools.files.presence(item.path) == Presence::Absent) {
     if (!m_hooks.isConnected()) {
       return shareLost(kDisconnectImage);
     }
-    reportMissing(item.path);
+    m_messages.reportMissing(item.path);
     return After::NextItem;
   }
   if (m_tools.board.manualSleepWasConnected) {
@@ -154,7 +154,7 @@ bool TransferDriver::isShareThere() {
 void TransferDriver::showProgressBehind(const QueueEntry &entry) {
   const qsizetype done = m_place + entry.places();
   const qsizetype all = qMax(done, m_tools.board.places()); // a wake may have emptied the queue
-  setProgress(static_cast<double>(done) * 100.0 / static_cast<double>(all));
+  m_messages.setProgress(static_cast<double>(done) * 100.0 / static_cast<double>(all));
 }
 
 bool TransferDriver::isVaultboxDiskFree(const QString &sourcePath) {
@@ -186,36 +186,17 @@ bool TransferDriver::checkAppleLossless(const QString &path) {
 void TransferDriver::rejectItem(const Item &item) {
   const QString quoted = u'"' + item.name + u'"';
   if (item.isAppleLossless) {
-    showMessage(quoted + withProductName(message(u"Message9"_s), m_session.deviceName()));
-    m_view.windowFrontCentre();
+    m_messages.showInFront(quoted + withProductName(m_messages.text(u"Message9"_s), m_session.deviceName()));
     return;
   }
   if (item.extension == u"m4p") {
-    showMessage(quoted + message(u"Message8"_s));
-    m_view.windowFrontCentre();
+    m_messages.showInFront(quoted + m_messages.text(u"Message8"_s));
     return;
   }
-  showMessage(withFileName(message(u"Message5"_s), item.name));
+  m_messages.show(m_messages.text(u"Message5"_s, item.name));
   if (item.extension == u"inetloc") {
     removeTemporaryDragFile(m_tools.files, m_tools.desktop, m_tools.homePath, item.name);
   }
-}
-
-void TransferDriver::reportMissing(const QString &path) {
-  showMessage(withFileName(message(u"Message13"_s), lastPathComponent(path)));
-  m_view.selectTab(Tab::Transfer);
-  m_view.windowFrontCentre();
-}
-
-void TransferDriver::reportFailedCopy(const QString &name) {
-  m_log.appendSeparator();
-  showMessage(withFileName(message(u"Message10"_s), name));
-}
-
-void TransferDriver::reportRadio(const QString &item) {
-  showMessage(withFileName(message(u"Message14"_s), item.mid(kRadioPrefix.size())));
-  m_view.selectTab(Tab::Transfer);
-  m_view.windowFrontCentre();
 }
 
 } // namespace sonorel

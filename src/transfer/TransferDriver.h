@@ -5,13 +5,12 @@
 // the rest for the worker's. Read next: Transfer.h, TransferBoard.h.
 #pragma once
 
-#include "core/state/MessageLog.h"
 #include "core/state/Session.h"
-#include "core/state/Strings.h"
 #include "core/state/View.h"
 #include "link/ClientMessages.h"
 #include "platform/Worker.h"
 #include "transfer/Transfer.h"
+#include "transfer/TransferMessages.h"
 
 #include <atomic>
 #include <functional>
@@ -70,13 +69,13 @@ private:
   // A source that cannot be looked at is as good as missing: nothing on the share hangs on it.
   [[nodiscard]] std::optional<FileAttributes> sourceFacts(const QString &path, Links links);
   void rejectItem(const Item &item);
-  void reportMissing(const QString &path);
-  void reportRadio(const QString &item);
-  void reportFailedCopy(const QString &name);
+  void showProgressBehind(const QueueEntry &entry);
 
-  // --- branches, each in a file of its own ---
+  // --- branches: TransferDriverSounds.cpp, TransferDriverPictures.cpp, TransferDriverBookmarks.cpp ---
   [[nodiscard]] After carrySound(const Item &item);
   [[nodiscard]] After copySound(const Item &item);
+  [[nodiscard]] bool isToldTooSmall(const Item &item, quint64 size);
+  [[nodiscard]] QString nameTrack(const Item &item);
   [[nodiscard]] bool isAlreadyOnTheServer(const Item &item);
   [[nodiscard]] QStringList serverCandidates(const Item &item);
   [[nodiscard]] After carryVideo(const Item &item);
@@ -88,7 +87,7 @@ private:
   [[nodiscard]] After writeBookmark(const QueueEntry &entry);
   After bookmarkNotWritten(const QString &name);
 
-  // --- ways out ---
+  // --- ways out: TransferDriverEndings.cpp ---
   After shareLost(const QString &iconImageType);
   After diskFull();
   After exceptionInBranch(const std::exception &exception);
@@ -101,20 +100,11 @@ private:
   [[nodiscard]] bool cleanUpAfterException(const std::exception &exception);
   void removeMainDictionary();
 
-  // --- messages ---
-  [[nodiscard]] QString message(const QString &key);
-  void showMessage(const QString &text);           // appended, shown, then the line end
-  void showWithRemainingList(const QString &text); // a block of its own
-  [[nodiscard]] bool appendRemainingList();
-  void setProgress(double percent);
-  void showProgressBehind(const QueueEntry &entry);
-
   TransferTools m_tools;
   Transfer &m_transfer;
-  MessageLog &m_log;
-  Strings &m_strings;
   const Session &m_session;
   View &m_view;
+  TransferMessages m_messages;
   Worker &m_worker;
   const ShareFolders m_folders;
   const QString m_mainDictPath;

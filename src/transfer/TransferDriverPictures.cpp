@@ -21,7 +21,7 @@ TransferDriver::After TransferDriver::carryVideo(const Item &item) {
 // could not be copied is not told.
 TransferDriver::After TransferDriver::copyVideo(const Item &item) {
   if (!sourceFacts(item.path, Links::Follow)) {
-    reportMissing(item.path);
+    m_messages.reportMissing(item.path);
     return After::NextItem;
   }
   if (m_transfer.transferVideoFile(item.path)) {
@@ -45,7 +45,7 @@ TransferDriver::After TransferDriver::carryPicture(const Item &item) {
 
 TransferDriver::After TransferDriver::copyPicture(const Item &item) {
   if (!sourceFacts(item.path, Links::Follow)) {
-    reportMissing(item.path);
+    m_messages.reportMissing(item.path);
     return After::NextItem;
   }
   if (m_transfer.transferPhotoOrVideoFile(item.path)) {
@@ -62,7 +62,7 @@ TransferDriver::After TransferDriver::copyPicture(const Item &item) {
   if (m_transfer.isPictureOnTheServer(item.path)) {
     m_showTransferCompleteMessage = true;
   } else {
-    reportFailedCopy(item.name);
+    m_messages.reportFailedCopy(item.name);
   }
   return After::NextItem;
 }

@@ -1,4 +1,4 @@
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 
 namespace sonorel {
 

@@ -1,6 +1,6 @@
-// The driver's ways out, and the messages that go with them.
+// The driver's ways out.
 #include "core/state/DockImages.h"
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "transfer/TransferDriver.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -20,18 +20,18 @@ TransferDriver::After TransferDriver::shareLost(const QString &iconImageType) {
     return After::Slept; // it was left on purpose; the list comes after the wake
   }
   m_tools.board.beginEnding();
-  showWithRemainingList(message(u"Message1"_s));
+  m_messages.showWithRemainingList(m_messages.text(u"Message1"_s));
   m_view.windowFrontCentre();
-  setProgress(100);
+  m_messages.setProgress(100);
   m_view.setDockIcon(iconImageType);
   return After::Ending;
 }
 
 TransferDriver::After TransferDriver::diskFull() {
   m_tools.board.beginEnding();
-  showWithRemainingList(withProductName(message(u"Message2"_s), m_session.deviceName()));
+  m_messages.showWithRemainingList(withProductName(m_messages.text(u"Message2"_s), m_session.deviceName()));
   m_view.windowFrontCentre();
-  setProgress(100);
+  m_messages.setProgress(100);
   return After::Ending;
 }
 
@@ -45,9 +45,9 @@ TransferDriver::After TransferDriver::exceptionInBranch(const std::exception &ex
     return After::NextItem;
   }
   m_tools.board.beginEnding();
-  showWithRemainingList(message(u"Message1"_s));
+  m_messages.showWithRemainingList(m_messages.text(u"Message1"_s));
   m_view.stopPulse();
-  setProgress(0);
+  m_messages.setProgress(0);
   return After::Ending;
 }
 
@@ -59,7 +59,7 @@ bool TransferDriver::settleWaitingDrop(bool dropWaited) {
   while (dropWaited && m_stop.stop_requested() && !board.manualSleepWasConnected) {
     board.beginEnding();
     board.fileIndex = 0;
-    showWithRemainingList(message(u"Message1"_s));
+    m_messages.showWithRemainingList(m_messages.text(u"Message1"_s));
     m_hasToldOfWaitingDrop = true;
     (void)board.takeVideoPresent();
     for (const bool photos : {true, false}) {
@@ -117,27 +117,14 @@ void TransferDriver::sendPlaylists() {
   }
   if (!written) {
     m_tools.desktop.log(u"The favourites of this transfer could not be written."_s);
-    m_log.appendSeparator();
-    showMessage(withProductName(message(u"FavouritesNotWritten"_s), m_session.deviceName()));
+    m_messages.showBehindSeparator(
+        withProductName(m_messages.text(u"FavouritesNotWritten"_s), m_session.deviceName()));
   }
 }
 
 bool TransferDriver::finishTransferHandler() {
   TransferBoard &board = m_tools.board;
-  m_strings.reload();
-  if (board.isCancel) {
-    m_log.showOnly(m_log.viewText() + m_strings.text(u"Message3"_s));
-    (void)board.takeVideoPresent();
-  } else if (m_showTransferCompleteMessage) {
-    QString text = m_log.viewText();
-    if (!text.isEmpty()) {
-      text += u'\n';
-    }
-    if (board.takeVideoPresent()) {
-      text += m_strings.text(u"Message16"_s) + u'\n';
-    }
-    m_log.showOnly(text + m_strings.text(u"Message6"_s));
-  }
+  m_messages.showClosingLine(m_showTransferCompleteMessage);
   m_view.setEnableDisableCancelBtn(false);
   removeMainDictionary();
   const quint32 drops = board.acceptedDrops();
@@ -175,39 +162,6 @@ void TransferDriver::removeMainDictionary() {
     }
   } catch (const Failure &failure) {
     m_tools.desktop.log(u"The main dictionary could not be removed: "_s + failure.reason());
-  }
-}
-
-QString TransferDriver::message(const QString &key) {
-  m_strings.reload();
-  return m_strings.text(key);
-}
-
-void TransferDriver::showMessage(const QString &text) {
-  m_log.showLine(text);
-}
-
-void TransferDriver::showWithRemainingList(const QString &text) {
-  m_log.appendSeparator();
-  m_log.append(text + u'\n');
-  if (appendRemainingList()) {
-    m_log.show();
-  }
-}
-
-bool TransferDriver::appendRemainingList() {
-  const QList<QueueEntry> remaining = m_tools.board.entriesFrom(m_tools.board.fileIndex);
-  QString lines;
-  for (const QueueEntry &entry : remaining) {
-    lines += shownName(entry) + u'\n';
-  }
-  m_log.append(lines);
-  return !remaining.isEmpty();
-}
-
-void TransferDriver::setProgress(double percent) {
-  if (!m_tools.board.isCancel) {
-    m_view.setProgressBar(percent);
   }
 }
 

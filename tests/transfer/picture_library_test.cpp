@@ -1,4 +1,4 @@
-#include "transfer/PicturePaths.h"
+#include "transfer/PictureLibrary.h"
 
 #include "platform/linux/LibplistPropertyLists.h"
 #include "support/FakeDesktop.h"
@@ -44,7 +44,7 @@ QString walked(const QVariantMap &list, const QString &path) {
   return path;
 }
 
-class PicturePathsTest : public testing::Test {
+class ChangePhotosPathsTest : public testing::Test {
 protected:
   QStringList mapped(const QStringList &paths) {
     return changePhotosPaths(paths, u"/Users/me"_s, files, lists, desktop);
@@ -58,7 +58,7 @@ protected:
 
 } // namespace
 
-TEST_F(PicturePathsTest, ThumbnailsAndEditedCopiesBecomeTheImage) {
+TEST_F(ChangePhotosPathsTest, ThumbnailsAndEditedCopiesBecomeTheImage) {
   putLibrary("<plist version=\"1.0\"><dict><key>Master Image List</key><dict>"
              "<key>10</key><dict><key>ImagePath</key><string>/P/2008/Lake.jpg</string>"
              "<key>ThumbPath</key><string>/P/Data/2008/Lake.jpg</string></dict>"
@@ -96,7 +96,7 @@ TEST(PictureLibrary, EmptyAndForeignEntriesMatchNothing) {
   EXPECT_EQ(library.imagePath({}), QString());
 }
 
-TEST_F(PicturePathsTest, MissingAndBrokenLibrariesMapNothingAndSaySo) {
+TEST_F(ChangePhotosPathsTest, MissingAndBrokenLibrariesMapNothingAndSaySo) {
   const QStringList paths{u"/P/Data/a.jpg"_s};
   EXPECT_EQ(mapped(paths), paths);
   EXPECT_TRUE(desktop.logged(u"AlbumData.xml"_s));

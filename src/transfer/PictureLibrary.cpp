@@ -1,4 +1,4 @@
-#include "transfer/PicturePaths.h"
+#include "transfer/PictureLibrary.h"
 
 #include "platform/Failure.h"
 

@@ -1,4 +1,4 @@
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 
 #include "support/FakeDesktop.h"
 #include "support/Printers.h"
@@ -10,7 +10,7 @@
 using namespace Qt::Literals::StringLiterals;
 using namespace sonorel;
 
-TEST(Report, LogsClassOperationAndReason) {
+TEST(LogException, LogsClassOperationAndReason) {
   test::FakeDesktop desktop;
   logException(desktop, u"startTransfer"_s, Failure(u"no such file: /a%@b"_s));
   logException(desktop, u"isVolume"_s, std::runtime_error("broken"), u"Connection"_s);
@@ -18,7 +18,7 @@ TEST(Report, LogsClassOperationAndReason) {
                                         u"Exception in ---> <Connection><isVolume> broken"_s}));
 }
 
-TEST(Report, KeepsTheWholeReasonOfAFailure) {
+TEST(LogException, KeepsTheWholeReasonOfAFailure) {
   const Failure failure(u"Größe: 日本"_s, FailureKind::DiskFull);
   EXPECT_EQ(reasonOf(failure), u"Größe: 日本"_s);
   EXPECT_STREQ(failure.what(), "Größe: 日本");

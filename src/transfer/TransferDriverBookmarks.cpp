@@ -1,6 +1,6 @@
 // The driver's branch for bookmarks.
 #include "core/state/DockImages.h"
-#include "core/state/Report.h"
+#include "core/state/LogException.h"
 #include "transfer/BookmarkNames.h"
 #include "transfer/TransferDriver.h"
 
@@ -51,9 +51,7 @@ TransferDriver::After TransferDriver::writeBookmark(const QueueEntry &entry) {
   const QString scheme = schemeOf(entry.companion);
   if (scheme == kFeedScheme || scheme == kFileScheme) {
     const QString name = scheme == kFileScheme ? entry.item.chopped(kExtensionLength) : entry.item;
-    showMessage(withFileName(message(u"Message5"_s), name));
-    m_view.selectTab(Tab::Transfer);
-    m_view.windowFrontCentre();
+    m_messages.showOnTab(m_messages.text(u"Message5"_s, name));
     return After::NextItem;
   }
   if (m_transfer.writeBookmark(entry.item, entry.companion)) {
@@ -65,9 +63,9 @@ TransferDriver::After TransferDriver::writeBookmark(const QueueEntry &entry) {
 
 TransferDriver::After TransferDriver::bookmarkNotWritten(const QString &name) {
   m_tools.board.beginEnding(); // a drop from here on waits
-  showWithRemainingList(withFileName(message(u"Message10"_s), name));
+  m_messages.showWithRemainingList(m_messages.text(u"Message10"_s, name));
   m_view.windowFrontCentre();
-  setProgress(100);
+  m_messages.setProgress(100);
   m_view.setDockIcon(kConnectImage);
   return After::Ending;
 }

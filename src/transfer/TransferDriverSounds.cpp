@@ -30,33 +30,13 @@ TransferDriver::After TransferDriver::carrySound(const Item &item) {
 TransferDriver::After TransferDriver::copySound(const Item &item) {
   const auto facts = sourceFacts(item.path, Links::Follow);
   if (!facts) {
-    reportMissing(item.path);
+    m_messages.reportMissing(item.path);
     return After::NextItem;
   }
-  const quint64 size = facts->size;
-  const bool isWav = item.extension == u"wav";
-  if (size <= kSmallestSound && !isWav) {
-    showMessage(withFileName(message(u"Message15"_s), item.name));
-    m_view.windowFrontCentre();
+  if (isToldTooSmall(item, facts->size)) {
     return After::NextItem;
   }
-  if (isWav && size <= kSmallestWav) {
-    showMessage(withFileName(message(u"Message7"_s), item.name));
-    m_view.windowFrontCentre();
-    return After::NextItem;
-  }
-  const auto tags = m_tools.metadata.tags(item.path);
-  if (!tags) {
-    m_tools.desktop.log(item.path + u"... File has no metadata!"_s);
-  }
-  m_tools.board.setCurrentTrack(tags ? trackTexts(*tags) : TrackTexts());
-  const QString changedSongName = changeSongFileName(item.path, tags);
-  // What is seen of the record until the track stands on the share.
-  m_tools.board.updateRecords(false, item.path, [&changedSongName](PlaylistInfo &record) {
-    if (record.songTransferFlag != u"Y") {
-      record.destinationSongName = changedSongName;
-    }
-  });
+  const QString changedSongName = nameTrack(item);
   const int artworkMode = m_session.deviceName() == kVaultbox1 ? 0 : kArtworkBeside;
   if (m_transfer.transferSoundFile(item.path, changedSongName, artworkMode, item.hierarchyFlag)) {
     m_transferred.soundFileTransferred = true;
@@ -73,8 +53,33 @@ TransferDriver::After TransferDriver::copySound(const Item &item) {
     m_showTransferCompleteMessage = true;
     return After::NextItem;
   }
-  reportFailedCopy(item.name);
+  m_messages.reportFailedCopy(item.name);
   return After::NextItem;
+}
+
+bool TransferDriver::isToldTooSmall(const Item &item, quint64 size) {
+  const bool isWav = item.extension == u"wav";
+  if (size > (isWav ? kSmallestWav : kSmallestSound)) {
+    return false;
+  }
+  m_messages.showInFront(m_messages.text(isWav ? u"Message7"_s : u"Message15"_s, item.name));
+  return true;
+}
+
+// The name by the tags, which the board shows until the track stands on the share.
+QString TransferDriver::nameTrack(const Item &item) {
+  const auto tags = m_tools.metadata.tags(item.path);
+  if (!tags) {
+    m_tools.desktop.log(item.path + u"... File has no metadata!"_s);
+  }
+  m_tools.board.setCurrentTrack(tags ? trackTexts(*tags) : TrackTexts());
+  QString changedSongName = changeSongFileName(item.path, tags);
+  m_tools.board.updateRecords(false, item.path, [&changedSongName](PlaylistInfo &record) {
+    if (record.songTransferFlag != u"Y") {
+      record.destinationSongName = changedSongName;
+    }
+  });
+  return changedSongName;
 }
 
 bool TransferDriver::isAlreadyOnTheServer(const Item &item) {
