@@ -55,6 +55,8 @@ public:
   // Whole content; a file larger than limit bytes fails with Other before anything is allocated. Only regular
   // files are opened.
   [[nodiscard]] virtual QByteArray read(const QString &path, quint64 limit = kReadLimit) = 0;
+  // A regular file that this user may read now. Never throws.
+  [[nodiscard]] virtual bool canRead(const QString &path) = 0;
   // Truncates and writes the file itself; creates it with 0666 less the umask. Close errors are failures.
   virtual void write(const QString &path, const QByteArray &bytes) = 0;
   // Writes beside the target under a name beginning ".sonorel-" and renames; the old file is whole until then.

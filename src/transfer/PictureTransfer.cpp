@@ -35,7 +35,7 @@ bool PictureTransfer::transferVideoFile(const QString &path) {
   if (isThere && isSettledOn(path, file)) {
     return false;
   }
-  if (!isRegularFile(path) || (isThere && isFolder(m_tools.files, file))) {
+  if (!m_tools.files.canRead(path) || (isThere && isFolder(m_tools.files, file))) {
     return false; // a folder would take the copy inside
   }
   if (!isThere) {
@@ -69,8 +69,8 @@ bool PictureTransfer::settleOrCopy(const QString &source, const QString &file, b
   if (isThere && isSettledOn(source, file)) {
     return false;
   }
-  // Nothing is removed for what cannot be copied.
-  if (!isRegularFile(source) || m_server.stop().stop_requested()) {
+  // Nothing is removed for what cannot be copied, and a pipe or a device would keep the copy busy for ever.
+  if (!m_tools.files.canRead(source) || m_server.stop().stop_requested()) {
     return false;
   }
   return isThere ? replace(source, file) : copyNew(source, file);
@@ -89,8 +89,8 @@ bool PictureTransfer::replace(const QString &source, const QString &file) {
   auto lost = qScopeGuard([this, &file, name = lastPathComponent(file)] {
     const QList<PlaylistInfo> records = m_tools.board.records(true);
     for (const PlaylistInfo &one : records) {
-      if (one.songTransferFlag == u"Y" && one.destinationSongName.endsWith(name) &&
-          serverCandidates(one.destinationSongName).constFirst() == file) {
+      if (one.songTransferFlag == u"Y" && one.destinationSongName.endsWith(name, Qt::CaseInsensitive) &&
+          m_server.wentWith(file, serverCandidates(one.destinationSongName).constFirst())) {
         m_tools.board.updateRecords(true, one.sourceSongPath,
                                     [](PlaylistInfo &taken) { taken.songTransferFlag = u"N"_s; });
       }
@@ -127,12 +127,6 @@ bool PictureTransfer::isSettledOn(const QString &source, const QString &file) {
     record(source);
   }
   return m_settledOnIdenticalFile;
-}
-
-// A pipe or a device would keep the copy busy for ever.
-bool PictureTransfer::isRegularFile(const QString &path) {
-  const auto facts = m_tools.files.attributes(path, Links::Follow);
-  return facts && facts->kind == FileKind::File;
 }
 
 QStringList PictureTransfer::serverCandidates(const QString &path) const {

@@ -29,7 +29,6 @@ public:
   void playlistInfoUpdate(const QString &path);
 
 private:
-  [[nodiscard]] bool isRegularFile(const QString &path);
   [[nodiscard]] bool settleOrCopy(const QString &source, const QString &file, bool isThere);
   [[nodiscard]] bool isSettledOn(const QString &source, const QString &file);
   [[nodiscard]] bool replace(const QString &source, const QString &file);

@@ -15,6 +15,14 @@ namespace {
 
 constexpr std::chrono::milliseconds kLastCopyDeadline{1500};
 
+QString reasonOf(const ToolResult &result) {
+  if (result.ending != ToolEnding::Exited) {
+    return result.ending == ToolEnding::NotStarted ? u"the copy could not be started"_s : u"the copy was ended"_s;
+  }
+  const QString said = QString::fromUtf8(result.output).section(u'\n', 0, 0).trimmed();
+  return said.isEmpty() ? u"status %1"_s.arg(result.status) : said;
+}
+
 } // namespace
 
 ServerFiles::ServerFiles(FileSystem &files, Processes &processes, Desktop &desktop, QString share)
@@ -94,6 +102,7 @@ bool ServerFiles::runCopy(const QString &source, const QString &file, const std:
                           std::chrono::milliseconds deadline) {
   const ToolResult result = m_processes.run({u"/bin/cp"_s, {u"-p"_s, source, file}, std::nullopt, deadline}, stop);
   if (!succeeded(result)) {
+    m_desktop.log(source + u" was not copied: "_s + reasonOf(result));
     return false;
   }
   removeCompanion(file);
@@ -120,6 +129,11 @@ void ServerFiles::removeRemains(const QString &file) {
       logNotRemoved(m_desktop, file, failure);
     }
   }
+}
+
+bool ServerFiles::wentWith(const QString &gone, const QString &other) {
+  return other == gone ||
+         (other.compare(gone, Qt::CaseInsensitive) == 0 && m_files.presence(other) != Presence::Present);
 }
 
 bool ServerFiles::removeOld(const QString &file) {

@@ -33,7 +33,8 @@ public:
   // Every folder in front of the name, which is relative to base.
   void createFoldersOf(const QString &base, const QString &relativeName);
 
-  // By the system's copy tool, attributes kept; its companion file goes. True when the copy stands.
+  // By the system's copy tool, attributes kept; its companion file goes. True when the copy stands; why not is
+  // logged.
   [[nodiscard]] bool copy(const QString &source, const QString &file);
   // Where nothing stands any more because the old file was removed: half a copy goes, and when the program is about
   // to end most files are copied in the moment that is left.
@@ -42,6 +43,9 @@ public:
   void removeCompanion(const QString &file);
   // Where nothing stood before a copy that failed: what it left is half an item, which players would show.
   void removeRemains(const QString &file);
+  // Whether the other one was that file, which is gone now: on many shares large letters and small ones name the
+  // same.
+  [[nodiscard]] bool wentWith(const QString &gone, const QString &other);
   // False, and logged, when the old file stays.
   [[nodiscard]] bool removeOld(const QString &file);
 

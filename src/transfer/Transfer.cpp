@@ -29,14 +29,9 @@ QString placeOf(const QString &file) {
   return relativeTo(kMusicFolderLiteral.toString(), file).replace(u"/"_s, kSeparatorMark.toString());
 }
 
-// Nothing stands there any more: no list may show it, whichever source it was.
-void takeBack(TransferBoard &board, const QString &place) {
-  const QList<PlaylistInfo> records = board.records(false);
-  for (const PlaylistInfo &record : records) {
-    if (record.songTransferFlag == u"Y" && record.destinationSongName == place) {
-      board.updateRecords(false, record.sourceSongPath, [](PlaylistInfo &lost) { lost.songTransferFlag = u"N"_s; });
-    }
-  }
+// Below the music folder, of a record that was placed.
+QString pathOf(const PlaylistInfo &record) {
+  return QString(record.destinationSongName).replace(kSeparatorMark.toString(), u"/"_s);
 }
 
 } // namespace
@@ -166,12 +161,16 @@ bool Transfer::settleOn(const Track &track, const QString &file, bool useFolderH
   if (m_server.stop().stop_requested()) {
     return false; // the new copy could not follow
   }
+  if (!m_tools.files.canRead(track.source)) {
+    m_tools.desktop.log(track.source + u" cannot be read; the older one on the share stays"_s);
+    return false;
+  }
   const bool removed = m_server.removeOld(file);
   // What cannot be removed is copied over all the same, but a folder would take the copy inside.
   if (!removed && isFolder(m_tools.files, file)) {
     return false;
   }
-  auto lost = qScopeGuard([&board = m_tools.board, place = placeOf(file)] { takeBack(board, place); });
+  auto lost = qScopeGuard([this, &file] { takeBack(file); });
   if (!removed) {
     lost.dismiss();
   }
@@ -184,6 +183,17 @@ bool Transfer::settleOn(const Track &track, const QString &file, bool useFolderH
     record(track, file);
   }
   return copied;
+}
+
+// Nothing stands there any more: no list may show it, whichever source it was.
+void Transfer::takeBack(const QString &file) {
+  const QList<PlaylistInfo> records = m_tools.board.records(false);
+  for (const PlaylistInfo &record : records) {
+    if (record.songTransferFlag == u"Y" && m_server.wentWith(file, m_folders.music() + pathOf(record))) {
+      m_tools.board.updateRecords(false, record.sourceSongPath,
+                                  [](PlaylistInfo &lost) { lost.songTransferFlag = u"N"_s; });
+    }
+  }
 }
 
 bool Transfer::copyTo(const Track &track, const QString &file) {

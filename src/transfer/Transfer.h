@@ -82,6 +82,7 @@ private:
   struct Track; // one sound file on its way
 
   [[nodiscard]] bool settleOn(const Track &track, const QString &file, bool useFolderHierarchy);
+  void takeBack(const QString &file);
   [[nodiscard]] bool copyTo(const Track &track, const QString &file);
   [[nodiscard]] bool placeInHierarchy(const Track &track);
   [[nodiscard]] bool copyIntoHierarchy(const Track &track, const QString &folder, const QString &newFile);

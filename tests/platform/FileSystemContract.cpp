@@ -198,6 +198,19 @@ void knowsTheSameFile(FileSystemSubject &subject) {
   EXPECT_FALSE(files.sameFile(file, subject.folder() + u"/nothing"_s));
 }
 
+void tellsWhatCanBeRead(FileSystemSubject &subject) {
+  FileSystem &files = subject.files();
+  const QString base = subject.folder();
+  files.write(base + u"/file"_s, {});
+  subject.putLink(base + u"/link"_s, base + u"/file"_s);
+  subject.putFifo(base + u"/other"_s);
+  EXPECT_TRUE(files.canRead(base + u"/file"_s));
+  EXPECT_TRUE(files.canRead(base + u"/link"_s));
+  EXPECT_FALSE(files.canRead(base + u"/nothing"_s));
+  EXPECT_FALSE(files.canRead(base));
+  EXPECT_FALSE(files.canRead(base + u"/other"_s));
+}
+
 void followsLinksOrNot(FileSystemSubject &subject) {
   FileSystem &files = subject.files();
   const QString base = subject.folder();
@@ -329,6 +342,7 @@ bool registerFileSystemContract(const char *suite, std::function<std::unique_ptr
        {"RemovesFilesOnly", removesFilesOnly},
        {"SetsAsideUnderFreeNames", setsAsideUnderFreeNames},
        {"KnowsTheSameFile", knowsTheSameFile},
+       {"TellsWhatCanBeRead", tellsWhatCanBeRead},
        {"FollowsLinksOrNot", followsLinksOrNot},
        {"OpensRegularFilesOnly", opensRegularFilesOnly},
        {"LocksUntilReleased", locksUntilReleased},

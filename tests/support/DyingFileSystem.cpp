@@ -50,6 +50,9 @@ std::optional<FileAttributes> DyingFileSystem::attributes(const QString &path, L
 QByteArray DyingFileSystem::read(const QString &path, quint64 limit) {
   return count(path).read(path, limit);
 }
+bool DyingFileSystem::canRead(const QString &path) {
+  return count(path).canRead(path);
+}
 void DyingFileSystem::write(const QString &path, const QByteArray &bytes) {
   count(path).write(path, bytes);
 }

@@ -28,6 +28,7 @@ public:
   Presence presence(const QString &path) override;
   std::optional<FileAttributes> attributes(const QString &path, Links links) override;
   QByteArray read(const QString &path, quint64 limit = kReadLimit) override;
+  bool canRead(const QString &path) override;
   void write(const QString &path, const QByteArray &bytes) override;
   void writeAtomically(const QString &path, const QByteArray &bytes, std::optional<quint32> mode = {}) override;
   void createExclusively(const QString &path, const QByteArray &bytes) override;

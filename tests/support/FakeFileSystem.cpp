@@ -253,6 +253,16 @@ QString FakeFileSystem::setAside(const QString &path) {
   return free;
 }
 
+bool FakeFileSystem::canRead(const QString &path) {
+  const std::lock_guard guard(m_mutex);
+  try {
+    step("canRead", path);
+    return existing(resolved(path)).kind == FileKind::File;
+  } catch (const Failure &) {
+    return false;
+  }
+}
+
 bool FakeFileSystem::sameFile(const QString &a, const QString &b) {
   const std::lock_guard guard(m_mutex);
   try {

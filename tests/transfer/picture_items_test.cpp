@@ -212,6 +212,35 @@ TEST_F(PictureItemsTest, OneWhoseFileWentForAnotherIsNotOnTheShare) {
   EXPECT_EQ(records(), (QStringList{u"/p/Else/1.jpg Y"_s, u"/p/Trip/1.jpg N"_s, u"/q/Trip/1.jpg N"_s, u"end"_s}));
 }
 
+// A share that does not tell large letters from small ones has one file for both places.
+TEST_F(PictureItemsTest, OneWhoseFileWentForOneThatIsWrittenOtherwiseIsNotOnTheShare) {
+  const QString placeOfSecond = kPhoto + u"Trip/BOAT.JPG"_s;
+  picture(placeOfSecond, "one file");
+  bench.files.beforeOperation = [&](int) {
+    if (bench.files.log().constLast() == u"removeFile "_s + placeOfSecond &&
+        bench.files.exists(kPhoto + u"Trip/boat.jpg"_s)) {
+      bench.files.erase(kPhoto + u"Trip/boat.jpg"_s);
+    }
+  };
+  bench.processes.failAt(2, exited(1));
+  albums({album(u"A"_s, {picture(u"/p/Trip/boat.jpg"_s), picture(u"/q/Trip/BOAT.JPG"_s, "x")})});
+  EXPECT_EQ(photos(), QStringList());
+  EXPECT_EQ(records(), (QStringList{u"/p/Trip/boat.jpg N"_s, u"/q/Trip/BOAT.JPG N"_s, u"end"_s}));
+}
+
+TEST_F(PictureItemsTest, NothingIsRemovedForASourceThatCannotBeRead) {
+  picture(kPhoto + u"Trip/1.jpg"_s, "older", 900);
+  bench.files.beforeOperation = [&](int) {
+    if (bench.files.log().constLast() == u"sameFile /p/Trip/1.jpg"_s) {
+      bench.files.failAt(2, FailureKind::Other); // behind the last looks at both
+    }
+  };
+  albums({album(u"A"_s, {picture(u"/p/Trip/1.jpg"_s)})});
+  EXPECT_EQ(bench.files.bytes(kPhoto + u"Trip/1.jpg"_s), QByteArray("older"));
+  EXPECT_TRUE(bench.processes.requests.isEmpty());
+  EXPECT_EQ(bench.view.lastLog, u"\"1.jpg\" could not be transferred."_s);
+}
+
 TEST_F(PictureItemsTest, AFailedCopyOfWhatStandsInTheAlbumAnywayCounts) {
   picture(kPhoto + u"1.jpg"_s, "other picture");
   picture(kPhoto + u"Trip/1.jpg"_s);

@@ -166,6 +166,45 @@ TEST_F(TransferItemsTest, AnIdenticalCopyUnderAnyOfTheNamesCounts) {
   }
 }
 
+// A share that does not tell large letters from small ones has one file for both places.
+TEST_F(TransferItemsTest, ATrackWhoseFileWentForOneThatIsWrittenOtherwiseIsNotOnTheShare) {
+  TrackTags shouted = waterloo();
+  shouted.title = u"WATERLOO"_s;
+  const QString first = bench.song(u"/m/A/B/01.mp3"_s, waterloo());
+  const QString second = bench.song(u"/m/A/B/02.mp3"_s, shouted, 200'001);
+  const QString placeOfFirst = kMusic + u"A/B/ABBA-Gold-Waterloo.mp3"_s;
+  const QString placeOfSecond = kMusic + u"A/B/ABBA-Gold-WATERLOO.mp3"_s;
+  bench.files.put(placeOfSecond, "one file", 900);
+  bench.files.beforeOperation = [&](int) {
+    if (bench.files.log().constLast() == u"removeFile "_s + placeOfSecond && bench.files.exists(placeOfFirst)) {
+      bench.files.erase(placeOfFirst);
+    }
+  };
+  bench.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
+    return request.arguments.value(1) == second ? std::optional(exited(1)) : std::nullopt;
+  };
+  bench.drop(u"Party"_s, {first, second});
+  EXPECT_EQ(bench.musicTree(), QStringList());
+  EXPECT_EQ(bench.sentRecords[0].songTransferFlag, u"N"_s);
+  EXPECT_EQ(bench.sentRecords[1].songTransferFlag, u"N"_s);
+}
+
+// On one that does, they are two.
+TEST_F(TransferItemsTest, ATrackBesideAFailedOneThatIsWrittenOtherwiseStays) {
+  TrackTags shouted = waterloo();
+  shouted.title = u"WATERLOO"_s;
+  const QString first = bench.song(u"/m/A/B/01.mp3"_s, waterloo());
+  const QString second = bench.song(u"/m/A/B/02.mp3"_s, shouted, 200'001);
+  bench.files.put(kMusic + u"A/B/ABBA-Gold-WATERLOO.mp3"_s, "another file", 900);
+  bench.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
+    return request.arguments.value(1) == second ? std::optional(exited(1)) : std::nullopt;
+  };
+  bench.drop(u"Party"_s, {first, second});
+  EXPECT_EQ(bench.musicTree(), QStringList{u"A/B/ABBA-Gold-Waterloo.mp3"_s});
+  EXPECT_EQ(bench.sentRecords[0].songTransferFlag, u"Y"_s);
+  EXPECT_EQ(bench.sentRecords[1].songTransferFlag, u"N"_s);
+}
+
 TEST_F(TransferItemsTest, ADifferentFileUnderAnyOfTheNamesDoesNotCount) {
   const QString song = bench.song(u"/m/ABBA/Gold/01.mp3"_s, waterloo());
   bench.files.put(kMusic + u"ABBA-Gold-Waterloo.mp3"_s, QByteArray(200'001, 'm'), 1000);

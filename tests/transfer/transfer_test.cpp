@@ -69,13 +69,39 @@ TEST_F(TransferTest, NothingIsRemovedWhenTheReplacementCannotFollow) {
   EXPECT_TRUE(bench.processes.requests.isEmpty());
 }
 
+TEST_F(TransferTest, NothingIsRemovedForASourceThatCannotBeRead) {
+  const QString target = kMusic + u"ABBA/Gold/ABBA-Gold-Waterloo.mp3"_s;
+  bench.files.put(target, "older", 900);
+  bench.board.replaceRecords(false, {{u"P"_s, source, {}, {}, u"N"_s}});
+  bench.files.erase(source);
+  EXPECT_FALSE(place(source));
+  bench.files.putOther(source);
+  EXPECT_FALSE(place(source));
+  EXPECT_EQ(bench.files.bytes(target), "older");
+  EXPECT_TRUE(bench.processes.requests.isEmpty());
+  EXPECT_TRUE(bench.desktop.logged(source + u" cannot be read; the older one on the share stays"_s));
+  EXPECT_EQ(bench.board.records(false).first().songTransferFlag, u"N"_s);
+}
+
+TEST_F(TransferTest, WhyACopyFailedIsLogged) {
+  bench.processes.onRun = [](const ToolRequest &) {
+    return ToolResult{ToolEnding::Exited, 1, "cp: cannot open '01.mp3' for reading: Permission denied\n"};
+  };
+  EXPECT_FALSE(place(source));
+  EXPECT_TRUE(
+      bench.desktop.logged(source + u" was not copied: cp: cannot open '01.mp3' for reading: Permission denied"_s));
+  bench.processes.onRun = [](const ToolRequest &) { return exited(7); };
+  EXPECT_FALSE(place(source));
+  EXPECT_TRUE(bench.desktop.logged(source + u" was not copied: status 7"_s));
+}
+
 TEST_F(TransferTest, WhatCannotBeRemovedIsCopiedOver) {
   const QString target = kMusic + u"ABBA/Gold/ABBA-Gold-Waterloo.mp3"_s;
   bench.files.put(target, "older", 900);
   bench.board.replaceRecords(false, {{u"P"_s, source, {}, {}, u"N"_s}});
   bench.files.beforeOperation = [&](int) {
     if (bench.files.log().constLast() == u"sameFile "_s + source) {
-      bench.files.failAt(2, FailureKind::Other); // behind the last look at the target
+      bench.files.failAt(3, FailureKind::Other); // behind the last looks at both
     }
   };
   EXPECT_TRUE(place(source));

@@ -105,6 +105,14 @@ QByteArray LinuxFileSystem::read(const QString &path, quint64 limit) {
   return bytes;
 }
 
+bool LinuxFileSystem::canRead(const QString &path) {
+  try {
+    return openForReading(m_volumes.place(path, Access::Read), path).isOpen();
+  } catch (const Failure &) {
+    return false;
+  }
+}
+
 bool LinuxFileSystem::sameFile(const QString &a, const QString &b) {
   try {
     const auto first = statOf(m_volumes.place(a, Access::Read), Links::Follow, a);
