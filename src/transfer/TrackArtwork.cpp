@@ -35,7 +35,7 @@ bool wasKilled(const ToolResult &result) {
 } // namespace
 
 QString artworkTemporaryName(const QString &mark) {
-  return mark.isEmpty() ? QString() : u".sonorel-"_s + mark + u"-artwork"_s;
+  return mark.isEmpty() ? QString() : kTemporaryPrefix.toString() + mark + u"-artwork"_s;
 }
 
 struct TrackArtwork::Picture {

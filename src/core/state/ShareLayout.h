@@ -3,6 +3,8 @@
 // separators. Any thread.
 #pragma once
 
+#include "platform/ShareNames.h"
+
 #include <QString>
 #include <QStringView>
 
@@ -11,7 +13,6 @@ namespace sonorel {
 class Settings;
 
 inline constexpr QStringView kMountPoint = u"/Volumes/VB-SHARE$";
-inline constexpr QStringView kMusicFolderLiteral = u"/Volumes/VB-SHARE$/Music/Mac/";
 inline constexpr QStringView kBookmarkFolderLiteral = u"/Volumes/VB-SHARE$/Favorites/Mac/";
 inline constexpr QStringView kMusicFavouritesPath = u"/Volumes/VB-SHARE$/System/NetMusicFavorites.orv";
 inline constexpr QStringView kPhotoFavouritesPath = u"/Volumes/VB-SHARE$/System/PhotoFavorites.orv";
@@ -24,11 +25,6 @@ inline constexpr QStringView kServerPhotoPrefix = u"E:\\vb-share\\Photo\\Mac\\";
 inline constexpr QStringView kInvalidChars = u"/\\:*?\"<>|"; // getInvalidChars
 inline constexpr quint32 kFolderMode = 0777;
 inline constexpr quint32 kDefaultFolderMode = 0755; // where nothing is said about the mode
-
-// Product names, as the server writes them.
-inline constexpr QStringView kAuralis5 = u"Auralis 5";
-inline constexpr QStringView kVaultbox1 = u"Vaultbox 1";
-inline constexpr QStringView kAuracore5 = u"Auracore 5";
 
 // Playlist names that are markers.
 inline constexpr QStringView kNoPlaylist = u"N0PL@YL!ST";
