@@ -3,6 +3,7 @@
 // separators. Any thread.
 #pragma once
 
+#include "platform/DropNotifications.h"
 #include "platform/ShareNames.h"
 
 #include <QString>
@@ -29,7 +30,6 @@ inline constexpr quint32 kDefaultFolderMode = 0755; // where nothing is said abo
 // Playlist names that are markers.
 inline constexpr QStringView kNoPlaylist = u"N0PL@YL!ST";
 inline constexpr QStringView kFrame = u"@~";
-inline constexpr QStringView kRadioPrefix = u"@~Radio";
 inline constexpr QStringView kSeparatorMark = u"@@@@@";
 
 // The folder values of the client property file, read once at start-up.
@@ -56,6 +56,8 @@ struct ShareFolders {
 // "@!!!Red!!!@" to "Red", and so on; any other name unchanged.
 [[nodiscard]] QString colourNameOfMarker(const QString &playlistName);
 [[nodiscard]] bool isColourMarker(const QString &playlistName);
+// "Red" to "@!!!Red!!!@", and so on; any other name unchanged.
+[[nodiscard]] QString colourMarker(const QString &name);
 // 0 Red, 1 Green, 2 Yellow, 3 Blue; -1 for any other name.
 [[nodiscard]] int colourIndex(QStringView name);
 [[nodiscard]] QString colourName(int index);

@@ -53,6 +53,14 @@ TEST(Colours, KnowsTheFourMarkersAndNoOther) {
   EXPECT_FALSE(isColourMarker(u"@!!!Blue!!!@ "_s));
 }
 
+TEST(Colours, HaveOneMarkerEach) {
+  EXPECT_EQ(colourMarker(u"Red"_s), u"@!!!Red!!!@"_s);
+  EXPECT_EQ(colourMarker(u"Green"_s), u"@!!!Green!!!@"_s);
+  EXPECT_EQ(colourMarker(u"Yellow"_s), u"@!!!Yellow!!!@"_s);
+  EXPECT_EQ(colourMarker(u"Blue"_s), u"@!!!Blue!!!@"_s);
+  EXPECT_EQ(colourMarker(u"red"_s), u"red"_s);
+}
+
 TEST(Colours, AreNumberedInTheOrderOfTheFile) {
   EXPECT_EQ(colourIndex(u"Red"), 0);
   EXPECT_EQ(colourIndex(u"Green"), 1);
