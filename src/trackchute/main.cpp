@@ -1,5 +1,6 @@
 // The drop agent's command line. It needs no display: see CommandLine for the options.
 #include "core/state/ShareLayout.h"
+#include "platform/ApplicationPaths.h"
 #include "platform/DropNotifications.h"
 #include "platform/Failure.h"
 #include "platform/linux/Installation.h"
@@ -32,8 +33,9 @@ void say(std::FILE *stream, const QString &text) {
 QString playlistObject(const QString &name, const DroppedFiles &dropped, const Poster &poster) {
   LinuxFileSystem files(rootsFromEnvironment(programFolder()));
   LibplistPropertyLists lists;
-  const QString product = connectedProduct(files, lists, u"/Applications/Sonorel/App Data/DropperPropertyListFile"_s,
-                                           [&poster] { return poster.deviceName(); });
+  const QString product =
+      connectedProduct(files, lists, kAppDataPath.toString() + u'/' + kAgentPropertyFile.toString(),
+                       [&poster] { return poster.deviceName(); });
   if (product.isEmpty()) {
     throw Failure(u"it is not known which product the client is connected to; connect it first"_s);
   }
