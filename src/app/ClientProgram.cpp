@@ -4,6 +4,7 @@
 #include "app/FirstClient.h"
 #include "app/TemporaryMark.h"
 #include "platform/Failure.h"
+#include "platform/ShareNames.h"
 #include "platform/linux/DataFolders.h"
 #include "platform/linux/Installation.h"
 
@@ -44,7 +45,7 @@ CompositionOptions optionsFromEnvironment() {
   CompositionOptions options;
   options.roots = rootsFromEnvironment(programFolder());
   options.client = programFolder() + u"/sonoreld"_s;
-  options.embeddedProduct = u"Auracore 5"_s;
+  options.embeddedProduct = kAuracore5.toString();
   const QString configHome = qEnvironmentVariable("XDG_CONFIG_HOME");
   options.configHome = configHome.startsWith(u'/') ? configHome : options.roots.home + u"/.config"_s;
   return options;

@@ -1,5 +1,6 @@
 #include "app/Composition.h"
 
+#include "platform/ApplicationPaths.h"
 #include "platform/Failure.h"
 #include "transfer/TrackArtwork.h"
 
@@ -25,11 +26,11 @@ Composition::Composition(const CompositionOptions &options, const QDBusConnectio
                    .artworkTemporaryName = artworkTemporaryName(options.temporaryMark)},
                   [this](const QString &line) { m_desktop.log(line); }),
       m_clock(options.pauseScale), m_loop(failureLog(u"an operation"_s)), m_worker(failureLog(u"a transfer"_s)),
-      m_applications(bus, options.roots.scripts + u"/SaveToFolder_jpegonly.scpt"_s),
+      m_applications(bus, options.roots.scripts + u'/' + kExporterScript.toString()),
       m_metadata(hostPathOf(options.roots)),
       m_scripts(
           m_usedFiles, m_processes, m_clock, [this] { return m_controller.interruption(); },
-          u"/Applications/Sonorel/Sonorel.app/Contents/Resources/ConvertWeblocToURL.sh"_s),
+          kBundleResourcesPath.toString() + u'/' + kConverterScript.toString()),
       m_serviceBrowser(m_loop, m_desktop, {}), m_power(QDBusConnection::systemBus(), m_loop, m_desktop),
       m_door(bus, actions(), m_dropCounter), m_userInterface(m_door, m_quit),
       m_notifications(bus, m_loop, m_desktop, notificationHooks()), m_controller(platform(), values(options)) {}

@@ -3,6 +3,7 @@
 #include "core/Roles.h"
 #include "core/ShippedDefaults.h"
 #include "core/state/LogException.h"
+#include "platform/DropNotifications.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -66,7 +67,8 @@ void ApplicationController::windowWillClose() {
 void ApplicationController::openFiles(const QStringList &paths) {
   post(u"openFiles"_s, [this, paths](ShareRoles &share) {
     share.intake.openFiles();
-    m_roles->platform.notifications.post(u"TrackChute_DragRecieved"_s, {u"Finder"_s, {{u"draggedFiles"_s, paths}}});
+    m_roles->platform.notifications.post(kMusicDrag.toString(),
+                                         {kFinderName.toString(), {{kDraggedFilesKey.toString(), paths}}});
   });
 }
 

@@ -1,5 +1,7 @@
 #include "core/ClientPaths.h"
 
+#include "platform/ApplicationPaths.h"
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
@@ -13,9 +15,9 @@ ClientPaths::ClientPaths(const QString &homePath, const QString &bundlePath)
       productsDetailsDictFilePath(supportFolder + u"/DevicesDetails.xml"_s), tempFileLocation(supportFolder + u'/'),
       resourceFilePath(bundlePath + u"/Contents/Resources/"_s),
       appDataFolder(bundlePath.left(bundlePath.indexOf(u"/Sonorel.app"_s)) + u"/App Data/"_s),
-      PFPath(appDataFolder + u"MacClientProperty"_s),
-      dropperPropertyFilePath(appDataFolder + u"DropperPropertyListFile"_s),
-      agentExecutable(resourceFilePath + u"TrackChute.app/Contents/MacOS/TrackChute"_s),
+      PFPath(appDataFolder + kClientPropertyFile.toString()),
+      dropperPropertyFilePath(appDataFolder + kAgentPropertyFile.toString()),
+      agentExecutable(resourceFilePath + kAgentProgram.toString()),
       artworkHandOver(machineFolder + u"/ArtworkData.txt"_s) {}
 
 } // namespace sonorel

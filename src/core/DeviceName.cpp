@@ -40,7 +40,7 @@ QString DeviceName::getDeviceName() {
 }
 
 std::optional<QString> DeviceName::readName() {
-  const QString path = m_folders.system() + u"OrvProductName.orv"_s;
+  const QString path = m_folders.system() + kProductNameFileName.toString();
   const auto volume = m_files.volume(path);
   const bool mounted = volume && volume->mountRoot == m_folders.share();
   // Only a share that is there can lack the file.

@@ -2,6 +2,7 @@
 // the composition knows. All of it must outlive the controller.
 #pragma once
 
+#include "platform/ApplicationPaths.h"
 #include "platform/Clock.h"
 #include "platform/Datagrams.h"
 #include "platform/Desktop.h"
@@ -50,7 +51,7 @@ inline constexpr int kNotStarted = 1;
 
 struct ControllerValues {
   QString homePath; // the user's home folder, no "/" at the end
-  QString bundlePath = QStringLiteral("/Applications/Sonorel/Sonorel.app");
+  QString bundlePath = kBundlePath.toString();
   QString backupFolder;  // the old and new favourites files of each product, no "/" at the end
   QString temporaryMark; // stands in the names of this client's temporary files; empty: not known
   // False for a path that means something inside the client and that nobody else may name. Any thread.

@@ -14,9 +14,7 @@
 
 namespace sonorel {
 
-inline constexpr QStringView kTemporaryPrefix = u".sonorel-";
-inline constexpr QStringView kShareLockName = u".sonorel-lock"; // the rewrite's own business
-inline constexpr qint64 kForeignTemporaryAge = 24LL * 60 * 60;  // seconds
+inline constexpr qint64 kForeignTemporaryAge = 24LL * 60 * 60; // seconds
 
 class ShareCleanup {
 public:

@@ -4,6 +4,7 @@
 #include "core/Roles.h"
 #include "core/state/LogException.h"
 #include "favourites/AlbumNames.h"
+#include "platform/DropNotifications.h"
 #include "transfer/PictureLibrary.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -233,9 +234,9 @@ void ShareRoles::connect() {
 }
 
 void ShareRoles::observeNotifications() {
-  observe(u"TrackChute_DragRecieved"_s, &DropIntake::handleiTunesDragAndDrop);
-  observe(u"iPhoto_DragRecieved"_s, &DropIntake::handleiPhotoDragAndDrop);
-  observe(u"safari_drag_Notification"_s, &DropIntake::handleSafariDragAndDrop);
+  observe(kMusicDrag.toString(), &DropIntake::handleiTunesDragAndDrop);
+  observe(kPhotoDrag.toString(), &DropIntake::handleiPhotoDragAndDrop);
+  observe(kBookmarkDrag.toString(), &DropIntake::handleSafariDragAndDrop);
 }
 
 void ShareRoles::observe(const QString &name, void (DropIntake::*handler)(const Notification &)) {

@@ -1,6 +1,7 @@
 #include "core/SystemIntegration.h"
 
 #include "core/state/LogException.h"
+#include "platform/ShareNames.h"
 
 #include <algorithm>
 #include <utility>
@@ -106,7 +107,7 @@ void SystemIntegration::spaceChanged() {
 }
 
 void SystemIntegration::unmountVBShareUsingApplescript() {
-  m_scripts.ejectDisk(u"VB-SHARE$"_s);
+  m_scripts.ejectDisk(kShareName.toString());
 }
 
 } // namespace sonorel

@@ -10,7 +10,6 @@ namespace {
 
 constexpr int kLargestLimit = 99;
 constexpr int kAlbumLimit = 9;
-constexpr QStringView kLimitsFile = u"OrvSpecialFavouriteLimits.orv";
 constexpr QStringView kAllEnabled = u"#1#1#1#1#";
 
 int limitFor(qsizetype titles) {
@@ -23,7 +22,8 @@ int limitFor(qsizetype titles) {
 } // namespace
 
 ColourLimits::ColourLimits(const LimitsRewrite::Tools &tools, const ShareFolders &folders, std::function<void()> quit)
-    : m_desktop(tools.desktop), m_file(tools, folders.system() + kLimitsFile.toString()), m_quit(std::move(quit)) {}
+    : m_desktop(tools.desktop), m_file(tools, folders.system() + kLimitsFileName.toString()),
+      m_quit(std::move(quit)) {}
 
 bool ColourLimits::presentLimitSettings() {
   m_damage.reset();

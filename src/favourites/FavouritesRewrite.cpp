@@ -11,9 +11,6 @@ namespace {
 
 constexpr qsizetype kLongestKey = 120;
 
-QString lockName() {
-  return u".sonorel-lock"_s;
-}
 QString markName() {
   return u"/client-mark"_s;
 }
@@ -93,7 +90,7 @@ void FavouritesRewrite::recoverAtConnect(std::stop_token stop) {
 FavouritesRewrite::Turn::Turn(FavouritesRewrite &owner, FavouritesKind kind, std::stop_token stop)
     : m_owner(owner), m_turn(owner.m_turnMutex), m_name(favouritesFileName(kind)),
       m_path(owner.m_folders.system() + m_name), m_backup(owner.backup(kind)),
-      m_lock(lockTools(owner.m_tools), owner.m_folders.system() + lockName(), owner.ownMark(), stop) {}
+      m_lock(lockTools(owner.m_tools), owner.m_folders.system() + kShareLockName.toString(), owner.ownMark(), stop) {}
 
 std::optional<FileAttributes> FavouritesRewrite::Turn::current() {
   auto found = m_owner.m_tools.files.attributes(m_path, Links::Follow);

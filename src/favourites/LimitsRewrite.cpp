@@ -3,6 +3,7 @@
 #include "favourites/FavouritesBackup.h"
 #include "favourites/LimitsFile.h"
 #include "platform/Failure.h"
+#include "platform/ShareNames.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -67,7 +68,7 @@ void LimitsRewrite::write(const QByteArray &oldBytes, const QByteArray &newBytes
 }
 
 QString LimitsRewrite::keptPath() const {
-  return m_tools.backupFolder() + u"/OrvSpecialFavouriteLimits.orv.next"_s;
+  return m_tools.backupFolder() + u'/' + kLimitsFileName.toString() + u".next"_s;
 }
 
 std::optional<QByteArray> LimitsRewrite::kept() {

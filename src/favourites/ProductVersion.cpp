@@ -61,7 +61,7 @@ QString ProductVersion::answer() {
     return u"NO"_s;
   }
   try {
-    return utf8AnswerOfProductName(m_files.read(m_folders.system() + u"OrvProductName.orv"_s, kLargestFile));
+    return utf8AnswerOfProductName(m_files.read(m_folders.system() + kProductNameFileName.toString(), kLargestFile));
   } catch (const Failure &failure) {
     if (failure.kind() != FailureKind::Absent) {
       logException(m_desktop, u"checkAU5SoftwareVersion"_s, failure);

@@ -18,6 +18,7 @@ namespace sonorel {
 
 namespace {
 
+// As in platform/ShareNames.h, which would bring Qt into the exporter.
 constexpr const char *kTemporaryPrefix = ".sonorel-";
 
 volatile std::sig_atomic_t endRequested = 0;

@@ -1,6 +1,7 @@
 #include "scripts/Webloc.h"
 
 #include "platform/Failure.h"
+#include "platform/ShareNames.h"
 #include "platform/linux/HostFile.h"
 #include "platform/linux/LibplistPropertyLists.h"
 #include "platform/linux/RegularFile.h"
@@ -56,7 +57,7 @@ bool linkedWhole(const QByteArray &folder, const QByteArray &text, const QString
 }
 
 void writeBeside(const QByteArray &text, const QString &folder, const QString &made) {
-  const QString beside = folder + u".sonorel-"_s + QString::number(::getpid());
+  const QString beside = folder + kTemporaryPrefix.toString() + QString::number(::getpid());
   writeNew(hostPlace(beside), text, beside);
   if (::renameat2(AT_FDCWD, beside.toUtf8().constData(), AT_FDCWD, made.toUtf8().constData(), RENAME_NOREPLACE) !=
       0) {

@@ -1,6 +1,7 @@
 #include "trackchute/PlaylistName.h"
 
 #include "core/state/ShareLayout.h"
+#include "platform/DropNotifications.h"
 
 #include <algorithm>
 
@@ -24,8 +25,8 @@ std::optional<QString> refusalOfName(const QString &kind, const QString &name) {
   if (name.contains(QChar(u'\0'))) {
     return u"the name of %1 cannot contain a NUL character"_s.arg(kind);
   }
-  const bool isMarker = colourIndex(name) >= 0 || name == u"Finder" || name == u"TV Shows" || name == u"iPod Games" ||
-                        name == kNoPlaylist;
+  const bool isMarker = colourIndex(name) >= 0 || name == kFinderName || name == kTvShowsName ||
+                        name == kIpodGamesName || name == kNoPlaylist;
   if (isMarker) {
     return u"\"%1\" has a meaning of its own and cannot name %2"_s.arg(name, kind);
   }

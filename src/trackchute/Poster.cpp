@@ -1,6 +1,7 @@
 #include "trackchute/Poster.h"
 
 #include "core/state/DockImages.h"
+#include "platform/DropNotifications.h"
 #include "platform/Failure.h"
 #include "platform/linux/BusNames.h"
 #include "platform/linux/NotificationMessage.h"
@@ -46,15 +47,15 @@ QString Poster::deviceName() const {
 }
 
 void Poster::postDrag(const QString &object, const QStringList &draggedFiles) {
-  post(u"TrackChute_DragRecieved"_s, {object, {{u"draggedFiles"_s, draggedFiles}}});
+  post(kMusicDrag.toString(), {object, {{kDraggedFilesKey.toString(), draggedFiles}}});
 }
 
 void Poster::postAlbums(const QVariantList &photoData) {
-  post(u"iPhoto_DragRecieved"_s, {{}, {{u"PhotoData"_s, photoData}}});
+  post(kPhotoDrag.toString(), {{}, {{kPhotoDataKey.toString(), photoData}}});
 }
 
 void Poster::postBookmarks(const QStringList &titles, const QStringList &urls) {
-  post(u"safari_drag_Notification"_s, {{}, {{u"Titles"_s, titles}, {u"Urls"_s, urls}}});
+  post(kBookmarkDrag.toString(), {{}, {{kTitlesKey.toString(), titles}, {kUrlsKey.toString(), urls}}});
 }
 
 void Poster::post(const QString &name, const Notification &notification) {

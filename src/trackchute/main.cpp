@@ -1,5 +1,7 @@
 // The drop agent's command line. It needs no display: see CommandLine for the options.
 #include "core/state/ShareLayout.h"
+#include "platform/ApplicationPaths.h"
+#include "platform/DropNotifications.h"
 #include "platform/Failure.h"
 #include "platform/linux/Installation.h"
 #include "platform/linux/LibplistPropertyLists.h"
@@ -31,8 +33,9 @@ void say(std::FILE *stream, const QString &text) {
 QString playlistObject(const QString &name, const DroppedFiles &dropped, const Poster &poster) {
   LinuxFileSystem files(rootsFromEnvironment(programFolder()));
   LibplistPropertyLists lists;
-  const QString product = connectedProduct(files, lists, u"/Applications/Sonorel/App Data/DropperPropertyListFile"_s,
-                                           [&poster] { return poster.deviceName(); });
+  const QString product =
+      connectedProduct(files, lists, kAppDataPath.toString() + u'/' + kAgentPropertyFile.toString(),
+                       [&poster] { return poster.deviceName(); });
   if (product.isEmpty()) {
     throw Failure(u"it is not known which product the client is connected to; connect it first"_s);
   }
@@ -53,7 +56,8 @@ DroppedFiles expanded(const std::vector<std::string> &files) {
 void dropAlbums(const CommandLine &line) {
   QVariantList photoData;
   for (const Album &album : line.albums) {
-    photoData.append(QVariantMap{{u"albumName"_s, album.name}, {u"draggedFiles"_s, expanded(album.files).paths}});
+    photoData.append(QVariantMap{{kAlbumNameKey.toString(), album.name},
+                                 {kDraggedFilesKey.toString(), expanded(album.files).paths}});
   }
   Poster().postAlbums(photoData);
 }
@@ -66,7 +70,7 @@ void dropFiles(const CommandLine &line) {
     poster.postDrag(playlistObject(line.name, dropped, poster), dropped.paths);
     break;
   case DropKind::Colour:
-    poster.postDrag(u"@!!!%1!!!@"_s.arg(line.name), dropped.paths);
+    poster.postDrag(colourMarker(line.name), dropped.paths);
     break;
   default:
     poster.postDrag(kNoPlaylist.toString(), dropped.paths);

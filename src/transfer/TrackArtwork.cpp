@@ -1,5 +1,6 @@
 #include "transfer/TrackArtwork.h"
 
+#include "platform/ApplicationPaths.h"
 #include "platform/Failure.h"
 #include "transfer/PathNames.h"
 #include "transfer/Removal.h"
@@ -35,7 +36,7 @@ bool wasKilled(const ToolResult &result) {
 } // namespace
 
 QString artworkTemporaryName(const QString &mark) {
-  return mark.isEmpty() ? QString() : u".sonorel-"_s + mark + u"-artwork"_s;
+  return mark.isEmpty() ? QString() : kTemporaryPrefix.toString() + mark + u"-artwork"_s;
 }
 
 struct TrackArtwork::Picture {
@@ -51,7 +52,7 @@ TrackArtwork::TrackArtwork(const TransferTools &tools, RunningApplications &appl
 
 void TrackArtwork::embedArtworkToTrack(const QString &track, const std::stop_token &stop) {
   const QString title = getTitleOfTrack(track, m_tools.metadata.tags(track));
-  (void)runScript(u"Embed Artwork.scpt"_s, {track, title}, stop);
+  (void)runScript(kEmbedderScript.toString(), {track, title}, stop);
 }
 
 void TrackArtwork::transferStandAloneArtwork(const QString &track, const QString &changedFileName,
@@ -93,7 +94,7 @@ void TrackArtwork::exportPicture(const QString &track, const Picture &picture, c
   const QString title = getTitleOfTrack(track, m_tools.metadata.tags(track));
   m_tools.files.write(m_paths.handOverFile, QStringList{title, picture.name, track}.join(u'\n').toUtf8());
   const ToolResult result =
-      runScript(u"SaveToFolder_jpegonly.scpt"_s, {track, title, picture.name, picture.folderArgument}, stop);
+      runScript(kExporterScript.toString(), {track, title, picture.name, picture.folderArgument}, stop);
   if (succeeded(result)) {
     removeBeside(picture, u"._"_s + picture.name + u".jpg"_s);
   } else if (wasKilled(result) && !m_paths.temporaryName.isEmpty()) {

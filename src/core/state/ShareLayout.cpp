@@ -47,6 +47,11 @@ bool isColourMarker(const QString &playlistName) {
   return false;
 }
 
+QString colourMarker(const QString &name) {
+  const int index = colourIndex(name);
+  return index < 0 ? name : kColourMarkers.at(static_cast<size_t>(index)).toString();
+}
+
 int colourIndex(QStringView name) {
   for (size_t i = 0; i < kColours.size(); ++i) {
     if (name == kColours[i]) {

@@ -3,6 +3,9 @@
 // separators. Any thread.
 #pragma once
 
+#include "platform/DropNotifications.h"
+#include "platform/ShareNames.h"
+
 #include <QString>
 #include <QStringView>
 
@@ -11,7 +14,6 @@ namespace sonorel {
 class Settings;
 
 inline constexpr QStringView kMountPoint = u"/Volumes/VB-SHARE$";
-inline constexpr QStringView kMusicFolderLiteral = u"/Volumes/VB-SHARE$/Music/Mac/";
 inline constexpr QStringView kBookmarkFolderLiteral = u"/Volumes/VB-SHARE$/Favorites/Mac/";
 inline constexpr QStringView kMusicFavouritesPath = u"/Volumes/VB-SHARE$/System/NetMusicFavorites.orv";
 inline constexpr QStringView kPhotoFavouritesPath = u"/Volumes/VB-SHARE$/System/PhotoFavorites.orv";
@@ -25,15 +27,9 @@ inline constexpr QStringView kInvalidChars = u"/\\:*?\"<>|"; // getInvalidChars
 inline constexpr quint32 kFolderMode = 0777;
 inline constexpr quint32 kDefaultFolderMode = 0755; // where nothing is said about the mode
 
-// Product names, as the server writes them.
-inline constexpr QStringView kAuralis5 = u"Auralis 5";
-inline constexpr QStringView kVaultbox1 = u"Vaultbox 1";
-inline constexpr QStringView kAuracore5 = u"Auracore 5";
-
 // Playlist names that are markers.
 inline constexpr QStringView kNoPlaylist = u"N0PL@YL!ST";
 inline constexpr QStringView kFrame = u"@~";
-inline constexpr QStringView kRadioPrefix = u"@~Radio";
 inline constexpr QStringView kSeparatorMark = u"@@@@@";
 
 // The folder values of the client property file, read once at start-up.
@@ -60,6 +56,8 @@ struct ShareFolders {
 // "@!!!Red!!!@" to "Red", and so on; any other name unchanged.
 [[nodiscard]] QString colourNameOfMarker(const QString &playlistName);
 [[nodiscard]] bool isColourMarker(const QString &playlistName);
+// "Red" to "@!!!Red!!!@", and so on; any other name unchanged.
+[[nodiscard]] QString colourMarker(const QString &name);
 // 0 Red, 1 Green, 2 Yellow, 3 Blue; -1 for any other name.
 [[nodiscard]] int colourIndex(QStringView name);
 [[nodiscard]] QString colourName(int index);

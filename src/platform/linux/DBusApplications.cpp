@@ -1,5 +1,6 @@
 #include "platform/linux/DBusApplications.h"
 
+#include "platform/ApplicationPaths.h"
 #include "platform/linux/BusNames.h"
 #include "platform/linux/FileDescriptor.h"
 
@@ -27,8 +28,7 @@ struct KnownApplication {
 };
 
 constexpr std::array<KnownApplication, 2> kKnown{
-    {{kClientService, u"Sonorel", u"/Applications/Sonorel/Sonorel.app"},
-     {kAgentService, u"TrackChute", u"/Applications/Sonorel/Sonorel.app/Contents/Resources/TrackChute.app"}}};
+    {{kClientService, u"Sonorel", kBundlePath}, {kAgentService, u"TrackChute", kAgentBundlePath}}};
 
 constexpr QStringView kArtworkExporter = u"iTunes"; // the name by which it is asked for
 

@@ -1,12 +1,13 @@
 #include "platform/linux/DroppedPaths.h"
 
+#include "platform/DropNotifications.h"
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
 
 namespace {
 
-constexpr QStringView kRadio = u"@~Radio";
 constexpr qsizetype kLongestReason = 1024;
 constexpr int kLinesPerDrop = 10; // a drop of 100,000 bad paths does not flood the log
 
@@ -18,7 +19,7 @@ public:
     QStringList passed;
     passed.reserve(items.size());
     for (const QString &item : items) {
-      if (item.startsWith(kRadio)) {
+      if (item.startsWith(kRadioPrefix)) {
         passed.append(item);
         continue;
       }
@@ -59,8 +60,8 @@ private:
 
 std::optional<Notification> withCleanPaths(const Notification &notification, const FromOutside &fromOutside,
                                            Desktop &desktop) {
-  const QString files = u"draggedFiles"_s;
-  const QString photos = u"PhotoData"_s;
+  const QString files = kDraggedFilesKey.toString();
+  const QString photos = kPhotoDataKey.toString();
   Cleaner cleaner(fromOutside, desktop);
   Notification cleaned = notification;
   if (cleaned.userInfo.contains(files)) {

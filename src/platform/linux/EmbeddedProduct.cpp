@@ -1,5 +1,6 @@
 #include "platform/linux/EmbeddedProduct.h"
 
+#include "platform/ShareNames.h"
 #include "platform/linux/FileDescriptor.h"
 #include "platform/linux/HostFile.h"
 #include "platform/linux/HostFolders.h"
@@ -24,7 +25,7 @@ constexpr mode_t kFolderMode = 0777;
 // What the player of this model answers from its first version with Unicode names on.
 QByteArray nameFile(const QString &productName) {
   const QByteArray name = productName.toUtf8() + '\n';
-  return productName == u"Auralis 5"_s ? name + "5.03.00.2387\n" : name;
+  return productName == kAuralis5 ? name + "5.03.00.2387\n" : name;
 }
 
 // A locally administered address of its own, so that two trees are two products.
@@ -64,9 +65,9 @@ void EmbeddedProduct::prepare() const {
     makeHostFolders(m_tree + folder, kFolderMode);
   }
   const QString system = m_tree + u"/System/"_s;
-  writeWhenMissing(system + u"OrvProductName.orv"_s, nameFile(m_productName));
-  writeWhenMissing(system + u"MacIPAdress.orv"_s, addressFile());
-  writeWhenMissing(system + u"OrvSpecialFavouriteLimits.orv"_s, limitsFile());
+  writeWhenMissing(system + kProductNameFileName.toString(), nameFile(m_productName));
+  writeWhenMissing(system + kAddressFileName.toString(), addressFile());
+  writeWhenMissing(system + kLimitsFileName.toString(), limitsFile());
 }
 
 void EmbeddedProduct::mount(const QByteArray &point) const {

@@ -1,5 +1,7 @@
 #include "platform/linux/Installation.h"
 
+#include "platform/ShareNames.h"
+
 #include <filesystem>
 #include <pwd.h>
 #include <unistd.h>
@@ -45,7 +47,7 @@ Roots rootsFromEnvironment(const QString &programs) {
   roots.home = home;
   roots.data = (dataHome.isEmpty() ? home + u"/.local/share"_s : dataHome) + u"/sonorel"_s;
   roots.runtime = runtime.isEmpty() ? roots.data : runtime + u"/sonorel"_s;
-  roots.embedded = roots.data + u"/Embedded/VB-SHARE$"_s;
+  roots.embedded = roots.data + u"/Embedded/"_s + kShareName.toString();
 
   const QString inBuild = programs + u"/../resources"_s;
   const bool isBuildTree = isFolder(inBuild);

@@ -1,3 +1,4 @@
+#include "platform/ShareNames.h"
 #include "platform/linux/HostFile.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/SystemError.h"
@@ -100,7 +101,7 @@ Place LinuxFileSystem::temporaryBeside(const Place &target) const {
     throw systemFailure(errno, u"getrandom"_s);
   }
   const QByteArray mark = m_temporaryMark.isEmpty() ? QByteArray() : m_temporaryMark.toUtf8() + '-';
-  const QByteArray name = ".sonorel-" + mark + QByteArray(random.data(), random.size()).toHex();
+  const QByteArray name = kTemporaryPrefix.toLatin1() + mark + QByteArray(random.data(), random.size()).toHex();
   FileDescriptor root;
   if (target.root.isOpen()) {
     root.reset(::fcntl(target.root.get(), F_DUPFD_CLOEXEC, 0));

@@ -1,5 +1,6 @@
 #include "platform/linux/LinuxProcesses.h"
 
+#include "platform/ApplicationPaths.h"
 #include "platform/Failure.h"
 #include "platform/linux/HeldPath.h"
 
@@ -9,7 +10,6 @@ namespace sonorel {
 
 namespace {
 
-constexpr QStringView kInstalled = u"/Applications/Sonorel/App Data/";
 constexpr QStringView kMountMark = u".autodiskmounted";
 
 ToolResult ended(int status, const QByteArray &text) {
@@ -65,7 +65,7 @@ ToolResult LinuxProcesses::runTool(const ToolRequest &request, std::stop_token s
   if (program == u"/usr/bin/osascript"_s) {
     return runScript(request, std::move(stop));
   }
-  if (program.startsWith(kInstalled)) {
+  if (program.startsWith(kAppDataPath.toString() + u'/')) {
     return runInstalled(request, std::move(stop));
   }
   note(u"No such tool: "_s + program);

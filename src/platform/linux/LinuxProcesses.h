@@ -4,6 +4,7 @@
 #pragma once
 
 #include "platform/Processes.h"
+#include "platform/ShareNames.h"
 #include "platform/linux/ChildProcess.h"
 #include "platform/linux/CopyTool.h"
 #include "platform/linux/MountTool.h"
@@ -13,9 +14,9 @@
 namespace sonorel {
 
 struct ProcessOptions {
-  QString musicFolder = QStringLiteral("/Volumes/VB-SHARE$/Music/Mac/"); // for the scripts, a path of the system
-  QString embeddedProduct = QStringLiteral("Auracore 5");                // the name of a new embedded product
-  QString artworkTemporaryName = {};                                     // for the scripts; empty: a random one
+  QString musicFolder = kMusicFolderLiteral.toString(); // for the scripts, a path of the system
+  QString embeddedProduct = kAuracore5.toString();      // the name of a new embedded product
+  QString artworkTemporaryName = {};                    // for the scripts; empty: a random one
 };
 
 class LinuxProcesses final : public Processes {

@@ -114,6 +114,7 @@ bool hasMountWithin(const MountEntries &entries, const QByteArray &path) {
 }
 
 QString systemTypeName(const QByteArray &type) {
+  // The last is what mount/MountPoint.h calls our own mounts.
   for (const char *share : {"cifs", "smb3", "smbfs", "fuse.sonorel"}) {
     if (type == share) {
       return u"smbfs"_s;

@@ -1,5 +1,6 @@
 #include "platform/linux/MountTool.h"
 
+#include "platform/ShareNames.h"
 #include "platform/linux/ChildProcess.h"
 #include "platform/linux/EmbeddedProduct.h"
 #include "platform/linux/SystemError.h"
@@ -23,7 +24,6 @@ constexpr int kNoShare = 71;
 constexpr int kNoProgram = 127;
 constexpr mode_t kOpenMode = 0777;
 constexpr mode_t kCoveredMode = 0555;
-constexpr QStringView kShareName = u"VB-SHARE$";
 
 ToolResult ended(int status, const QByteArray &text) {
   return {ToolEnding::Exited, status, text};

@@ -1,5 +1,6 @@
 #include "platform/linux/NotificationMessage.h"
 
+#include "platform/DropNotifications.h"
 #include "platform/Failure.h"
 #include "platform/linux/BusNames.h"
 
@@ -36,12 +37,13 @@ QStringList textsOf(const QVariant &value, const QString &what) {
 }
 
 QVariantMap albumOf(const QVariantMap &given) {
-  const QVariant name = given.value(u"albumName"_s);
+  const QString nameKey = kAlbumNameKey.toString();
+  const QVariant name = given.value(nameKey);
   if (name.typeId() != QMetaType::QString) {
-    refuse(u"albumName is no text"_s);
+    refuse(nameKey + u" is no text"_s);
   }
-  const QString files = u"draggedFiles"_s;
-  return {{u"albumName"_s, name}, {files, textsOf(given.value(files), files)}};
+  const QString files = kDraggedFilesKey.toString();
+  return {{nameKey, name}, {files, textsOf(given.value(files), files)}};
 }
 
 QVariantList albumsOf(const QVariant &value) {
@@ -50,7 +52,7 @@ QVariantList albumsOf(const QVariant &value) {
   }
   const QDBusArgument argument = value.value<QDBusArgument>();
   if (argument.currentSignature() != u"aa{sv}") {
-    refuse(u"PhotoData is no list of dictionaries"_s);
+    refuse(kPhotoDataKey.toString() + u" is no list of dictionaries"_s);
   }
   QVariantList albums;
   const auto given = qdbus_cast<QList<QVariantMap>>(argument);
@@ -127,12 +129,13 @@ Notification notificationOfMessage(const QDBusMessage &message) {
   const QVariantList arguments = message.arguments();
   Notification notification{arguments.at(0).toString(), {}};
   const QVariantMap given = mapOf(arguments.at(1), u"the user info"_s);
-  for (const QString &key : {u"draggedFiles"_s, u"Titles"_s, u"Urls"_s}) {
+  for (const QStringView texts : {kDraggedFilesKey, kTitlesKey, kUrlsKey}) {
+    const QString key = texts.toString();
     if (given.contains(key)) {
       notification.userInfo.insert(key, textsOf(given.value(key), key));
     }
   }
-  if (const QString photos = u"PhotoData"_s; given.contains(photos)) {
+  if (const QString photos = kPhotoDataKey.toString(); given.contains(photos)) {
     notification.userInfo.insert(photos, albumsOf(given.value(photos)));
   }
   return notification;

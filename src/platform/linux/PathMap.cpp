@@ -1,6 +1,10 @@
 #include "platform/linux/PathMap.h"
 
+#include "platform/ApplicationPaths.h"
+
 #include <QStringList>
+
+#include <array>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -9,13 +13,9 @@ namespace sonorel {
 namespace {
 
 constexpr QLatin1String kVolumes("/Volumes");
-constexpr QLatin1String kResources("/Applications/Sonorel/Sonorel.app/Contents/Resources");
-constexpr QLatin1String kAgent("/TrackChute.app/Contents/MacOS/TrackChute");
-constexpr QLatin1String kAppData("/Applications/Sonorel/App Data");
 constexpr QLatin1String kTemporary("/private/tmp");
-// The property files of "App Data"; what is set aside beside them keeps the name and adds an extension.
-constexpr QLatin1String kPropertyFiles[] = {QLatin1String("/MacClientProperty"),
-                                            QLatin1String("/DropperPropertyListFile")};
+// What is set aside beside them keeps the name and adds an extension.
+constexpr std::array<QStringView, 2> kPropertyFiles{kClientPropertyFile, kAgentPropertyFile};
 
 bool isAtOrBelow(QStringView path, QStringView folder) {
   return path.startsWith(folder) && (path.size() == folder.size() || path.at(folder.size()) == u'/');
@@ -31,11 +31,11 @@ QString cleanRoot(const QString &path) {
 }
 
 bool isPropertyFile(QStringView cleanedPath) {
-  if (!cleanedPath.startsWith(kAppData)) {
+  if (!isAtOrBelow(cleanedPath, kAppDataPath)) {
     return false;
   }
-  const QStringView rest = cleanedPath.mid(kAppData.size());
-  for (const QLatin1String name : kPropertyFiles) {
+  const QStringView rest = cleanedPath.mid(kAppDataPath.size() + 1);
+  for (const QStringView name : kPropertyFiles) {
     if (rest.startsWith(name) && (rest.size() == name.size() || rest.at(name.size()) == u'.')) {
       return true;
     }
@@ -50,15 +50,15 @@ PathMap::PathMap(Roots roots) : m_roots(std::move(roots)) {
                         &m_roots.embedded, &m_roots.agent, &m_roots.mountProgram, &m_roots.unmountProgram}) {
     *root = cleanRoot(*root);
   }
-  const QString resources = kResources;
+  const QString resources = kBundleResourcesPath.toString();
   m_rows.append({kVolumes, m_roots.runtime + kVolumes});
   if (m_roots.home.size() > 1) {
     m_rows.append({m_roots.home + u"/Library"_s, m_roots.data + u"/Home/Library"_s});
   }
   m_rows.append({u"/Library"_s, m_roots.data + u"/Library"_s});
-  m_rows.append({resources + kAgent, m_roots.agent});
+  m_rows.append({resources + u'/' + kAgentProgram.toString(), m_roots.agent});
   m_rows.append({resources, m_roots.resources});
-  m_rows.append({kAppData, m_roots.scripts});
+  m_rows.append({kAppDataPath.toString(), m_roots.scripts});
   m_rows.append({kTemporary, m_roots.data + u"/Temporary"_s});
   if (rowOf(m_roots.data) != nullptr) {
     m_rows.prepend({m_roots.data, m_roots.data}); // not led elsewhere a second time
@@ -115,7 +115,7 @@ std::optional<QString> PathMap::host(const QString &path) const {
     return std::nullopt;
   }
   if (isPropertyFile(*clean)) {
-    return m_roots.data + u"/App Data"_s + clean->mid(kAppData.size());
+    return m_roots.data + u"/App Data"_s + clean->mid(kAppDataPath.size());
   }
   const Row *row = rowOf(*clean);
   return row == nullptr ? *clean : row->host + clean->mid(row->logical.size());

@@ -36,6 +36,12 @@ TEST(ShareLayout, NamesEveryFixedPath) {
   EXPECT_EQ(kAddressFilePath, u"/Volumes/VB-SHARE$/System/MacIPAdress.orv");
 }
 
+// The paths spell the names out.
+TEST(ShareLayout, ItsPathsHoldTheNamesThatOtherRoomsUse) {
+  EXPECT_EQ(kMountPoint, u"/Volumes/"_s + kShareName.toString());
+  EXPECT_EQ(kAddressFilePath, kMountPoint.toString() + u"/System/"_s + kAddressFileName.toString());
+}
+
 TEST(Colours, KnowsTheFourMarkersAndNoOther) {
   EXPECT_EQ(colourNameOfMarker(u"@!!!Red!!!@"_s), u"Red"_s);
   EXPECT_EQ(colourNameOfMarker(u"@!!!Green!!!@"_s), u"Green"_s);
@@ -45,6 +51,14 @@ TEST(Colours, KnowsTheFourMarkersAndNoOther) {
   EXPECT_TRUE(isColourMarker(u"@!!!Blue!!!@"_s));
   EXPECT_FALSE(isColourMarker(u"Blue"_s));
   EXPECT_FALSE(isColourMarker(u"@!!!Blue!!!@ "_s));
+}
+
+TEST(Colours, HaveOneMarkerEach) {
+  EXPECT_EQ(colourMarker(u"Red"_s), u"@!!!Red!!!@"_s);
+  EXPECT_EQ(colourMarker(u"Green"_s), u"@!!!Green!!!@"_s);
+  EXPECT_EQ(colourMarker(u"Yellow"_s), u"@!!!Yellow!!!@"_s);
+  EXPECT_EQ(colourMarker(u"Blue"_s), u"@!!!Blue!!!@"_s);
+  EXPECT_EQ(colourMarker(u"red"_s), u"red"_s);
 }
 
 TEST(Colours, AreNumberedInTheOrderOfTheFile) {
