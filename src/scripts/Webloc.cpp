@@ -1,5 +1,6 @@
 #include "scripts/Webloc.h"
 
+#include "core/state/PathNames.h"
 #include "platform/Failure.h"
 #include "platform/ShareNames.h"
 #include "platform/linux/HostFile.h"
@@ -7,7 +8,6 @@
 #include "platform/linux/RegularFile.h"
 #include "platform/linux/SystemError.h"
 #include "transfer/BookmarkNames.h"
-#include "transfer/PathNames.h"
 
 #include <QVariantMap>
 

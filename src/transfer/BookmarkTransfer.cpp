@@ -1,10 +1,10 @@
 #include "transfer/BookmarkTransfer.h"
 
+#include "core/state/FileTypes.h"
+#include "core/state/PathNames.h"
 #include "core/state/ShareLayout.h"
 #include "platform/Failure.h"
 #include "transfer/BookmarkNames.h"
-#include "transfer/FileTypes.h"
-#include "transfer/PathNames.h"
 #include "transfer/Removal.h"
 
 #include <utility>

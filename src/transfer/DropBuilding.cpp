@@ -1,17 +1,16 @@
 #include "transfer/DropBuilding.h"
 
+#include "core/state/FileTypes.h"
+#include "core/state/PathNames.h"
 #include "core/state/ShareLayout.h"
+#include "platform/DropNotifications.h"
 #include "transfer/BookmarkNames.h"
-#include "transfer/FileTypes.h"
-#include "transfer/PathNames.h"
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace sonorel {
 
 namespace {
-
-constexpr QStringView kFinder = u"Finder";
 
 QueueEntry entryOf(const QString &path) {
   const bool isRadio = path.startsWith(kRadioPrefix);
@@ -28,7 +27,7 @@ QString pictureAlbumName(const QString &name, const QString &deviceName) {
 
 void addFile(Drop &drop, const QString &name, const QString &path, const QString &deviceName) {
   drop.items.append(entryOf(path));
-  if (name == kFinder || drop.items.constLast().kind == QueueEntry::Kind::Radio) {
+  if (name == kFinderName || drop.items.constLast().kind == QueueEntry::Kind::Radio) {
     return;
   }
   const FileType type = fileTypeOf(pathExtension(path));
@@ -52,9 +51,9 @@ QList<Album> albumsOf(const QVariantList &photoData) {
   QList<Album> albums;
   for (const QVariant &value : photoData) {
     const QVariantMap album = value.toMap();
-    const QStringList paths = album.value(u"draggedFiles"_s).toStringList();
+    const QStringList paths = album.value(kDraggedFilesKey.toString()).toStringList();
     if (!paths.isEmpty()) {
-      albums.append({album.value(u"albumName"_s).toString(), paths});
+      albums.append({album.value(kAlbumNameKey.toString()).toString(), paths});
     }
   }
   return albums;
@@ -63,7 +62,7 @@ QList<Album> albumsOf(const QVariantList &photoData) {
 } // namespace
 
 bool isNotTransferable(const QString &name, const QStringList &paths) {
-  return name == u"TV Shows" || name == u"iPod Games" || (paths.isEmpty() && name == kNoPlaylist);
+  return name == kTvShowsName || name == kIpodGamesName || (paths.isEmpty() && name == kNoPlaylist);
 }
 
 Drop dropOf(const QString &name, const QStringList &paths, FileSystem &files, const QString &deviceName) {
@@ -74,7 +73,7 @@ Drop dropOf(const QString &name, const QStringList &paths, FileSystem &files, co
     drop.purgedPlaylist = playlist;
   }
   for (const QString &path : paths) {
-    if (playlist == kFinder || files.presence(path) != Presence::Absent) {
+    if (playlist == kFinderName || files.presence(path) != Presence::Absent) {
       addFile(drop, playlist, path, deviceName);
     } else if (path.startsWith(kRadioPrefix)) {
       drop.items.append(entryOf(path));
@@ -98,7 +97,7 @@ Drop dropOfAlbums(const QVariantList &photoData, const std::function<QStringList
   Drop drop;
   qsizetype next = 0;
   for (const Album &album : albums) {
-    const bool isRecorded = album.name != kFinder && album.name != kNoPlaylist;
+    const bool isRecorded = album.name != kFinderName && album.name != kNoPlaylist;
     for (qsizetype i = 0; i < album.paths.size(); ++i) {
       const QString &image = images.at(next++);
       drop.items.append(entryOf(image));

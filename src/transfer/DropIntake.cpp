@@ -2,8 +2,9 @@
 
 #include "core/state/DockImages.h"
 #include "core/state/LogException.h"
+#include "core/state/PathNames.h"
+#include "platform/DropNotifications.h"
 #include "transfer/DropBuilding.h"
-#include "transfer/PathNames.h"
 
 #include <utility>
 
@@ -47,7 +48,7 @@ void DropIntake::handleiPhotoDragAndDrop(const Notification &notification) {
   whenReady([this, notification] {
     guarded(u"handleiPhotoDragAndDrop"_s, OnException::Alert, [&] {
       if (isConnectedOrShown()) {
-        handOver(dropOfAlbums(notification.userInfo.value(u"PhotoData"_s).toList(),
+        handOver(dropOfAlbums(notification.userInfo.value(kPhotoDataKey.toString()).toList(),
                               [this](const QStringList &dropped) { return imagesOf(dropped); }));
       }
     });
@@ -58,8 +59,8 @@ void DropIntake::handleSafariDragAndDrop(const Notification &notification) {
   whenReady([this, notification] {
     guarded(u"handleSafariDragAndDrop"_s, OnException::LogOnly, [&] {
       if (isConnectedOrShown()) {
-        handOver(dropOfBookmarks(notification.userInfo.value(u"Titles"_s).toStringList(),
-                                 notification.userInfo.value(u"Urls"_s).toStringList()),
+        handOver(dropOfBookmarks(notification.userInfo.value(kTitlesKey.toString()).toStringList(),
+                                 notification.userInfo.value(kUrlsKey.toString()).toStringList()),
                  Refusal::Silent);
       }
     });
@@ -107,7 +108,7 @@ bool DropIntake::isConnectedOrShown() {
 }
 
 void DropIntake::handleMusic(const Notification &notification) {
-  const QStringList paths = notification.userInfo.value(u"draggedFiles"_s).toStringList();
+  const QStringList paths = notification.userInfo.value(kDraggedFilesKey.toString()).toStringList();
   const QString name = notification.object;
   if (!isConnectedOrShown()) {
     return;

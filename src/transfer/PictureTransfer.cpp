@@ -1,7 +1,7 @@
 #include "transfer/PictureTransfer.h"
 
+#include "core/state/PathNames.h"
 #include "platform/Failure.h"
-#include "transfer/PathNames.h"
 
 #include <QScopeGuard>
 

@@ -1,8 +1,8 @@
 #include "transfer/ProcessBookmark.h"
 
+#include "core/state/PathNames.h"
 #include "platform/Failure.h"
 #include "transfer/BookmarkNames.h"
-#include "transfer/PathNames.h"
 #include "transfer/Removal.h"
 
 #include <utility>

@@ -1,8 +1,8 @@
 #include "transfer/ServerFiles.h"
 
+#include "core/state/PathNames.h"
 #include "core/state/ShareLayout.h"
 #include "platform/Failure.h"
-#include "transfer/PathNames.h"
 #include "transfer/Removal.h"
 
 #include <utility>

@@ -1,8 +1,8 @@
 #include "transfer/TrackArtwork.h"
 
+#include "core/state/PathNames.h"
 #include "platform/ApplicationPaths.h"
 #include "platform/Failure.h"
-#include "transfer/PathNames.h"
 #include "transfer/Removal.h"
 #include "transfer/TrackNames.h"
 

@@ -1,8 +1,8 @@
 #include "transfer/TrackNames.h"
 
+#include "core/state/PathNames.h"
 #include "core/state/ShareLayout.h"
 #include "link/TextEncoding.h"
-#include "transfer/PathNames.h"
 
 #include <QStringList>
 

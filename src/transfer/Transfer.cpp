@@ -1,7 +1,7 @@
 #include "transfer/Transfer.h"
 
+#include "core/state/PathNames.h"
 #include "platform/Failure.h"
-#include "transfer/PathNames.h"
 #include "transfer/TrackNames.h"
 
 #include <QScopeGuard>

@@ -4,9 +4,9 @@
 // the names, TransferDriver.h for the caller.
 #pragma once
 
+#include "core/state/FileTypes.h"
 #include "core/state/ShareLayout.h"
 #include "transfer/BookmarkTransfer.h"
-#include "transfer/FileTypes.h"
 #include "transfer/PictureTransfer.h"
 #include "transfer/ServerFiles.h"
 #include "transfer/TransferTools.h"

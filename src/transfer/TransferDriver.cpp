@@ -2,7 +2,7 @@
 
 #include "core/state/DockImages.h"
 #include "core/state/LogException.h"
-#include "transfer/PathNames.h"
+#include "core/state/PathNames.h"
 #include "transfer/Removal.h"
 
 #include <QScopeGuard>

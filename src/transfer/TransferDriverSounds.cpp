@@ -1,6 +1,6 @@
 // The driver's branch for sound files.
 #include "core/state/DockImages.h"
-#include "transfer/PathNames.h"
+#include "core/state/PathNames.h"
 #include "transfer/TrackNames.h"
 #include "transfer/TransferDriver.h"
 

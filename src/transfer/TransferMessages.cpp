@@ -1,7 +1,7 @@
 #include "transfer/TransferMessages.h"
 
+#include "core/state/PathNames.h"
 #include "core/state/ShareLayout.h"
-#include "transfer/PathNames.h"
 
 using namespace Qt::Literals::StringLiterals;
 

@@ -1,4 +1,4 @@
-#include "transfer/FileTypes.h"
+#include "core/state/FileTypes.h"
 
 #include <algorithm>
 #include <array>

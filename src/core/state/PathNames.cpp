@@ -1,4 +1,4 @@
-#include "transfer/PathNames.h"
+#include "core/state/PathNames.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
-#include "transfer/PathNames.h"
+#include "core/state/PathNames.h"
 
-#include "transfer/FileTypes.h"
+#include "core/state/FileTypes.h"
 
 #include <gtest/gtest.h>
 
