@@ -67,6 +67,9 @@ void Roles::terminate() {
     if (share && share->isConnected()) {
       share->connectFlow.disconnect();
     }
+    if (share && !share->driver.isAtWork()) {
+      share->playlists.keepRecords();
+    }
   } catch (const std::exception &e) {
     logException(platform.desktop, u"applicationShouldTerminate"_s, e);
   }

@@ -141,7 +141,10 @@ TransferDriver::Hooks ShareRoles::driverHooks() {
 DropIntake::Hooks ShareRoles::intakeHooks() {
   DropIntake::Hooks hooks;
   hooks.isConnected = [this] { return connectFlow.isConnected(); };
-  hooks.startTransfer = [this] { driver.startTransfer(); };
+  hooks.startTransfer = [this] {
+    playlists.beginTransfer();
+    driver.startTransfer();
+  };
   hooks.killTrackChuteAndLaunch = [this] { roles.system.killTrackChuteAndLaunch(); };
   hooks.dropsFinished = [this](quint32 drops) { dropsFinished(drops); };
   hooks.pause = [this](std::chrono::milliseconds pause) {
@@ -167,6 +170,9 @@ AfterConnection::Hooks ShareRoles::afterConnectionHooks() {
   hooks.cleanShare = [this] { cleanup.run(); };
   hooks.checkAU5SoftwareVersion = [this] { return productVersion.checkAU5SoftwareVersion(); };
   hooks.validateOrvFile = [this] {
+    if (!driver.isAtWork()) {
+      playlists.keepRecordsOfAnotherProduct();
+    }
     rewrite.recoverAtConnect(roles.interruption.token());
     const bool validated = dictionary.validateOrvFile(roles.interruption.token());
     if (!driver.isAtWork()) { // the worker's otherwise

@@ -19,6 +19,10 @@ qint64 currentPlaylistId(const Settings &settings) {
   return settings.contains(key) ? settings.number(key, leadingNumber(settings.text(key))) : kFirstPlaylistId;
 }
 
+bool holdsTitles(const std::vector<NewList> &lists) {
+  return std::any_of(lists.begin(), lists.end(), [](const NewList &list) { return !list.titles.empty(); });
+}
+
 // A product whose name file is missing counts as "Vaultbox 1": what was kept then has titles without a type, and what
 // is kept of another model has one.
 void fitTo(const PlayerTraits &player, bool photos, std::vector<NewList> &lists) {
@@ -51,6 +55,29 @@ bool PlaylistMetaData::sendMetaDataForPlaylist(bool photos) {
   } catch (const std::exception &exception) {
     logException(m_desktop, u"sendMetaDataForPlaylist"_s, exception);
     return false;
+  }
+}
+
+void PlaylistMetaData::beginTransfer() {
+  m_owner = Owner{productKey(m_session), playerOf(m_session)};
+}
+
+void PlaylistMetaData::keepRecordsOfAnotherProduct() {
+  if (m_owner && m_owner->product != productKey(m_session)) {
+    keepRecords();
+  }
+}
+
+void PlaylistMetaData::keepRecords() {
+  for (const bool photos : {true, false}) {
+    if (!m_owner || !m_board.hasRecords(photos)) {
+      continue;
+    }
+    const std::vector<NewList> lists = listsOf(photos, m_board.records(photos), m_owner->player);
+    if (holdsTitles(lists)) {
+      unwritten(photos).keep(m_owner->product, lists);
+    }
+    m_board.clearRecords(photos);
   }
 }
 
@@ -87,12 +114,11 @@ bool PlaylistMetaData::send(bool photos) {
     return true;
   }
   const QString product = productKey(m_session);
-  const std::vector<NewList> lists = photos ? pictureLists(records) : musicLists(records);
+  const std::vector<NewList> lists = listsOf(photos, records, playerOf(m_session));
   if (photos && lists.empty()) {
     return true; // nothing but ends of albums
   }
-  const bool anyTransferred =
-      std::any_of(lists.begin(), lists.end(), [](const NewList &list) { return !list.titles.empty(); });
+  const bool anyTransferred = holdsTitles(lists);
   const bool olderOnesWait = unwritten(photos).hasAny(product);
   if (anyTransferred) {
     unwritten(photos).keep(product, lists); // first: whatever dies from here on, they are not lost
@@ -115,8 +141,13 @@ bool PlaylistMetaData::send(bool photos) {
   return !anyTransferred;
 }
 
-std::vector<NewList> PlaylistMetaData::musicLists(const QList<PlaylistInfo> &records) {
-  const PlaylistDetails details = makePlaylistDetailData(records, m_hooks.album, playerOf(m_session), m_identifiers);
+std::vector<NewList> PlaylistMetaData::listsOf(bool photos, const QList<PlaylistInfo> &records,
+                                               const PlayerTraits &player) {
+  return photos ? pictureLists(records, player) : musicLists(records, player);
+}
+
+std::vector<NewList> PlaylistMetaData::musicLists(const QList<PlaylistInfo> &records, const PlayerTraits &player) {
+  const PlaylistDetails details = makePlaylistDetailData(records, m_hooks.album, player, m_identifiers);
   m_board.replaceRecords(false, details.records);
   std::vector<NewList> lists = makePlaylistDataArrays(details.records, currentPlaylistId(m_settings), m_identifiers);
   for (NewList &list : lists) {
@@ -125,8 +156,7 @@ std::vector<NewList> PlaylistMetaData::musicLists(const QList<PlaylistInfo> &rec
   return lists;
 }
 
-std::vector<NewList> PlaylistMetaData::pictureLists(const QList<PlaylistInfo> &records) {
-  const PlayerTraits player = playerOf(m_session);
+std::vector<NewList> PlaylistMetaData::pictureLists(const QList<PlaylistInfo> &records, const PlayerTraits &player) {
   qint64 first = currentPlaylistId(m_settings);
   if (!player.isVaultbox1()) {
     // Below stand the colour keys. The counter is behind them as soon as a connection has looked at the favourites.

@@ -10,6 +10,7 @@
 #include "favourites/UnwrittenPlaylists.h"
 
 #include <functional>
+#include <optional>
 #include <stop_token>
 
 namespace sonorel {
@@ -31,6 +32,14 @@ public:
   // those of pictures. False when the server's favourites do not hold all of it; the reason is logged. What was not
   // written is taken off the board and kept here. Emptying the records otherwise is the driver's.
   [[nodiscard]] bool sendMetaDataForPlaylist(bool photos);
+  // Where a transfer begins: what it places stands on the product that is connected now. Controller's thread, as are
+  // the two below, which are called while no worker runs.
+  void beginTransfer();
+  // What a broken-off transfer has left on the board goes out with the next one. Is another product connected now, it
+  // is taken off and kept for its own.
+  void keepRecordsOfAnotherProduct();
+  // The same at the end of the program, whichever product is connected.
+  void keepRecords();
   // Something waits for another try on the product connected now.
   [[nodiscard]] bool hasUnwritten(bool photos);
   // Tries it; false when something still waits after that. True, and nothing is done, while the share is not there.
@@ -38,13 +47,20 @@ public:
   bool retryUnwritten(std::stop_token stop);
 
 private:
+  struct Owner {
+    QString product;
+    PlayerTraits player;
+  };
+
   [[nodiscard]] bool send(bool photos);
   [[nodiscard]] bool retry(bool photos, const std::stop_token &stop);
   [[nodiscard]] bool write(bool photos, const std::vector<NewList> &lists, MergeTry kind,
                            const std::stop_token &stop);
-  // Both number the lists from the counter on.
-  [[nodiscard]] std::vector<NewList> musicLists(const QList<PlaylistInfo> &records);
-  [[nodiscard]] std::vector<NewList> pictureLists(const QList<PlaylistInfo> &records);
+  // Numbered from the counter on.
+  [[nodiscard]] std::vector<NewList> listsOf(bool photos, const QList<PlaylistInfo> &records,
+                                             const PlayerTraits &player);
+  [[nodiscard]] std::vector<NewList> musicLists(const QList<PlaylistInfo> &records, const PlayerTraits &player);
+  [[nodiscard]] std::vector<NewList> pictureLists(const QList<PlaylistInfo> &records, const PlayerTraits &player);
   void storeNextPlaylistId(const std::vector<NewList> &lists);
   [[nodiscard]] UnwrittenPlaylists &unwritten(bool photos) { return photos ? m_unwrittenPhotos : m_unwritten; }
 
@@ -56,6 +72,7 @@ private:
   Identifiers &m_identifiers;
   Desktop &m_desktop;
   Hooks m_hooks;
+  std::optional<Owner> m_owner; // of the board's records; controller's thread
   UnwrittenPlaylists m_unwritten;
   UnwrittenPlaylists m_unwrittenPhotos;
 };

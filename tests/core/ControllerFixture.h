@@ -59,6 +59,17 @@ protected:
     fakes.metadata.set(path, {{QStringLiteral("The Band")}, QStringLiteral("The Album"), title, {}});
     return path;
   }
+  // "name: number of titles" of every list on the product that holds titles.
+  QStringList lists() {
+    const QByteArray file = fakes.files.bytes(kSystemFolder + QStringLiteral("NetMusicFavorites.orv"));
+    QStringList found;
+    for (const FavouriteList &list : decodeMusicFavourites(file, {QStringLiteral("Auracore 5"), false}).lists) {
+      if (!list.songs.empty()) {
+        found.append(list.playlistName + QStringLiteral(": ") + QString::number(list.songs.size()));
+      }
+    }
+    return found;
+  }
   void deliver(const QString &object, const QStringList &paths) {
     fakes.notifications.deliver(QStringLiteral("TrackChute_DragRecieved"),
                                 {object, {{QStringLiteral("draggedFiles"), paths}}});

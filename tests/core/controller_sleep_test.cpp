@@ -125,6 +125,64 @@ TEST_F(ControllerSleepTest, ListsWhatWasNotTransferredAndCarriesItWhenItIsDroppe
   EXPECT_EQ(shown().messageLog, u"The transfer has ended."_s);
 }
 
+// Both products stand on one disk of the test; what tells them apart is the address that their share holds.
+TEST_F(ControllerSleepTest, WhatWasCarriedBeforeItIsListedOnItsOwnProductOnly) {
+  const auto becomes = [this](const QByteArray &hardwareAddress) {
+    fakes.files.mount(kPoint);
+    fakes.files.put(kSystemFolder + u"MacIPAdress.orv"_s, "192.168.1.20\n" + hardwareAddress + '\n');
+    fakes.files.unmount(kPoint);
+  };
+  const auto connect = [this] {
+    controller->connect();
+    fakes.loop.runPosted();
+    ASSERT_TRUE(shown().connected);
+  };
+  becomes("00-1A-2B-3C-4D-0A");
+  startConnected();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s), song(u"Two"_s)});
+  int copies = 0;
+  fakes.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (request.program != u"/bin/cp"_s || ++copies != 2) {
+      return std::nullopt;
+    }
+    fakes.power.send(PowerMessage::SystemWillSleep);
+    return ToolResult{ToolEnding::Stopped, -1, {}};
+  };
+  carry();
+  wake();
+  becomes("00-1A-2B-3C-4D-0B");
+  connect();
+  deliver(u"@~Night@~"_s, {song(u"Three"_s)});
+  carry();
+  EXPECT_EQ(lists(), QStringList({u"@~Night@~: 1"_s}));
+  controller->disconnect();
+  fakes.loop.runPosted();
+  becomes("00-1A-2B-3C-4D-0A");
+  connect();
+  EXPECT_EQ(lists(), QStringList({u"@~Night@~: 1"_s, u"@~Evening@~: 1"_s}));
+}
+
+TEST_F(ControllerSleepTest, WhatWasCarriedBeforeItIsListedByTheNextRunWhenTheProgramEnds) {
+  startConnected();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s), song(u"Two"_s)});
+  int copies = 0;
+  fakes.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
+    if (request.program != u"/bin/cp"_s || ++copies != 2) {
+      return std::nullopt;
+    }
+    fakes.power.send(PowerMessage::SystemWillSleep);
+    return ToolResult{ToolEnding::Stopped, -1, {}};
+  };
+  carry();
+  wake();
+  controller->quit();
+  fakes.loop.runPosted();
+  controller.reset();
+  start();
+  ASSERT_TRUE(shown().connected);
+  EXPECT_EQ(lists(), QStringList({u"@~Evening@~: 1"_s}));
+}
+
 TEST_F(ControllerSleepTest, TransferThatDoesNotEndInTimeIsLeft) {
   startConnected();
   deliver(u"@~Evening@~"_s, {song(u"One"_s)});

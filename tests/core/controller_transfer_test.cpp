@@ -14,17 +14,6 @@ const auto kLimits = u"/Volumes/VB-SHARE$/System/OrvSpecialFavouriteLimits.orv"_
 
 class ControllerTransferTest : public ControllerTest {
 protected:
-  // "name: number of titles" of every list that holds titles.
-  QStringList lists() {
-    QStringList found;
-    const FavouriteLists all = decodeMusicFavourites(fakes.files.bytes(kFavourites), {u"Auracore 5"_s, false}).lists;
-    for (const FavouriteList &list : all) {
-      if (!list.songs.empty()) {
-        found.append(list.playlistName + u": "_s + QString::number(list.songs.size()));
-      }
-    }
-    return found;
-  }
   QStringList musicFiles() {
     QStringList files;
     for (const QString &path : fakes.files.tree(kMusic.chopped(1)).keys()) {

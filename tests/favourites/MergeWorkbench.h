@@ -42,6 +42,11 @@ struct MergeWorkbench : FavouritesWorkbench {
     albums.insert(source, album);
     records.append({playlist, source, {}, destination, QStringLiteral("Y")});
   }
+  // They stand on the board, and the transfer ends without sending them.
+  void breakOff() {
+    board.replaceRecords(false, std::exchange(records, {}));
+    board.replaceRecords(true, std::exchange(pictures, {}));
+  }
   bool send() {
     board.replaceRecords(false, std::exchange(records, {}));
     return metaData.sendMetaDataForPlaylist(false);

@@ -157,6 +157,63 @@ TEST_F(UnwrittenPlaylistsTest, WaitForTheirOwnProductOverARestart) {
   EXPECT_EQ(next.shown().mid(4), QStringList{u"5 @~Other@~: b.mp3/1"_s});
 }
 
+// A sleep of the machine breaks a transfer off and leaves its records for the next one.
+TEST_F(UnwrittenPlaylistsTest, AreWhatABrokenOffTransferLeftForAProductThatIsNotConnectedNow) {
+  MergeWorkbench client(files);
+  client.metaData.beginTransfer();
+  client.track(u"Party"_s, u"A@@@@@G@@@@@a.mp3"_s);
+  client.pictureOf(u"Rome"_s, u"/Rome/1.jpg"_s);
+  client.breakOff();
+  client.metaData.keepRecordsOfAnotherProduct(); // the same one again
+  EXPECT_EQ(client.board.records(false).size(), 1);
+  EXPECT_EQ(client.board.records(true).size(), 1);
+  EXPECT_EQ(kept(), QStringList());
+
+  client.session.setHardwareAddress(u"00-00-00-00-00-0B"_s);
+  client.session.setDeviceName(u"Vaultbox 1"_s);
+  client.metaData.keepRecordsOfAnotherProduct();
+  EXPECT_FALSE(client.board.hasRecords(false));
+  EXPECT_FALSE(client.board.hasRecords(true));
+  EXPECT_EQ(kept(), (QStringList{kMusicKept + u'1', kPhotosKept + u'1'}));
+  EXPECT_TRUE(files.bytes(kMusicKept + u'1').contains("ItemType")); // as the product has it that it was made for
+  client.metaData.beginTransfer();
+  client.track(u"Other"_s, u"b.mp3"_s);
+  EXPECT_TRUE(client.send());
+  EXPECT_EQ(client.shown(), QStringList{u"1 @~Other@~: b.mp3/-"_s});
+
+  files.erase(kServerFile); // the share of the first product
+  client.session.setHardwareAddress(u"00-11-22-33-44-55"_s);
+  client.session.setDeviceName(u"Auralis 5"_s);
+  EXPECT_TRUE(client.metaData.retryUnwritten({}));
+  EXPECT_EQ(client.shown().mid(4), QStringList{u"5 @~Party@~: A\\G\\a.mp3/1"_s});
+  EXPECT_EQ(client.shownPhotos(), QStringList{u"5 Rome: Rome\\1.jpg"_s});
+}
+
+TEST_F(UnwrittenPlaylistsTest, AreWhatABrokenOffTransferLeftWhenTheProgramEnds) {
+  {
+    MergeWorkbench client(files);
+    client.metaData.keepRecords(); // nothing was carried yet
+    client.metaData.beginTransfer();
+    client.track(u"Party"_s, u"a.mp3"_s);
+    client.breakOff();
+    client.metaData.keepRecords();
+    EXPECT_EQ(kept(), QStringList{kMusicKept + u'1'});
+  }
+  MergeWorkbench next(files, u"Auralis 5"_s, u"/Client"_s, 500);
+  EXPECT_TRUE(next.metaData.retryUnwritten({}));
+  EXPECT_EQ(next.shown().mid(4), QStringList{u"5 @~Party@~: a.mp3/1"_s});
+  EXPECT_EQ(kept(), QStringList());
+}
+
+TEST_F(UnwrittenPlaylistsTest, AreNoListsOfWhichNothingWasCarried) {
+  MergeWorkbench client(files);
+  client.metaData.beginTransfer();
+  client.board.replaceRecords(false, {{u"Party"_s, u"/m/a.mp3"_s, {}, {}, u"N"_s}});
+  client.metaData.keepRecords();
+  EXPECT_FALSE(client.board.hasRecords(false));
+  EXPECT_EQ(kept(), QStringList());
+}
+
 TEST_F(UnwrittenPlaylistsTest, ComeInTheOrderOfTheirTransfersAlsoBehindTheTenth) {
   QStringList expected;
   for (int i = 1; i <= 12; ++i) {
