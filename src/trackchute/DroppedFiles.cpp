@@ -1,11 +1,12 @@
 #include "trackchute/DroppedFiles.h"
 
+#include "core/state/FileTypes.h"
+#include "core/state/PathNames.h"
 #include "platform/Failure.h"
 
 #include <QStringDecoder>
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
 #include <set>
 #include <sys/stat.h>
@@ -16,9 +17,6 @@ namespace fs = std::filesystem;
 namespace sonorel::trackchute {
 
 namespace {
-
-constexpr std::array<QStringView, 14> kPictureExtensions{u"jpeg", u"jpg",  u"gif", u"tiff", u"tif", u"png", u"bmp",
-                                                         u"avi",  u"mpeg", u"mpg", u"m1v",  u"mpe", u"asf", u"wmv"};
 
 std::optional<QString> decoded(const std::string &bytes) {
   QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
@@ -31,13 +29,6 @@ std::optional<QString> decoded(const std::string &bytes) {
 
 QString shown(const std::string &bytes) {
   return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
-}
-
-bool isPicture(const QString &path) {
-  const qsizetype dot = path.lastIndexOf(u'.');
-  const QStringView extension = dot < 0 ? QStringView() : QStringView(path).sliced(dot + 1);
-  return std::any_of(kPictureExtensions.begin(), kPictureExtensions.end(),
-                     [&](QStringView known) { return extension.compare(known, Qt::CaseInsensitive) == 0; });
 }
 
 // Behind a link ".." is not the folder that the text says: then the file system is asked.
@@ -78,7 +69,7 @@ private:
   std::set<std::pair<dev_t, ino_t>> m_folders; // read already
 
   void addFile(const QString &path) {
-    result.holdsPictures = result.holdsPictures || isPicture(path);
+    result.holdsPictures = result.holdsPictures || fileTypeOf(pathExtension(path)) == FileType::PhotoOrVideo;
     result.paths.append(path);
   }
 

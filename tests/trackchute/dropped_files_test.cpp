@@ -1,6 +1,7 @@
 #include "trackchute/DroppedFiles.h"
 
 #include "platform/Failure.h"
+#include "support/Printers.h"
 
 #include <gtest/gtest.h>
 
@@ -86,6 +87,11 @@ TEST_F(DroppedFilesTest, PicturesAndFilmsAreNoticed) {
        {"mp3", "flac", "wma", "aac", "mp4", "wav", "m4a", "webloc", "url", "jp", "txt"}) {
     EXPECT_FALSE(expandDroppedFiles(std::vector{file("c." + extension)}).holdsPictures) << extension;
   }
+}
+
+// As the client reads a name: a leading "." begins no extension.
+TEST_F(DroppedFilesTest, NameThatIsOnlyAnExtensionIsNoPicture) {
+  EXPECT_FALSE(expandDroppedFiles(std::vector{file(".jpg")}).holdsPictures);
 }
 
 TEST_F(DroppedFilesTest, WhatIsNoRegularFileIsRefused) {
