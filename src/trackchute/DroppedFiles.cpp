@@ -44,6 +44,8 @@ fs::path cleaned(const std::string &argument, std::error_code &error) {
 
 class Expansion {
 public:
+  explicit Expansion(const FromOutside &fromOutside) : m_fromOutside(fromOutside) {}
+
   DroppedFiles result;
 
   void addArgument(const std::string &argument) {
@@ -66,9 +68,15 @@ public:
   }
 
 private:
+  const FromOutside &m_fromOutside;
   std::set<std::pair<dev_t, ino_t>> m_folders; // read already
 
   void addFile(const QString &path) {
+    QString reason;
+    if (!m_fromOutside(path, &reason)) {
+      result.leftOut.append(reason);
+      return;
+    }
     result.holdsPictures = result.holdsPictures || fileTypeOf(pathExtension(path)) == FileType::PhotoOrVideo;
     result.paths.append(path);
   }
@@ -166,15 +174,18 @@ bool comesBefore(const QString &a, const QString &b) {
   return a < b;
 }
 
-DroppedFiles expandDroppedFiles(std::span<const std::string> arguments) {
-  Expansion expansion;
+DroppedFiles expandDroppedFiles(std::span<const std::string> arguments, const FromOutside &fromOutside) {
+  Expansion expansion(fromOutside);
   for (const std::string &argument : arguments) {
     expansion.addArgument(argument);
   }
-  if (expansion.result.paths.isEmpty()) {
+  return expansion.result;
+}
+
+void requireAnyFile(const DroppedFiles &dropped) {
+  if (dropped.paths.isEmpty()) {
     throw Failure(u"there is no file to drop"_s);
   }
-  return expansion.result;
 }
 
 } // namespace sonorel::trackchute

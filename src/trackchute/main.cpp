@@ -6,6 +6,7 @@
 #include "platform/linux/Installation.h"
 #include "platform/linux/LibplistPropertyLists.h"
 #include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/PathMap.h"
 #include "trackchute/CommandLine.h"
 #include "trackchute/ConnectedProduct.h"
 #include "trackchute/DroppedFiles.h"
@@ -30,8 +31,8 @@ void say(std::FILE *stream, const QString &text) {
   std::fputs((text + u'\n').toUtf8().constData(), stream);
 }
 
-QString playlistObject(const QString &name, const DroppedFiles &dropped, const Poster &poster) {
-  LinuxFileSystem files(rootsFromEnvironment(programFolder()));
+QString playlistObject(const QString &name, const DroppedFiles &dropped, const Poster &poster, const PathMap &map) {
+  LinuxFileSystem files(map.roots());
   LibplistPropertyLists lists;
   const QString product =
       connectedProduct(files, lists, kAppDataPath.toString() + u'/' + kAgentPropertyFile.toString(),
@@ -45,29 +46,31 @@ QString playlistObject(const QString &name, const DroppedFiles &dropped, const P
   return postedPlaylistName(name, product, dropped.holdsPictures);
 }
 
-DroppedFiles expanded(const std::vector<std::string> &files) {
-  DroppedFiles dropped = expandDroppedFiles(files);
-  for (const QString &path : dropped.leftOut) {
-    say(stderr, u"trackchute: left out: "_s + path);
+DroppedFiles expanded(const std::vector<std::string> &files, const PathMap &map) {
+  const DroppedFiles dropped = expandDroppedFiles(
+      files, [&map](const QString &path, QString *reason) { return map.fromOutside(path, reason); });
+  for (const QString &line : dropped.leftOut) {
+    say(stderr, u"trackchute: left out: "_s + line);
   }
+  requireAnyFile(dropped);
   return dropped;
 }
 
-void dropAlbums(const CommandLine &line) {
+void dropAlbums(const CommandLine &line, const PathMap &map) {
   QVariantList photoData;
   for (const Album &album : line.albums) {
     photoData.append(QVariantMap{{kAlbumNameKey.toString(), album.name},
-                                 {kDraggedFilesKey.toString(), expanded(album.files).paths}});
+                                 {kDraggedFilesKey.toString(), expanded(album.files, map).paths}});
   }
   Poster().postAlbums(photoData);
 }
 
-void dropFiles(const CommandLine &line) {
-  const DroppedFiles dropped = expanded(line.files);
+void dropFiles(const CommandLine &line, const PathMap &map) {
+  const DroppedFiles dropped = expanded(line.files, map);
   Poster poster;
   switch (line.kind) {
   case DropKind::Playlist:
-    poster.postDrag(playlistObject(line.name, dropped, poster), dropped.paths);
+    poster.postDrag(playlistObject(line.name, dropped, poster, map), dropped.paths);
     break;
   case DropKind::Colour:
     poster.postDrag(colourMarker(line.name), dropped.paths);
@@ -79,12 +82,15 @@ void dropFiles(const CommandLine &line) {
 }
 
 void drop(const CommandLine &line) {
-  if (line.kind == DropKind::Albums) {
-    dropAlbums(line);
-  } else if (line.kind == DropKind::Bookmarks) {
+  if (line.kind == DropKind::Bookmarks) {
     Poster().postBookmarks(line.titles, line.urls);
+    return;
+  }
+  const PathMap map(rootsFromEnvironment(programFolder()));
+  if (line.kind == DropKind::Albums) {
+    dropAlbums(line, map);
   } else {
-    dropFiles(line);
+    dropFiles(line, map);
   }
 }
 
