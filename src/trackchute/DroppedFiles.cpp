@@ -18,6 +18,8 @@ namespace sonorel::trackchute {
 
 namespace {
 
+constexpr QLatin1String kCompanion("._");
+
 std::optional<QString> decoded(const std::string &bytes) {
   QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
   const QString text = decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
@@ -40,6 +42,15 @@ fs::path cleaned(const std::string &argument, std::error_code &error) {
     return clean;
   }
   return fs::canonical(given, error);
+}
+
+bool isHiddenName(const QString &name) {
+  if (name.size() < 2 || name[0] != u'.') {
+    return false;
+  }
+  const bool isProgramsOwn = name[1].isLetter() && std::none_of(name.begin(), name.end(),
+                                                                [](QChar character) { return character.isSpace(); });
+  return isProgramsOwn || name.startsWith(kCompanion);
 }
 
 class Expansion {
@@ -92,12 +103,11 @@ private:
       throw Failure(u"the folder \"%1\" cannot be read"_s.replace(u"%1"_s, shown(folder.native())));
     }
     for (; listing != fs::directory_iterator(); listing.increment(error)) {
-      const std::string name = listing->path().filename().native();
-      if (name.starts_with('.')) {
-        continue;
-      }
-      if (const auto text = decoded(name)) {
-        entries.emplace_back(*text, listing->path());
+      const std::string bytes = listing->path().filename().native();
+      const auto text = decoded(bytes);
+      const QString name = text ? *text : shown(bytes);
+      if (text || isHiddenName(name)) {
+        entries.emplace_back(name, listing->path());
       } else {
         result.leftOut.append(shown(listing->path().native()));
       }
@@ -108,18 +118,32 @@ private:
     std::sort(entries.begin(), entries.end(),
               [](const auto &a, const auto &b) { return comesBefore(a.first, b.first); });
     for (const auto &[name, path] : entries) {
-      addEntry(path);
+      addEntry(name, path);
     }
   }
 
-  void addEntry(const fs::path &path) {
+  void addEntry(const QString &name, const fs::path &path) {
     struct stat status {};
-    if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
+    if (::stat(path.c_str(), &status) != 0) {
+      status = {};
+    }
+    if (isHiddenName(name)) {
+      leaveOutHidden(name, path, status);
+    } else if (S_ISDIR(status.st_mode)) {
       addFolder(path, status);
     } else if (S_ISREG(status.st_mode)) {
       addFile(shown(path.native()));
     } else {
       result.leftOut.append(shown(path.native()));
+    }
+  }
+
+  // Told where somebody may look for what is in it. What another system keeps beside a song is no song.
+  void leaveOutHidden(const QString &name, const fs::path &path, const struct stat &status) {
+    const bool isCarried = S_ISREG(status.st_mode) && !name.startsWith(kCompanion) &&
+                           fileTypeOf(pathExtension(name)) != FileType::Invalid;
+    if (isCarried || S_ISDIR(status.st_mode)) {
+      result.leftOut.append(shown(path.native()) + u" (hidden)"_s);
     }
   }
 };

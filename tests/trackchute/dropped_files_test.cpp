@@ -70,8 +70,7 @@ TEST_F(DroppedFilesTest, DotsBehindALinkLeadToTheFileThatWasMeant) {
 }
 
 TEST_F(DroppedFilesTest, FoldersAreExpandedInNaturalOrder) {
-  for (const char *name :
-       {"album/10 ten.mp3", "album/2 two.mp3", "album/CD 1/b.mp3", "album/1 one.mp3", "album/.hidden"}) {
+  for (const char *name : {"album/10 ten.mp3", "album/2 two.mp3", "album/CD 1/b.mp3", "album/1 one.mp3"}) {
     file(name);
   }
   const auto found = expanded("album");
@@ -104,6 +103,39 @@ TEST_F(DroppedFilesTest, NameThatIsOnlyAnExtensionIsNoPicture) {
   EXPECT_FALSE(expandDroppedFiles(std::vector{file(".jpg")}, takesAll).holdsPictures);
 }
 
+TEST_F(DroppedFilesTest, TitlesThatBeginWithADotAreTaken) {
+  for (const char *name : {"...And Justice for All/01 Blackened.mp3", ".38 Special/Hits/02 Caught Up.mp3",
+                           "...Baby One More Time.mp3", ".hack Sign.mp3", ".5.mp3", ".(interlude).mp3"}) {
+    file(std::string("album/") + name);
+  }
+  const auto found = expanded("album");
+  EXPECT_EQ(found.paths,
+            (QStringList{path(u"album/.(interlude).mp3"_s), path(u"album/...And Justice for All/01 Blackened.mp3"_s),
+                         path(u"album/...Baby One More Time.mp3"_s), path(u"album/.5.mp3"_s),
+                         path(u"album/.38 Special/Hits/02 Caught Up.mp3"_s), path(u"album/.hack Sign.mp3"_s)}));
+  EXPECT_EQ(found.leftOut, QStringList());
+}
+
+TEST_F(DroppedFilesTest, HiddenEntriesAreLeftOutAndToldWhenTheyCouldHaveBeenMeant) {
+  for (const char *name : {".DS_Store", ".Trash-1000/old.mp3", "._01 one.mp3", "._cover.jpg", ".hidden",
+                           ".hidden.mp3", ".hidden.JPG", ".hidden.url", ".git/config", "01 one.mp3"}) {
+    file(std::string("album/") + name);
+  }
+  fs::create_symlink("nowhere", m_folder / "album/.broken.mp3");
+  const auto found = expanded("album");
+  EXPECT_EQ(found.paths, QStringList{path(u"album/01 one.mp3"_s)});
+  EXPECT_FALSE(found.holdsPictures);
+  EXPECT_EQ(found.leftOut, (QStringList{path(u"album/.git (hidden)"_s), path(u"album/.hidden.JPG (hidden)"_s),
+                                        path(u"album/.hidden.mp3 (hidden)"_s), path(u"album/.hidden.url (hidden)"_s),
+                                        path(u"album/.Trash-1000 (hidden)"_s)}));
+}
+
+TEST_F(DroppedFilesTest, HiddenNameOnTheCommandLineIsTaken) {
+  const auto found = expandDroppedFiles(std::vector{file(".music/a.mp3"), file(".b.mp3"), file("._c.mp3")}, takesAll);
+  EXPECT_EQ(found.paths, (QStringList{path(u".music/a.mp3"_s), path(u".b.mp3"_s), path(u"._c.mp3"_s)}));
+  EXPECT_EQ(expanded(".music").paths, QStringList{path(u".music/a.mp3"_s)});
+}
+
 TEST_F(DroppedFilesTest, WhatTheClientWouldRefuseIsLeftOutWithItsReason) {
   Roots roots;
   roots.data = path(u"data"_s);
@@ -124,6 +156,13 @@ TEST_F(DroppedFilesTest, WhatTheClientWouldRefuseIsLeftOutWithItsReason) {
                                         reason + library + u"/d.mp3"_s}));
 }
 
+TEST_F(DroppedFilesTest, DropOfNothingIsRefusedAfterItIsToldWhatWasLeftOut) {
+  file("album/.git/a.mp3");
+  const auto found = expanded("album");
+  EXPECT_EQ(found.leftOut, QStringList{path(u"album/.git (hidden)"_s)});
+  EXPECT_EQ(refusal((m_folder / "album").string()), u"there is no file to drop"_s);
+}
+
 TEST_F(DroppedFilesTest, WhatIsNoRegularFileIsRefused) {
   EXPECT_EQ(refusal(m_folder.string()), u"there is no file to drop"_s);
   const std::string fifo = (m_folder / "fifo.mp3").string();
@@ -135,9 +174,10 @@ TEST_F(DroppedFilesTest, WhatIsNoRegularFileIsRefused) {
 TEST_F(DroppedFilesTest, NamesThatAreNotUtf8AreLeftOutOrRefused) {
   file("album/good.mp3");
   const std::string bad = file("album/caf\xe9.mp3");
+  file("album/._caf\xe9.mp3");
   const auto found = expanded("album");
   EXPECT_EQ(found.paths, QStringList{path(u"album/good.mp3"_s)});
-  EXPECT_EQ(found.leftOut.size(), 1);
+  EXPECT_EQ(found.leftOut, QStringList{path(u"album/caf\uFFFD.mp3"_s)});
   EXPECT_TRUE(refusal(bad).contains(u"is not UTF-8"_s));
 }
 
