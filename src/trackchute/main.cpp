@@ -9,6 +9,7 @@
 #include "platform/linux/PathMap.h"
 #include "trackchute/CommandLine.h"
 #include "trackchute/ConnectedProduct.h"
+#include "trackchute/ConnectionWait.h"
 #include "trackchute/DroppedFiles.h"
 #include "trackchute/PlaylistName.h"
 #include "trackchute/Poster.h"
@@ -17,6 +18,7 @@
 #include <QVariantMap>
 
 #include <cstdio>
+#include <thread>
 #include <vector>
 
 using namespace Qt::Literals::StringLiterals;
@@ -31,7 +33,14 @@ void say(std::FILE *stream, const QString &text) {
   std::fputs((text + u'\n').toUtf8().constData(), stream);
 }
 
+void awaitProduct(const Poster &poster) {
+  awaitConnection({[&poster] { return poster.isBusy(); }, [&poster] { return poster.selectedProducts(); },
+                   [](std::chrono::milliseconds time) { std::this_thread::sleep_for(time); },
+                   [] { say(stderr, u"trackchute: waiting until the client is connected"_s); }});
+}
+
 QString playlistObject(const QString &name, const DroppedFiles &dropped, const Poster &poster, const PathMap &map) {
+  awaitProduct(poster);
   LinuxFileSystem files(map.roots());
   LibplistPropertyLists lists;
   const QString product =
