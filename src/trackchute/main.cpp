@@ -65,16 +65,24 @@ DroppedFiles expanded(const std::vector<std::string> &files, const PathMap &map)
   return dropped;
 }
 
-void dropAlbums(const CommandLine &line, const PathMap &map) {
+Poster dropAlbums(const CommandLine &line, const PathMap &map) {
   QVariantList photoData;
   for (const Album &album : line.albums) {
     photoData.append(QVariantMap{{kAlbumNameKey.toString(), album.name},
                                  {kDraggedFilesKey.toString(), expanded(album.files, map).paths}});
   }
-  Poster().postAlbums(photoData);
+  Poster poster;
+  poster.postAlbums(photoData);
+  return poster;
 }
 
-void dropFiles(const CommandLine &line, const PathMap &map) {
+Poster dropBookmarks(const CommandLine &line) {
+  Poster poster;
+  poster.postBookmarks(line.titles, line.urls);
+  return poster;
+}
+
+Poster dropFiles(const CommandLine &line, const PathMap &map) {
   const DroppedFiles dropped = expanded(line.files, map);
   Poster poster;
   switch (line.kind) {
@@ -88,18 +96,21 @@ void dropFiles(const CommandLine &line, const PathMap &map) {
     poster.postDrag(kNoPlaylist.toString(), dropped.paths);
     break;
   }
+  return poster;
 }
 
-void drop(const CommandLine &line) {
+Poster drop(const CommandLine &line) {
   if (line.kind == DropKind::Bookmarks) {
-    Poster().postBookmarks(line.titles, line.urls);
-    return;
+    return dropBookmarks(line);
   }
   const PathMap map(rootsFromEnvironment(programFolder()));
-  if (line.kind == DropKind::Albums) {
-    dropAlbums(line, map);
-  } else {
-    dropFiles(line, map);
+  return line.kind == DropKind::Albums ? dropAlbums(line, map) : dropFiles(line, map);
+}
+
+// Asked in this order: a connection that is made in between is seen.
+void tellWithoutConnection(const Poster &poster) {
+  if (!poster.isBusy() && !poster.isConnected()) {
+    say(stderr, u"trackchute: the client is not connected to a product and has shown its connection tab instead"_s);
   }
 }
 
@@ -115,7 +126,7 @@ int main(int argc, char **argv) {
     } else if (line.kind == DropKind::Help) {
       std::fputs(usage().toUtf8().constData(), stdout);
     } else {
-      drop(line);
+      tellWithoutConnection(drop(line));
     }
   } catch (const std::exception &e) {
     say(stderr, u"trackchute: "_s + reasonOf(e));
