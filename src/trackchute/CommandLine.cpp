@@ -139,7 +139,8 @@ QString usage() {
          "  --no-playlist  without a playlist; albums of two and more songs become lists by themselves\n"
          "  --album        pictures as photo albums, in the order given, in one drop\n"
          "  --bookmark     web addresses under their titles, in one drop\n"
-         "Folders are expanded in natural order. The status is 0 when the client has received the drop.\n"_s;
+         "Folders are expanded in natural order, without what is hidden in them.\n"
+         "The status is 0 when the client has received the drop.\n"_s;
 }
 
 } // namespace sonorel::trackchute

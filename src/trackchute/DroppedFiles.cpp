@@ -1,11 +1,12 @@
 #include "trackchute/DroppedFiles.h"
 
+#include "core/state/FileTypes.h"
+#include "core/state/PathNames.h"
 #include "platform/Failure.h"
 
 #include <QStringDecoder>
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
 #include <set>
 #include <sys/stat.h>
@@ -17,8 +18,7 @@ namespace sonorel::trackchute {
 
 namespace {
 
-constexpr std::array<QStringView, 14> kPictureExtensions{u"jpeg", u"jpg",  u"gif", u"tiff", u"tif", u"png", u"bmp",
-                                                         u"avi",  u"mpeg", u"mpg", u"m1v",  u"mpe", u"asf", u"wmv"};
+constexpr QLatin1String kCompanion("._");
 
 std::optional<QString> decoded(const std::string &bytes) {
   QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
@@ -33,13 +33,6 @@ QString shown(const std::string &bytes) {
   return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
 }
 
-bool isPicture(const QString &path) {
-  const qsizetype dot = path.lastIndexOf(u'.');
-  const QStringView extension = dot < 0 ? QStringView() : QStringView(path).sliced(dot + 1);
-  return std::any_of(kPictureExtensions.begin(), kPictureExtensions.end(),
-                     [&](QStringView known) { return extension.compare(known, Qt::CaseInsensitive) == 0; });
-}
-
 // Behind a link ".." is not the folder that the text says: then the file system is asked.
 fs::path cleaned(const std::string &argument, std::error_code &error) {
   const fs::path given = fs::absolute(argument, error);
@@ -51,8 +44,19 @@ fs::path cleaned(const std::string &argument, std::error_code &error) {
   return fs::canonical(given, error);
 }
 
+bool isHiddenName(const QString &name) {
+  if (name.size() < 2 || name[0] != u'.') {
+    return false;
+  }
+  const bool isProgramsOwn = name[1].isLetter() && std::none_of(name.begin(), name.end(),
+                                                                [](QChar character) { return character.isSpace(); });
+  return isProgramsOwn || name.startsWith(kCompanion);
+}
+
 class Expansion {
 public:
+  explicit Expansion(const FromOutside &fromOutside) : m_fromOutside(fromOutside) {}
+
   DroppedFiles result;
 
   void addArgument(const std::string &argument) {
@@ -75,10 +79,16 @@ public:
   }
 
 private:
+  const FromOutside &m_fromOutside;
   std::set<std::pair<dev_t, ino_t>> m_folders; // read already
 
   void addFile(const QString &path) {
-    result.holdsPictures = result.holdsPictures || isPicture(path);
+    QString reason;
+    if (!m_fromOutside(path, &reason)) {
+      result.leftOut.append(reason);
+      return;
+    }
+    result.holdsPictures = result.holdsPictures || fileTypeOf(pathExtension(path)) == FileType::PhotoOrVideo;
     result.paths.append(path);
   }
 
@@ -93,12 +103,11 @@ private:
       throw Failure(u"the folder \"%1\" cannot be read"_s.replace(u"%1"_s, shown(folder.native())));
     }
     for (; listing != fs::directory_iterator(); listing.increment(error)) {
-      const std::string name = listing->path().filename().native();
-      if (name.starts_with('.')) {
-        continue;
-      }
-      if (const auto text = decoded(name)) {
-        entries.emplace_back(*text, listing->path());
+      const std::string bytes = listing->path().filename().native();
+      const auto text = decoded(bytes);
+      const QString name = text ? *text : shown(bytes);
+      if (text || isHiddenName(name)) {
+        entries.emplace_back(name, listing->path());
       } else {
         result.leftOut.append(shown(listing->path().native()));
       }
@@ -109,18 +118,32 @@ private:
     std::sort(entries.begin(), entries.end(),
               [](const auto &a, const auto &b) { return comesBefore(a.first, b.first); });
     for (const auto &[name, path] : entries) {
-      addEntry(path);
+      addEntry(name, path);
     }
   }
 
-  void addEntry(const fs::path &path) {
+  void addEntry(const QString &name, const fs::path &path) {
     struct stat status {};
-    if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
+    if (::stat(path.c_str(), &status) != 0) {
+      status = {};
+    }
+    if (isHiddenName(name)) {
+      leaveOutHidden(name, path, status);
+    } else if (S_ISDIR(status.st_mode)) {
       addFolder(path, status);
     } else if (S_ISREG(status.st_mode)) {
       addFile(shown(path.native()));
     } else {
       result.leftOut.append(shown(path.native()));
+    }
+  }
+
+  // Told where somebody may look for what is in it. What another system keeps beside a song is no song.
+  void leaveOutHidden(const QString &name, const fs::path &path, const struct stat &status) {
+    const bool isCarried = S_ISREG(status.st_mode) && !name.startsWith(kCompanion) &&
+                           fileTypeOf(pathExtension(name)) != FileType::Invalid;
+    if (isCarried || S_ISDIR(status.st_mode)) {
+      result.leftOut.append(shown(path.native()) + u" (hidden)"_s);
     }
   }
 };
@@ -175,15 +198,18 @@ bool comesBefore(const QString &a, const QString &b) {
   return a < b;
 }
 
-DroppedFiles expandDroppedFiles(std::span<const std::string> arguments) {
-  Expansion expansion;
+DroppedFiles expandDroppedFiles(std::span<const std::string> arguments, const FromOutside &fromOutside) {
+  Expansion expansion(fromOutside);
   for (const std::string &argument : arguments) {
     expansion.addArgument(argument);
   }
-  if (expansion.result.paths.isEmpty()) {
+  return expansion.result;
+}
+
+void requireAnyFile(const DroppedFiles &dropped) {
+  if (dropped.paths.isEmpty()) {
     throw Failure(u"there is no file to drop"_s);
   }
-  return expansion.result;
 }
 
 } // namespace sonorel::trackchute

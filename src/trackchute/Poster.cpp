@@ -46,6 +46,18 @@ QString Poster::deviceName() const {
   return property(u"DeviceName"_s).toString();
 }
 
+bool Poster::isBusy() const {
+  return property(u"Busy"_s).toBool();
+}
+
+bool Poster::isConnected() const {
+  return property(u"Connected"_s).toBool();
+}
+
+qsizetype Poster::selectedProducts() const {
+  return property(u"SelectedProducts"_s).toStringList().size();
+}
+
 void Poster::postDrag(const QString &object, const QStringList &draggedFiles) {
   post(kMusicDrag.toString(), {object, {{kDraggedFilesKey.toString(), draggedFiles}}});
 }

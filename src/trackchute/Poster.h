@@ -14,8 +14,12 @@ public:
   // Throws Failure when there is no session bus or no client on it.
   Poster();
 
-  // The client's `DeviceName`. Throws Failure when it does not answer.
+  // The client's `DeviceName`, `Busy`, `Connected` and the number of its `SelectedProducts`. Each throws Failure when
+  // it does not answer.
   [[nodiscard]] QString deviceName() const;
+  [[nodiscard]] bool isBusy() const;
+  [[nodiscard]] bool isConnected() const;
+  [[nodiscard]] qsizetype selectedProducts() const;
   // Each posts one notification and returns when the client has received it. Throws Failure when it is too large for
   // one notification, when the client does not answer, or when it is quitting and will not carry the drop.
   void postDrag(const QString &object, const QStringList &draggedFiles);

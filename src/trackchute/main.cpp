@@ -6,8 +6,10 @@
 #include "platform/linux/Installation.h"
 #include "platform/linux/LibplistPropertyLists.h"
 #include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/PathMap.h"
 #include "trackchute/CommandLine.h"
 #include "trackchute/ConnectedProduct.h"
+#include "trackchute/ConnectionWait.h"
 #include "trackchute/DroppedFiles.h"
 #include "trackchute/PlaylistName.h"
 #include "trackchute/Poster.h"
@@ -16,6 +18,7 @@
 #include <QVariantMap>
 
 #include <cstdio>
+#include <thread>
 #include <vector>
 
 using namespace Qt::Literals::StringLiterals;
@@ -30,8 +33,15 @@ void say(std::FILE *stream, const QString &text) {
   std::fputs((text + u'\n').toUtf8().constData(), stream);
 }
 
-QString playlistObject(const QString &name, const DroppedFiles &dropped, const Poster &poster) {
-  LinuxFileSystem files(rootsFromEnvironment(programFolder()));
+void awaitProduct(const Poster &poster) {
+  awaitConnection({[&poster] { return poster.isBusy(); }, [&poster] { return poster.selectedProducts(); },
+                   [](std::chrono::milliseconds time) { std::this_thread::sleep_for(time); },
+                   [] { say(stderr, u"trackchute: waiting until the client is connected"_s); }});
+}
+
+QString playlistObject(const QString &name, const DroppedFiles &dropped, const Poster &poster, const PathMap &map) {
+  awaitProduct(poster);
+  LinuxFileSystem files(map.roots());
   LibplistPropertyLists lists;
   const QString product =
       connectedProduct(files, lists, kAppDataPath.toString() + u'/' + kAgentPropertyFile.toString(),
@@ -45,29 +55,39 @@ QString playlistObject(const QString &name, const DroppedFiles &dropped, const P
   return postedPlaylistName(name, product, dropped.holdsPictures);
 }
 
-DroppedFiles expanded(const std::vector<std::string> &files) {
-  DroppedFiles dropped = expandDroppedFiles(files);
-  for (const QString &path : dropped.leftOut) {
-    say(stderr, u"trackchute: left out: "_s + path);
+DroppedFiles expanded(const std::vector<std::string> &files, const PathMap &map) {
+  const DroppedFiles dropped = expandDroppedFiles(
+      files, [&map](const QString &path, QString *reason) { return map.fromOutside(path, reason); });
+  for (const QString &line : dropped.leftOut) {
+    say(stderr, u"trackchute: left out: "_s + line);
   }
+  requireAnyFile(dropped);
   return dropped;
 }
 
-void dropAlbums(const CommandLine &line) {
+Poster dropAlbums(const CommandLine &line, const PathMap &map) {
   QVariantList photoData;
   for (const Album &album : line.albums) {
     photoData.append(QVariantMap{{kAlbumNameKey.toString(), album.name},
-                                 {kDraggedFilesKey.toString(), expanded(album.files).paths}});
+                                 {kDraggedFilesKey.toString(), expanded(album.files, map).paths}});
   }
-  Poster().postAlbums(photoData);
+  Poster poster;
+  poster.postAlbums(photoData);
+  return poster;
 }
 
-void dropFiles(const CommandLine &line) {
-  const DroppedFiles dropped = expanded(line.files);
+Poster dropBookmarks(const CommandLine &line) {
+  Poster poster;
+  poster.postBookmarks(line.titles, line.urls);
+  return poster;
+}
+
+Poster dropFiles(const CommandLine &line, const PathMap &map) {
+  const DroppedFiles dropped = expanded(line.files, map);
   Poster poster;
   switch (line.kind) {
   case DropKind::Playlist:
-    poster.postDrag(playlistObject(line.name, dropped, poster), dropped.paths);
+    poster.postDrag(playlistObject(line.name, dropped, poster, map), dropped.paths);
     break;
   case DropKind::Colour:
     poster.postDrag(colourMarker(line.name), dropped.paths);
@@ -76,15 +96,21 @@ void dropFiles(const CommandLine &line) {
     poster.postDrag(kNoPlaylist.toString(), dropped.paths);
     break;
   }
+  return poster;
 }
 
-void drop(const CommandLine &line) {
-  if (line.kind == DropKind::Albums) {
-    dropAlbums(line);
-  } else if (line.kind == DropKind::Bookmarks) {
-    Poster().postBookmarks(line.titles, line.urls);
-  } else {
-    dropFiles(line);
+Poster drop(const CommandLine &line) {
+  if (line.kind == DropKind::Bookmarks) {
+    return dropBookmarks(line);
+  }
+  const PathMap map(rootsFromEnvironment(programFolder()));
+  return line.kind == DropKind::Albums ? dropAlbums(line, map) : dropFiles(line, map);
+}
+
+// Asked in this order: a connection that is made in between is seen.
+void tellWithoutConnection(const Poster &poster) {
+  if (!poster.isBusy() && !poster.isConnected()) {
+    say(stderr, u"trackchute: the client is not connected to a product and has shown its connection tab instead"_s);
   }
 }
 
@@ -100,7 +126,7 @@ int main(int argc, char **argv) {
     } else if (line.kind == DropKind::Help) {
       std::fputs(usage().toUtf8().constData(), stdout);
     } else {
-      drop(line);
+      tellWithoutConnection(drop(line));
     }
   } catch (const std::exception &e) {
     say(stderr, u"trackchute: "_s + reasonOf(e));
