@@ -20,7 +20,20 @@ protected:
     fakes.power.wake();
     fakes.loop.runPosted();
   }
+  // What was dropped is carried, and the first track of it arrives.
+  void sleepInTheSecondCopy() {
+    fakes.processes.onRun = [this](const ToolRequest &request) -> std::optional<ToolResult> {
+      if (request.program != u"/bin/cp"_s || ++copies != 2) {
+        return std::nullopt;
+      }
+      fakes.power.send(PowerMessage::SystemWillSleep);
+      return ToolResult{ToolEnding::Stopped, -1, {}};
+    };
+    carry();
+  }
   UserInterfaceState shown() { return fakes.userInterface.last(); }
+
+  int copies = 0; // since then
 };
 
 } // namespace
@@ -94,15 +107,7 @@ TEST_F(ControllerSleepTest, ListsWhatWasNotTransferredAndCarriesItWhenItIsDroppe
   startConnected();
   const QStringList songs{song(u"One"_s), song(u"Two"_s), song(u"Three"_s)};
   deliver(u"@~Evening@~"_s, songs);
-  int copies = 0;
-  fakes.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
-    if (request.program != u"/bin/cp"_s || ++copies != 2) {
-      return std::nullopt;
-    }
-    fakes.power.send(PowerMessage::SystemWillSleep);
-    return ToolResult{ToolEnding::Stopped, -1, {}};
-  };
-  carry();
+  sleepInTheSecondCopy();
   EXPECT_EQ(fakes.worker.limits, QList<std::chrono::milliseconds>{1500ms});
   EXPECT_FALSE(fakes.files.isMounted(kPoint));
   EXPECT_FALSE(shown().transferring);
@@ -140,15 +145,7 @@ TEST_F(ControllerSleepTest, WhatWasCarriedBeforeItIsListedOnItsOwnProductOnly) {
   becomes("00-1A-2B-3C-4D-0A");
   startConnected();
   deliver(u"@~Evening@~"_s, {song(u"One"_s), song(u"Two"_s)});
-  int copies = 0;
-  fakes.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
-    if (request.program != u"/bin/cp"_s || ++copies != 2) {
-      return std::nullopt;
-    }
-    fakes.power.send(PowerMessage::SystemWillSleep);
-    return ToolResult{ToolEnding::Stopped, -1, {}};
-  };
-  carry();
+  sleepInTheSecondCopy();
   wake();
   becomes("00-1A-2B-3C-4D-0B");
   connect();
@@ -165,15 +162,7 @@ TEST_F(ControllerSleepTest, WhatWasCarriedBeforeItIsListedOnItsOwnProductOnly) {
 TEST_F(ControllerSleepTest, WhatWasCarriedBeforeItIsListedByTheNextRunWhenTheProgramEnds) {
   startConnected();
   deliver(u"@~Evening@~"_s, {song(u"One"_s), song(u"Two"_s)});
-  int copies = 0;
-  fakes.processes.onRun = [&](const ToolRequest &request) -> std::optional<ToolResult> {
-    if (request.program != u"/bin/cp"_s || ++copies != 2) {
-      return std::nullopt;
-    }
-    fakes.power.send(PowerMessage::SystemWillSleep);
-    return ToolResult{ToolEnding::Stopped, -1, {}};
-  };
-  carry();
+  sleepInTheSecondCopy();
   wake();
   controller->quit();
   fakes.loop.runPosted();
