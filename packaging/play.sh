@@ -46,9 +46,9 @@ end_client() {
   [ "$status" -eq 0 ] || fail "the client ended with status $status."
 }
 
-# make FILE FFMPEG-ARGUMENTS...: unless it stands there already, made by this very script.
+# make FILE FFMPEG-ARGUMENTS...: unless it stands there already, made by these very scripts.
 make() {
-  [ "$1" -nt "$0" ] && return
+  [ "$1" -nt "$0" ] && [ "$1" -nt "${BASH_SOURCE[0]}" ] && return
   [ -n "${making:-}" ] || echo "Making samples ..."
   making=yes
   mkdir -p "$(dirname "$1")"

@@ -64,11 +64,15 @@ void Roles::terminate() {
     share->discovery.stop(); // "Detected Devices" stays removed
   }
   try {
+    if (share && !share->driver.isAtWork()) {
+      share->playlists.keepRecords(); // first: it needs nothing of the product
+    }
+  } catch (const std::exception &e) {
+    logException(platform.desktop, u"applicationShouldTerminate"_s, e);
+  }
+  try {
     if (share && share->isConnected()) {
       share->connectFlow.disconnect();
-    }
-    if (share && !share->driver.isAtWork()) {
-      share->playlists.keepRecords();
     }
   } catch (const std::exception &e) {
     logException(platform.desktop, u"applicationShouldTerminate"_s, e);

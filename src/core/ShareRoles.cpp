@@ -141,6 +141,11 @@ TransferDriver::Hooks ShareRoles::driverHooks() {
 DropIntake::Hooks ShareRoles::intakeHooks() {
   DropIntake::Hooks hooks;
   hooks.isConnected = [this] { return connectFlow.isConnected(); };
+  hooks.dropComes = [this] {
+    if (!driver.isAtWork()) { // its own records stand on the board otherwise
+      playlists.keepRecordsOfAnotherProduct();
+    }
+  };
   hooks.startTransfer = [this] {
     playlists.beginTransfer();
     driver.startTransfer();
@@ -170,9 +175,6 @@ AfterConnection::Hooks ShareRoles::afterConnectionHooks() {
   hooks.cleanShare = [this] { cleanup.run(); };
   hooks.checkAU5SoftwareVersion = [this] { return productVersion.checkAU5SoftwareVersion(); };
   hooks.validateOrvFile = [this] {
-    if (!driver.isAtWork()) {
-      playlists.keepRecordsOfAnotherProduct();
-    }
     rewrite.recoverAtConnect(roles.interruption.token());
     const bool validated = dictionary.validateOrvFile(roles.interruption.token());
     if (!driver.isAtWork()) { // the worker's otherwise

@@ -59,11 +59,21 @@ bool PlaylistMetaData::sendMetaDataForPlaylist(bool photos) {
 }
 
 void PlaylistMetaData::beginTransfer() {
-  m_owner = Owner{productKey(m_session), playerOf(m_session)};
+  m_owner =
+      Owner{productKey(m_session), m_session.hardwareAddress(), m_session.connectedAddress(), playerOf(m_session)};
+}
+
+// A product does not become another one because its hardware address cannot be read this time.
+bool PlaylistMetaData::isConnectedTo(const Owner &owner) const {
+  const QString hardwareAddress = m_session.hardwareAddress();
+  if (hardwareAddress.isEmpty() || owner.hardwareAddress.isEmpty()) {
+    return m_session.connectedAddress() == owner.address;
+  }
+  return productKey(m_session) == owner.product;
 }
 
 void PlaylistMetaData::keepRecordsOfAnotherProduct() {
-  if (m_owner && m_owner->product != productKey(m_session)) {
+  if (m_owner && !isConnectedTo(*m_owner)) {
     keepRecords();
   }
 }

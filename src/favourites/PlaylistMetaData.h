@@ -35,8 +35,8 @@ public:
   // Where a transfer begins: what it places stands on the product that is connected now. Controller's thread, as are
   // the two below, which are called while no worker runs.
   void beginTransfer();
-  // What a broken-off transfer has left on the board goes out with the next one. Is another product connected now, it
-  // is taken off and kept for its own.
+  // Before a drop is taken: what a broken-off transfer has left on the board goes out with the next one. Is another
+  // product connected now, it is taken off and kept for its own.
   void keepRecordsOfAnotherProduct();
   // The same at the end of the program, whichever product is connected.
   void keepRecords();
@@ -48,10 +48,13 @@ public:
 
 private:
   struct Owner {
-    QString product;
+    QString product;         // the key of what is kept for it
+    QString hardwareAddress; // empty when it could not be read
+    QString address;
     PlayerTraits player;
   };
 
+  [[nodiscard]] bool isConnectedTo(const Owner &owner) const;
   [[nodiscard]] bool send(bool photos);
   [[nodiscard]] bool retry(bool photos, const std::stop_token &stop);
   [[nodiscard]] bool write(bool photos, const std::vector<NewList> &lists, MergeTry kind,

@@ -1,4 +1,4 @@
-// Lists of finished transfers that are not known to stand in a product's favourites: each transfer's wait here from
+// Lists of transfers that are not known to stand in a product's favourites: each transfer's wait here from
 // before their first try until they stand there, over the end of the program too. One file for each transfer, beside
 // the backup of the product's favourites. What the client's disk refuses is logged and waits in memory only.
 // Not thread-safe: the worker's, and the controller's while no worker runs. Read docs/formats/favourites.md.

@@ -19,6 +19,7 @@ namespace sonorel::trackchute {
 namespace {
 
 constexpr QLatin1String kCompanion("._");
+constexpr QStringView kProgramsMarks = u"@~#"; // behind the dot: thumbnails, locks and saves of programs
 
 std::optional<QString> decoded(const std::string &bytes) {
   QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
@@ -48,9 +49,13 @@ bool isHiddenName(const QString &name) {
   if (name.size() < 2 || name[0] != u'.') {
     return false;
   }
-  const bool isProgramsOwn = name[1].isLetter() && std::none_of(name.begin(), name.end(),
-                                                                [](QChar character) { return character.isSpace(); });
+  const bool hasBlank = std::any_of(name.begin(), name.end(), [](QChar one) { return one.isSpace(); });
+  const bool isProgramsOwn = (name[1].isLetter() && !hasBlank) || kProgramsMarks.contains(name[1]);
   return isProgramsOwn || name.startsWith(kCompanion);
+}
+
+bool isCarried(const QString &name) {
+  return fileTypeOf(pathExtension(name)) != FileType::Invalid;
 }
 
 class Expansion {
@@ -132,7 +137,9 @@ private:
     } else if (S_ISDIR(status.st_mode)) {
       addFolder(path, status);
     } else if (S_ISREG(status.st_mode)) {
-      addFile(shown(path.native()));
+      if (!name.startsWith(u'.') || isCarried(name)) {
+        addFile(shown(path.native()));
+      }
     } else {
       result.leftOut.append(shown(path.native()));
     }
@@ -140,9 +147,8 @@ private:
 
   // Told where somebody may look for what is in it. What another system keeps beside a song is no song.
   void leaveOutHidden(const QString &name, const fs::path &path, const struct stat &status) {
-    const bool isCarried = S_ISREG(status.st_mode) && !name.startsWith(kCompanion) &&
-                           fileTypeOf(pathExtension(name)) != FileType::Invalid;
-    if (isCarried || S_ISDIR(status.st_mode)) {
+    const bool isMissed = S_ISREG(status.st_mode) && !name.startsWith(kCompanion) && isCarried(name);
+    if (isMissed || S_ISDIR(status.st_mode)) {
       result.leftOut.append(shown(path.native()) + u" (hidden)"_s);
     }
   }

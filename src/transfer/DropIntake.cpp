@@ -145,6 +145,7 @@ void DropIntake::startTransfer() {
 }
 
 void DropIntake::handOver(const Drop &drop, Refusal refusal) {
+  m_hooks.dropComes();
   switch (m_board.offer(drop)) {
   case DropAnswer::Started:
     m_view.setProgressBar(0);

@@ -34,6 +34,8 @@ public:
     };
     // False for a path that means something inside the client and that nobody else may name.
     std::function<bool(const QString &)> isOutside = [](const QString &) { return true; };
+    // Before the board takes a drop.
+    std::function<void()> dropComes = [] {};
   };
 
   // All references must outlive the object.

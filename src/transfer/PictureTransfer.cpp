@@ -35,7 +35,7 @@ bool PictureTransfer::transferVideoFile(const QString &path) {
   if (isThere && isSettledOn(path, file)) {
     return false;
   }
-  if (!m_tools.files.canRead(path) || (isThere && isFolder(m_tools.files, file))) {
+  if (!m_server.canRead(path) || (isThere && isFolder(m_tools.files, file))) {
     return false; // a folder would take the copy inside
   }
   if (!isThere) {
@@ -70,7 +70,7 @@ bool PictureTransfer::settleOrCopy(const QString &source, const QString &file, b
     return false;
   }
   // Nothing is removed for what cannot be copied, and a pipe or a device would keep the copy busy for ever.
-  if (!m_tools.files.canRead(source) || m_server.stop().stop_requested()) {
+  if (!m_server.canRead(source) || m_server.stop().stop_requested()) {
     return false;
   }
   return isThere ? replace(source, file) : copyNew(source, file);

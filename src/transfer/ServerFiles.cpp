@@ -79,6 +79,14 @@ void ServerFiles::createFoldersOf(const QString &base, const QString &relativeNa
   }
 }
 
+bool ServerFiles::canRead(const QString &source) {
+  if (m_files.canRead(source)) {
+    return true;
+  }
+  m_desktop.log(source + u" was not copied: it cannot be read"_s);
+  return false;
+}
+
 bool ServerFiles::copy(const QString &source, const QString &file) {
   return runCopy(source, file, m_stop, {});
 }

@@ -36,6 +36,8 @@ public:
   // By the system's copy tool, attributes kept; its companion file goes. True when the copy stands; why not is
   // logged.
   [[nodiscard]] bool copy(const QString &source, const QString &file);
+  // Asked before anything on the share goes for the source; false is logged.
+  [[nodiscard]] bool canRead(const QString &source);
   // Where nothing stands any more because the old file was removed: half a copy goes, and when the program is about
   // to end most files are copied in the moment that is left.
   [[nodiscard]] bool copyInPlaceOfRemoved(const QString &source, const QString &file);

@@ -29,9 +29,10 @@ QString placeOf(const QString &file) {
   return relativeTo(kMusicFolderLiteral.toString(), file).replace(u"/"_s, kSeparatorMark.toString());
 }
 
-// Below the music folder, of a record that was placed.
+// Where the file of a record stands that was placed.
 QString pathOf(const PlaylistInfo &record) {
-  return QString(record.destinationSongName).replace(kSeparatorMark.toString(), u"/"_s);
+  return kMusicFolderLiteral.toString() +
+         QString(record.destinationSongName).replace(kSeparatorMark.toString(), u"/"_s);
 }
 
 } // namespace
@@ -161,9 +162,8 @@ bool Transfer::settleOn(const Track &track, const QString &file, bool useFolderH
   if (m_server.stop().stop_requested()) {
     return false; // the new copy could not follow
   }
-  if (!m_tools.files.canRead(track.source)) {
-    m_tools.desktop.log(track.source + u" cannot be read; the older one on the share stays"_s);
-    return false;
+  if (!m_server.canRead(track.source)) {
+    return false; // the older one stays
   }
   const bool removed = m_server.removeOld(file);
   // What cannot be removed is copied over all the same, but a folder would take the copy inside.
@@ -187,9 +187,11 @@ bool Transfer::settleOn(const Track &track, const QString &file, bool useFolderH
 
 // Nothing stands there any more: no list may show it, whichever source it was.
 void Transfer::takeBack(const QString &file) {
+  const QString place = placeOf(file);
   const QList<PlaylistInfo> records = m_tools.board.records(false);
   for (const PlaylistInfo &record : records) {
-    if (record.songTransferFlag == u"Y" && m_server.wentWith(file, m_folders.music() + pathOf(record))) {
+    if (record.songTransferFlag == u"Y" &&
+        (record.destinationSongName == place || m_server.wentWith(file, pathOf(record)))) {
       m_tools.board.updateRecords(false, record.sourceSongPath,
                                   [](PlaylistInfo &lost) { lost.songTransferFlag = u"N"_s; });
     }

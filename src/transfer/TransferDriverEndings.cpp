@@ -136,7 +136,7 @@ bool TransferDriver::finishTransferHandler() {
 }
 
 // The client stays usable: everything that the end handler clears is cleared, without a closing line. The records
-// that are "Y" go out with the next transfer.
+// that are "Y" go out with the next transfer onto the same product.
 bool TransferDriver::cleanUpAfterException(const std::exception &exception) {
   m_tools.board.beginEnding(); // a drop from here on waits
   logException(m_tools.desktop, u"transferToVaultbox"_s, exception);

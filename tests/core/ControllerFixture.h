@@ -80,8 +80,21 @@ protected:
     fakes.loop.runPosted();
   }
 
+  // What was dropped is carried, and the first track of it arrives.
+  void sleepInTheSecondCopy() {
+    fakes.processes.onRun = [this](const ToolRequest &request) -> std::optional<ToolResult> {
+      if (request.program != QStringLiteral("/bin/cp") || ++copiesSeen != 2) {
+        return std::nullopt;
+      }
+      fakes.power.send(PowerMessage::SystemWillSleep);
+      return ToolResult{ToolEnding::Stopped, -1, {}};
+    };
+    carry();
+  }
+
   FakePlatform fakes;
   ControllerValues values;
+  int copiesSeen = 0; // since sleepInTheSecondCopy
   quint32 finished = 0;
   QList<bool> initialisations;
   bool wasBusy = false;

@@ -243,3 +243,19 @@ TEST_F(ControllerProductsTest, FavouritesAreKeptForTheProductConnectedNotForTheO
   EXPECT_TRUE(fakes.files.exists(u"/Users/anna/Backup/_192.168.1.20"_s));
   EXPECT_FALSE(fakes.files.exists(u"/Users/anna/Backup/_192.168.1.30"_s));
 }
+
+// The connection to the other one fails half-way, and takes drops all the same.
+TEST_F(ControllerProductsTest, WhatASleepBrokeOffIsNotListedOnOneWhoseHardwareAddressCannotBeRead) {
+  startConnectedWithAnother();
+  deliver(u"@~Evening@~"_s, {song(u"One"_s), song(u"Two"_s)});
+  sleepInTheSecondCopy();
+  fakes.power.wake();
+  fakes.files.failPath(kSystemFolder + u"MacIPAdress.orv"_s, FailureKind::Other);
+  select(1);
+  controller->enterPassword(u"secret"_s);
+  fakes.loop.runPosted();
+  ASSERT_EQ(mounted().constLast(), u"192.168.1.30"_s);
+  deliver(u"@~Night@~"_s, {song(u"Three"_s)});
+  carry();
+  EXPECT_EQ(lists(), QStringList({u"@~Night@~: 1"_s}));
+}

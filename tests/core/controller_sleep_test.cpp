@@ -20,20 +20,7 @@ protected:
     fakes.power.wake();
     fakes.loop.runPosted();
   }
-  // What was dropped is carried, and the first track of it arrives.
-  void sleepInTheSecondCopy() {
-    fakes.processes.onRun = [this](const ToolRequest &request) -> std::optional<ToolResult> {
-      if (request.program != u"/bin/cp"_s || ++copies != 2) {
-        return std::nullopt;
-      }
-      fakes.power.send(PowerMessage::SystemWillSleep);
-      return ToolResult{ToolEnding::Stopped, -1, {}};
-    };
-    carry();
-  }
   UserInterfaceState shown() { return fakes.userInterface.last(); }
-
-  int copies = 0; // since then
 };
 
 } // namespace
@@ -125,7 +112,7 @@ TEST_F(ControllerSleepTest, ListsWhatWasNotTransferredAndCarriesItWhenItIsDroppe
   ASSERT_TRUE(shown().connected);
   deliver(u"@~Evening@~"_s, songs);
   carry();
-  EXPECT_EQ(copies, 4) << "what stands on the share is not copied again";
+  EXPECT_EQ(copiesSeen, 4) << "what stands on the share is not copied again";
   EXPECT_EQ(finished, 2U);
   EXPECT_EQ(shown().messageLog, u"The transfer has ended."_s);
 }

@@ -165,6 +165,8 @@ TEST_F(UnwrittenPlaylistsTest, AreWhatABrokenOffTransferLeftForAProductThatIsNot
   client.pictureOf(u"Rome"_s, u"/Rome/1.jpg"_s);
   client.breakOff();
   client.metaData.keepRecordsOfAnotherProduct(); // the same one again
+  client.session.setHardwareAddress({});         // which cannot be read this time
+  client.metaData.keepRecordsOfAnotherProduct();
   EXPECT_EQ(client.board.records(false).size(), 1);
   EXPECT_EQ(client.board.records(true).size(), 1);
   EXPECT_EQ(kept(), QStringList());

@@ -118,16 +118,18 @@ TEST_F(DroppedFilesTest, TitlesThatBeginWithADotAreTaken) {
 
 TEST_F(DroppedFilesTest, HiddenEntriesAreLeftOutAndToldWhenTheyCouldHaveBeenMeant) {
   for (const char *name : {".DS_Store", ".Trash-1000/old.mp3", "._01 one.mp3", "._cover.jpg", ".hidden",
-                           ".hidden.mp3", ".hidden.JPG", ".hidden.url", ".git/config", "01 one.mp3"}) {
+                           ".hidden.mp3", ".hidden.JPG", ".hidden.url", ".git/config", ".@__thumb/1.jpg",
+                           ".~lock.a b#", ".01 one.mp3.aB3dE9", ".Some Preferences.plist", "01 one.mp3"}) {
     file(std::string("album/") + name);
   }
   fs::create_symlink("nowhere", m_folder / "album/.broken.mp3");
   const auto found = expanded("album");
   EXPECT_EQ(found.paths, QStringList{path(u"album/01 one.mp3"_s)});
   EXPECT_FALSE(found.holdsPictures);
-  EXPECT_EQ(found.leftOut, (QStringList{path(u"album/.git (hidden)"_s), path(u"album/.hidden.JPG (hidden)"_s),
-                                        path(u"album/.hidden.mp3 (hidden)"_s), path(u"album/.hidden.url (hidden)"_s),
-                                        path(u"album/.Trash-1000 (hidden)"_s)}));
+  EXPECT_EQ(found.leftOut,
+            (QStringList{path(u"album/.@__thumb (hidden)"_s), path(u"album/.git (hidden)"_s),
+                         path(u"album/.hidden.JPG (hidden)"_s), path(u"album/.hidden.mp3 (hidden)"_s),
+                         path(u"album/.hidden.url (hidden)"_s), path(u"album/.Trash-1000 (hidden)"_s)}));
 }
 
 TEST_F(DroppedFilesTest, HiddenNameOnTheCommandLineIsTaken) {

@@ -52,8 +52,12 @@ TransferDriver::Hooks TransferWorkbench::driverHooks() {
 }
 
 DropIntake::Hooks TransferWorkbench::intakeHooks() {
-  return {[this] { return isConnected(); }, [this] { driver.startTransfer(); }, [] {},
-          [this](quint32 drops) { dropsFinished += drops; }};
+  DropIntake::Hooks hooks;
+  hooks.isConnected = [this] { return isConnected(); };
+  hooks.startTransfer = [this] { driver.startTransfer(); };
+  hooks.killTrackChuteAndLaunch = [] {};
+  hooks.dropsFinished = [this](quint32 drops) { dropsFinished += drops; };
+  return hooks;
 }
 
 void TransferWorkbench::deliver(const QString &name, const QStringList &paths) {

@@ -41,7 +41,7 @@ TEST_F(DropBuildingTest, APlaylistQueuesWhatIsThereAndRecordsItByItsKind) {
   EXPECT_TRUE(drop.hasVideoOrPicture);
 }
 
-TEST_F(DropBuildingTest, OnlyAPlaylistsNameIsPurged) {
+TEST_F(DropBuildingTest, AnyNameButAMarkerIsPurged) {
   const QStringList song{u"/m/1.mp3"_s};
   EXPECT_EQ(dropOf({}, song, files, kAuracore).purgedPlaylist, QString());
   EXPECT_EQ(dropOf(u"Finder"_s, song, files, kAuracore).purgedPlaylist, u"Finder"_s);

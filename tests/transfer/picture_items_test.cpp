@@ -237,6 +237,7 @@ TEST_F(PictureItemsTest, NothingIsRemovedForASourceThatCannotBeRead) {
   };
   albums({album(u"A"_s, {picture(u"/p/Trip/1.jpg"_s)})});
   EXPECT_EQ(bench.files.bytes(kPhoto + u"Trip/1.jpg"_s), QByteArray("older"));
+  EXPECT_TRUE(bench.desktop.logged(u"/p/Trip/1.jpg was not copied: it cannot be read"_s));
   EXPECT_TRUE(bench.processes.requests.isEmpty());
   EXPECT_EQ(bench.view.lastLog, u"\"1.jpg\" could not be transferred."_s);
 }

@@ -79,7 +79,7 @@ TEST_F(TransferTest, NothingIsRemovedForASourceThatCannotBeRead) {
   EXPECT_FALSE(place(source));
   EXPECT_EQ(bench.files.bytes(target), "older");
   EXPECT_TRUE(bench.processes.requests.isEmpty());
-  EXPECT_TRUE(bench.desktop.logged(source + u" cannot be read; the older one on the share stays"_s));
+  EXPECT_TRUE(bench.desktop.logged(source + u" was not copied: it cannot be read"_s));
   EXPECT_EQ(bench.board.records(false).first().songTransferFlag, u"N"_s);
 }
 
