@@ -1,5 +1,5 @@
-// The tags of the files of one transfer: each file is read once, however often its names are asked for. Worker
-// thread.
+// The tags of the files of one transfer: each file is read once, however often its names are asked for. The worker's,
+// and the controller's while no worker runs.
 #pragma once
 
 #include "platform/FileSystem.h"
